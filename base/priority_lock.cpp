@@ -1,0 +1,26 @@
+#include "base/priority_lock.h"
+
+PriorityLock::PriorityLock() {
+    pthread_mutexattr_t attributes;
+    pthread_mutexattr_init(&attributes);
+    pthread_mutexattr_settype(&attributes, PTHREAD_MUTEX_RECURSIVE);
+    pthread_mutexattr_setprotocol(&attributes, PTHREAD_PRIO_INHERIT);
+    if (pthread_mutex_init(&mutex, &attributes) != 0) {
+        pthread_mutexattr_setprotocol(&attributes, PTHREAD_PRIO_NONE);
+        pthread_mutex_init(&mutex, &attributes);
+    }
+    pthread_mutexattr_destroy(&attributes);
+}
+
+PriorityLock::~PriorityLock() {
+    pthread_mutex_destroy(&mutex);
+}
+void PriorityLock::lock() {
+    pthread_mutex_lock(&mutex);
+}
+void PriorityLock::unlock() {
+    pthread_mutex_unlock(&mutex);
+}
+bool PriorityLock::try_lock() {
+    return pthread_mutex_trylock(&mutex) == 0;
+}

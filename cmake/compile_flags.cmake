@@ -1,0 +1,42 @@
+# One set of flags for every room. The recognition is defined to the operation, so no flag here may let
+# the compiler merge, reorder or approximate floating-point arithmetic.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_C_STANDARD 11)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+if(NOT CMAKE_BUILD_TYPE)
+  set(CMAKE_BUILD_TYPE Release)
+endif()
+set(CMAKE_CXX_FLAGS_RELEASE "-O2 -DNDEBUG")
+set(CMAKE_CXX_FLAGS_DEBUG "-O0 -g")
+
+set(ORVA_SANITIZE "" CACHE STRING "address (with undefined), thread, or empty")
+
+add_library(orva_flags INTERFACE)
+target_include_directories(orva_flags INTERFACE ${PROJECT_SOURCE_DIR})
+target_compile_options(orva_flags INTERFACE
+  -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wold-style-cast -Wvla -Werror
+  -ffp-contract=off -fstack-protector-strong
+  -ffile-prefix-map=${PROJECT_SOURCE_DIR}=.)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  target_compile_options(orva_flags INTERFACE -fno-gnu-unique)
+endif()
+if(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64")
+  target_compile_options(orva_flags INTERFACE -fcf-protection)
+endif()
+
+if(ORVA_SANITIZE STREQUAL "address")
+  target_compile_options(orva_flags INTERFACE -O1 -g -fno-omit-frame-pointer
+    -fsanitize=address,undefined,float-cast-overflow,float-divide-by-zero -fno-sanitize-recover=all)
+  target_link_options(orva_flags INTERFACE -fsanitize=address,undefined)
+elseif(ORVA_SANITIZE STREQUAL "thread")
+  target_compile_options(orva_flags INTERFACE -O1 -g -fno-omit-frame-pointer -fsanitize=thread)
+  target_link_options(orva_flags INTERFACE -fsanitize=thread)
+elseif(CMAKE_BUILD_TYPE STREQUAL "Release")
+  target_compile_options(orva_flags INTERFACE -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2 -Wstack-usage=8192)
+endif()

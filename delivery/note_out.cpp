@@ -1,0 +1,68 @@
+#include "delivery/note_out.h"
+
+#include <mutex>
+
+#include "delivery/note_recorder.h"
+
+void TNoteOut::TellOn(std::int32_t band) {
+    NoteOn(band);
+    soundingCount = soundingCount + 1;
+}
+
+void TNoteOut::TellOff(std::int32_t band) {
+    NoteOff(band);
+    soundingCount = soundingCount - 1;
+}
+
+// Starts from what the detector hears, so that an output which joins in the middle of a note has it at once.
+void TNoteOut::StartSteps() {
+    soundingCount = 0;
+    const TNoteRecorder* const from = recorder;
+    if (from != nullptr && from->active && !running)
+        for (std::int32_t band = 0; band < from->numBands; ++band)
+            if (from->BandSounds(band)) TellOn(band);
+    running = true;
+}
+
+void TNoteOut::StopSteps() {
+    if (!running) return;
+    Silence();
+    running = false;
+}
+
+// Closes what the outputs were told, which is what was playing, and not what the detector hears by now.
+void TNoteOut::Silence() {
+    if (!running || silenced) return;
+    if (const TNoteRecorder* const from = recorder)
+        for (std::int32_t band = 0; band < from->numBands; ++band)
+            if (from->playing[band]) TellOff(band);
+    silenced = true;
+}
+
+void TNoteOut::Update() {
+    const TNoteRecorder* const from = recorder;
+    if (!running || from == nullptr) return;
+    for (std::int32_t band = 0; band < from->numBands; ++band) {
+        const bool on = from->BandSounds(band);
+        const bool played = from->playing[band];
+        if (!on && played)
+            TellOff(band);
+        else if (on && !played)
+            TellOn(band);
+    }
+    silenced = false;
+}
+
+void TmtNoteOut::Start() {
+    TNoteRecorder* const from = recorder;
+    std::unique_lock<TNoteRecorder> held;
+    if (from != nullptr && from->active) held = std::unique_lock<TNoteRecorder>(*from);
+    StartNow();
+}
+
+void TmtNoteOut::Stop() {
+    TNoteRecorder* const from = recorder;
+    std::unique_lock<TNoteRecorder> held;
+    if (from != nullptr && from->active) held = std::unique_lock<TNoteRecorder>(*from);
+    StopNow();
+}

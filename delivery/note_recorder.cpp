@@ -1,0 +1,194 @@
+#include "delivery/note_recorder.h"
+
+#include <algorithm>
+#include <mutex>
+
+#include "base/truncate.h"
+#include "delivery/note_out.h"
+
+namespace {
+
+constexpr std::int32_t noteOf440 = 69;  // MIDI
+constexpr std::uint32_t statusNoteOff = 0x80;
+constexpr std::uint32_t statusNoteOn = 0x90;
+constexpr std::uint32_t statusProgram = 0xC0;
+
+}  // namespace
+
+// With no bands left, no output's destructor can send a note.
+TNoteRecorder::~TNoteRecorder() {
+    active = false;
+    numBands = 0;
+    outputs.ForEach([](TNoteOut& output) { output.Release(); });
+}
+
+void TNoteRecorder::Attach(INoteDetector* newDetector) {
+    if (newDetector == nullptr) return;
+    AllNotesOff();
+    detector = newDetector;
+    bandOn = nullptr;
+    numBands = 0;
+    bandLevel = nullptr;
+    bandOn = detector->bandOn;
+    if (bandOn == nullptr) return;
+    bandLevel = detector->bandLevel;
+    if (bandLevel == nullptr) return;
+    referenceBand = detector->referenceBand;
+    if (detector->numBands < 1) return;
+    frameLength = detector->frameLength;
+    sampleRate = static_cast<std::uint32_t>(detector->sampleRate.load());
+    numBands = std::min(detector->numBands, maxBands);
+    time = 0;
+    for (std::int32_t band = 0; band < numBands; ++band) enabled[band] = true;
+    BuildMessages();
+}
+
+void TNoteRecorder::BuildMessages() {
+    const auto onChannel = static_cast<std::uint32_t>(channel & 15);
+    const auto withVelocity = static_cast<std::uint32_t>(velocity & 127) << 16;
+    // Wrapping sums: a transposition may be any word, and what lies outside 0 to 127 has no note.
+    const std::uint32_t noteOfBand0 = static_cast<std::uint32_t>(transpose.load()) -
+                                      static_cast<std::uint32_t>(referenceBand.load()) +
+                                      static_cast<std::uint32_t>(noteOf440);
+    for (std::int32_t band = 0; band < numBands; ++band) {
+        const std::uint32_t note = noteOfBand0 + static_cast<std::uint32_t>(band);
+        const bool inRange = note <= 127;
+        messages[band].onMessage = inRange ? statusNoteOn | onChannel | note << 8 | withVelocity : 0;
+        messages[band].offMessage = inRange ? statusNoteOff | onChannel | note << 8 : 0;
+    }
+}
+
+void TNoteRecorder::OnFrame() {
+    if (!active) return;
+    const std::lock_guard<TNoteRecorder> held(*this);
+    time = time + frameLength;
+    for (std::int32_t band = 0; band < numBands; ++band) {
+        frameLevel[band] = bandLevel[band];
+        frameOn[band] = bandOn[band];
+    }
+    if (startOnFirstNote && !firstNoteSeen) StartOnFirstNote();
+    outputs.ForEach([](TNoteOut& output) { output.Update(); });
+    for (std::int32_t band = 0; band < numBands; ++band) playing[band] = BandSounds(band);
+}
+
+void TNoteRecorder::StartOnFirstNote() {
+    if (!std::any_of(bandOn, bandOn + numBands, [](bool on) { return on; })) return;
+    firstNoteSeen = true;
+    autoStartOutputs.ForEach([](TNoteOut& output) { output.AutoStart(); });
+}
+
+void TNoteRecorder::Activate(std::uint32_t offset) {
+    startOffset = offset;
+    active = true;
+}
+
+std::int32_t TNoteRecorder::BandDelaySamples(std::int32_t band) const {
+    if (detector == nullptr) return 0;
+    return TruncateToInt32(detector->GetBandDelay(band) * 0.001F * static_cast<float>(sampleRate));
+}
+
+std::uint32_t TNoteRecorder::ProgramMessage() const {
+    return static_cast<std::uint32_t>(program & 127) << 8 | statusProgram |
+           static_cast<std::uint32_t>(channel & 15);
+}
+
+void TNoteRecorder::AddOutput(TNoteOut* output) {
+    if (output == nullptr) return;
+    const std::lock_guard<TNoteRecorder> held(*this);
+    if (outputs.Contains(output)) return;
+    output->SetRecorder(this);
+    if (sendProgramChange) output->Send(ProgramMessage());
+    outputs.Append(output);
+}
+
+void TNoteRecorder::AddAutoStartOutput(TNoteOut* output) {
+    if (output == nullptr) return;
+    const std::lock_guard<TNoteRecorder> held(*this);
+    autoStartOutputs.Append(output);
+    AddOutput(output);
+}
+
+void TNoteRecorder::RemoveOutput(TNoteOut* output) {
+    if (output == nullptr) return;
+    const std::lock_guard<TNoteRecorder> held(*this);
+    autoStartOutputs.Remove(output);
+    outputs.Remove(output);
+    output->SetRecorder(nullptr);
+}
+
+void TNoteRecorder::AllNotesOff() {
+    outputs.ForEach([](TNoteOut& output) { output.Silence(); });
+    for (std::int32_t band = 0; band < numBands; ++band) playing[band] = false;
+}
+
+void TNoteRecorder::Broadcast(std::uint32_t message) {
+    outputs.ForEach([message](TNoteOut& output) { output.Send(message); });
+}
+
+void TNoteRecorder::SetSendProgramChange(bool on) {
+    sendProgramChange = on;
+    if (on) Broadcast(ProgramMessage());
+}
+
+void TNoteRecorder::SetProgram(std::int32_t newProgram) {
+    if (newProgram == program) return;
+    program = newProgram;
+    if (sendProgramChange) Broadcast(ProgramMessage());
+}
+
+void TNoteRecorder::SetStartOnFirstNote(bool on) {
+    startOnFirstNote = on;
+    firstNoteSeen = false;
+}
+
+void TNoteRecorder::SetTranspose(std::int32_t semitones) {
+    AllNotesOff();
+    transpose = semitones;
+    BuildMessages();
+}
+
+void TNoteRecorder::SetChannel(std::int32_t newChannel) {
+    AllNotesOff();
+    channel = newChannel;
+    BuildMessages();
+    Broadcast(ProgramMessage());
+}
+
+void TNoteRecorder::SetVelocity(std::int32_t newVelocity) {
+    AllNotesOff();
+    velocity = newVelocity;
+    BuildMessages();
+}
+
+void TNoteRecorder::SetMapping(std::int32_t semitones, std::int32_t newChannel, std::int32_t newVelocity) {
+    AllNotesOff();
+    transpose = semitones;
+    channel = newChannel;
+    velocity = newVelocity;
+    BuildMessages();
+}
+
+// Beside the audio thread, that is while active, a change takes no lock.
+template <typename Store>
+void TNoteRecorder::Change(Store store) {
+    std::unique_lock<TNoteRecorder> held(*this, std::defer_lock);
+    if (!active) held.lock();
+    store();
+}
+
+void TNoteRecorder::ChangeTranspose(std::int32_t semitones) {
+    if (semitones != transpose) Change([&] { SetTranspose(semitones); });
+}
+
+void TNoteRecorder::ChangeChannel(std::int32_t newChannel) {
+    if (newChannel != channel) Change([&] { SetChannel(newChannel); });
+}
+
+void TNoteRecorder::ChangeVelocity(std::int32_t newVelocity) {
+    if (newVelocity != velocity) Change([&] { SetVelocity(newVelocity); });
+}
+
+void TNoteRecorder::ChangeMapping(std::int32_t semitones, std::int32_t newChannel, std::int32_t newVelocity) {
+    if (semitones != transpose || newChannel != channel || newVelocity != velocity)
+        Change([&] { SetMapping(semitones, newChannel, newVelocity); });
+}

@@ -1,0 +1,18 @@
+#include "module/plugin_entry.h"
+
+#include <memory>
+
+#include "base/float_environment.h"
+#include "plugin/gui_plugin_ex.h"
+
+AEffect* OpenPlugin(audioMasterCallback host) noexcept {
+    if (host == nullptr) return nullptr;
+    const FloatEnvironment hosts;
+    try {
+        if (host(nullptr, audioMasterVersion, 0, 0, nullptr, 0) == 0) return nullptr;
+        auto effect = std::make_unique<CORVAguivstEx>(host);
+        return effect.release()->getAeffect();
+    } catch (...) {
+        return nullptr;
+    }
+}

@@ -1,0 +1,71 @@
+#include "plugin/host_facts.h"
+
+#include <atomic>
+#include <cstdint>
+#include <iomanip>
+#include <sstream>
+
+#include "vst2/audio_effect_x.h"
+
+namespace {
+
+// A cached answer: one word, so that it needs no lock.
+enum Answer : std::uint32_t { notAsked = 0, no = 1, yes = 2 };
+std::atomic<std::uint32_t> vst24{notAsked};
+std::atomic<std::uint32_t> ableton{notAsked};
+
+template <typename Ask>
+bool Cached(std::atomic<std::uint32_t>& answer, Ask ask) {
+    std::uint32_t known = answer.load(std::memory_order_relaxed);
+    if (known == notAsked) {
+        known = ask() ? yes : no;
+        answer.store(known, std::memory_order_relaxed);
+    }
+    return known == yes;
+}
+
+const char* const hostCapabilities[] = {
+    "sendVstEvents",
+    "sendVstMidiEvent",
+    "sendVstTimeInfo",
+    "receiveVstEvents",
+    "receiveVstMidiEvent",
+    "receiveVstTimeInfo",
+    "reportConnectionChanges",
+    "acceptIOChanges",
+    "sizeWindow",
+    "asyncProcessing",
+    "offline",
+    "supplyIdle",
+    "supportShell",
+    "openFileSelector",
+    "editFile",
+    "closeFileSelector",
+    "startStopProcess",
+    "shellCategory",
+    "sendVstMidiEventFlagIsRealtime",
+};
+
+}  // namespace
+
+bool hostIsVst24(AudioEffectX& effect) {
+    return Cached(vst24, [&] { return effect.getMasterVersion() == 2400; });
+}
+
+bool hostIsAbleton(AudioEffectX& effect) {
+    return Cached(ableton, [&] { return effect.getHostVendorString() == "Ableton"; });
+}
+
+std::string HostFacts(AudioEffectX& effect) {
+    std::ostringstream lines;
+    lines << "\n"
+          << "getMasterVersion: " << effect.getMasterVersion() << "\n"
+          << "getHostVendorString: " << effect.getHostVendorString() << "\n"
+          << "getHostVendorVersion: " << effect.getHostVendorVersion() << "\n"
+          << "getHostProductString: " << effect.getHostProductString() << "\n"
+          << "\n";
+    for (const char* const capability : hostCapabilities)
+        lines << std::left << std::setw(31) << capability << ": " << effect.canHostDo(capability) << "\n";
+    lines << "\n";
+    return lines.str();
+}

@@ -1,0 +1,263 @@
+#include "plugin/plugin_object.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstring>
+#include <memory>
+#include <thread>
+
+#include "base/text.h"
+#include "base/truncate.h"
+#include "plugin/host_facts.h"
+#include "plugin/mem_log.h"
+#include "plugin/sample_conversion.h"
+
+namespace {
+
+constexpr std::int32_t bandOf440 = 45;
+constexpr std::int32_t bandCount = 84;  // C1 to B7
+constexpr float resonatorBandwidth = 0.02F;
+
+// Hz. Below, a frame of 10 ms has no sample; above, no host runs, and the tables would grow without bound.
+constexpr float slowestRate = 100;
+constexpr float fastestRate = 10'000'000;
+
+// How long a suspend or a new rate waits for a block in flight before it leaves the rest to that block's end.
+// Longer than any block lasts; bounded, since a host may hold a lock of its own that the block waits for.
+constexpr auto patience = std::chrono::milliseconds(100);
+
+// The first channel, or null.
+template <typename Sample>
+Sample* FirstChannel(Sample** channels) {
+    return channels != nullptr ? channels[0] : nullptr;
+}
+
+// out += in, as if the input had been read whole first: the buffers may overlap in either direction, and lie
+// at any address.
+void Accumulate(const float* in, float* out, std::size_t count) {
+    const auto add = [&](std::size_t i) {
+        float sum;
+        float term;
+        std::memcpy(&sum, out + i, sizeof sum);
+        std::memcpy(&term, in + i, sizeof term);
+        sum += term;
+        std::memcpy(out + i, &sum, sizeof sum);
+    };
+    if (std::less<const void*>()(in, out))
+        for (std::size_t i = count; i-- > 0;) add(i);
+    else
+        for (std::size_t i = 0; i < count; ++i) add(i);
+}
+
+}  // namespace
+
+CORVA_vst::CORVA_vst(audioMasterCallback host, std::int32_t numParams)
+    : AudioEffectX(host, 1, numParams), detector(TruncateToInt32(getSampleRate()), bandOf440, bandCount) {
+    setNumInputs(1);
+    setNumOutputs(1);
+    setUniqueID(FourCharacters('O', 'R', 'V', '1'));
+    canProcessReplacing(true);
+    canDoubleReplacing(true);
+    if (!hostIsVst24(*this)) canMono(true);
+    CopyText(programName, sizeof programName, "Default");
+    hostIsAbletonCopy = hostIsAbleton(*this);
+
+    auto output = std::make_unique<TVSTMIDIOut>(this);
+    vstMidiOut = output.get();
+    detector.SetMonoEnabled(false);
+    detector.equalizerEnabled = false;
+    detector.SetTuningEnabled(false);
+    detector.SetBandwidth(resonatorBandwidth);
+    detector.handler = &noteRecorder;
+    noteRecorder.Attach(&detector);
+    noteRecorder.Activate(0);
+    noteRecorder.AddOutput(vstMidiOut);
+    output.release();  // the recorder owns it from here on
+
+    getMasterVersion();  // some hosts set themselves up by these two questions; the answers are not used
+    canHostDo("receiveVstMidiEvent");
+
+    CORVA_vst::setParameter(2, 0.79F);
+    CORVA_vst::setParameter(1, 0.875F);
+    CORVA_vst::setParameter(0, 0.87F);
+    detects = TruncateToInt32(getSampleRate()) <= TruncateToInt32(fastestRate);
+}
+
+CORVA_vst::~CORVA_vst() {
+    detector.handler = nullptr;
+}
+
+void CORVA_vst::processSamples(const short*, std::size_t) {}
+
+// --- the road of a block ---
+
+template <typename Sample>
+void CORVA_vst::FeedBlock(const Sample* in, std::size_t count) {
+    if (firstBlock) {
+        requestHostEvents();
+        firstBlock = false;
+    }
+    if (!gate.TryEnter()) {
+        totalSamples = totalSamples + count;
+        return;
+    }
+    {
+        const BlockGate::Leaving leaves(gate);
+        if (count > samples.capacity())
+            samples.reserve(std::max(count, samples.capacity() + samples.capacity() / 2));
+        samples.resize(count);
+        ConvertSamples(in, samples.data(), count);
+        deliverBlock(count);
+    }
+    if (requests.load() != 0) ServeRequests();
+}
+
+void CORVA_vst::deliverBlock(std::size_t count) {
+    // The recorder's clock stands still where the detector has not been stepping it.
+    const auto delivered = static_cast<std::int64_t>(totalSamples.load());
+    if (!stopped && noteRecorder.GetTime() + noteRecorder.GetFrameLength() < delivered)
+        noteRecorder.SetTime(delivered);
+    processSamples(samples.data(), count);
+    totalSamples = totalSamples + count;
+}
+
+template <typename Sample>
+void CORVA_vst::PassThrough(Sample** inputs, Sample** outputs, std::int32_t frames, bool accumulate) {
+    const std::size_t count = frames > 0 ? static_cast<std::size_t>(frames) : 0;
+    const Sample* const in = FirstChannel(inputs);
+    Sample* const out = FirstChannel(outputs);
+    try {
+        FeedBlock(in, count);
+    } catch (...) {  // recognition may fail; the audio passes all the same
+    }
+    if (out == nullptr || count == 0) return;
+    if constexpr (sizeof(Sample) == sizeof(float)) {
+        if (accumulate) {
+            if (in != nullptr) Accumulate(in, out, count);
+            return;
+        }
+    }
+    if (in != nullptr)
+        std::memmove(out, in, count * sizeof(Sample));
+    else
+        std::memset(out, 0, count * sizeof(Sample));
+}
+
+void CORVA_vst::process(float** inputs, float** outputs, std::int32_t frames) {
+    PassThrough(inputs, outputs, frames, true);
+}
+
+void CORVA_vst::processReplacing(float** inputs, float** outputs, std::int32_t frames) {
+    PassThrough(inputs, outputs, frames, false);
+}
+
+void CORVA_vst::processDoubleReplacing(double** inputs, double** outputs, std::int32_t frames) {
+    PassThrough(inputs, outputs, frames, false);
+}
+
+// --- start and stop ---
+
+void CORVA_vst::startDetection() {
+    if (!stopped) return;
+    stopped = false;
+    noteRecorder.SetTime(static_cast<std::int64_t>(totalSamples.load()));
+    if (outputToHost) vstMidiOut->Start();
+}
+
+void CORVA_vst::stopDetection() {
+    noteRecorder.SetTime(static_cast<std::int64_t>(totalSamples.load()));
+    StopSteps();
+}
+
+void CORVA_vst::StopSteps() {
+    if (stopped) return;
+    stopped = true;
+    detector.Reset();
+    vstMidiOut->Stop();
+    noteRecorder.AllNotesOff();
+}
+
+void CORVA_vst::suspend() {
+    Ask(requestStop);
+}
+
+void CORVA_vst::resume() {
+    if (!hostAskedMidiOut && silentSamples + totalSamples != 0 && !hostIsVst24(*this)) wantEvents(1);
+}
+
+void CORVA_vst::requestHostEvents() {
+    if (!hostAskedMidiOut && !hostIsVst24(*this)) wantEvents(1);
+}
+
+void CORVA_vst::setSampleRate(float rate) {
+    AudioEffectX::setSampleRate(rate);
+    Ask(requestRate);
+}
+
+// --- what other threads want done to the detector ---
+
+// Done at once where the gate is free or this thread's own (hosts call back from within a block). Otherwise
+// the block in flight ends first; should it last, it does the work itself when it leaves.
+void CORVA_vst::Ask(Request request) {
+    if (gate.IsMine()) {
+        Serve(request);
+        return;
+    }
+    requests.fetch_or(request);
+    const auto until = std::chrono::steady_clock::now() + patience;
+    while (!ServeRequests() && std::chrono::steady_clock::now() < until)
+        std::this_thread::sleep_for(std::chrono::microseconds(100));
+}
+
+// False when another thread is inside; it looks for requests again once it has left.
+bool CORVA_vst::ServeRequests() {
+    do {
+        if (!gate.TryEnter()) return false;
+        const BlockGate::Leaving leaves(gate);
+        Serve(requests.exchange(0));
+    } while (requests.load() != 0);
+    return true;
+}
+
+void CORVA_vst::Serve(unsigned wanted) {
+    if ((wanted & requestStop) != 0) StopSteps();
+    if ((wanted & requestRate) != 0) {
+        const float rate = getSampleRate();
+        detects = false;
+        if (!(rate >= slowestRate && rate <= fastestRate)) return;
+        detector.SetSampleRate(TruncateToInt32(rate));
+        detects = true;
+    }
+}
+
+// --- identity ---
+
+void CORVA_vst::open() {
+    logHostInfo();
+    getMemLog().text();  // fetched once, and dropped
+}
+
+void CORVA_vst::logHostInfo() {
+    getMemLog().append(HostFacts(*this));
+}
+
+bool CORVA_vst::getEffectName(char* text) {
+    CopyText(text, kVstMaxEffectNameLen, "ORVA Audio To MIDI");
+    return true;
+}
+
+bool CORVA_vst::getProductString(char* text) {
+    CopyText(text, kVstMaxProductStrLen, "ORVA Audio To MIDI");
+    return true;
+}
+
+bool CORVA_vst::getVendorString(char* text) {
+    CopyText(text, kVstMaxVendorStrLen, "ORVASOFT");
+    return true;
+}
+
+std::int32_t CORVA_vst::canDo(const char* text) {
+    if (std::strcmp(text, "sendVstMidiEvent") != 0) return 0;
+    hostAskedMidiOut = true;
+    return 1;
+}

@@ -1,0 +1,114 @@
+#pragma once
+#include <atomic>
+#include <cstdint>
+#include <mutex>
+#include <vector>
+
+#include "base/relaxed.h"
+#include "delivery/note_recorder.h"
+#include "delivery/vst_midi_out.h"
+#include "engine/real_time_detector.h"
+#include "plugin/block_gate.h"
+#include "vst2/audio_effect_x.h"
+
+// The base of the plug-in object: the detector, the recorder, the output to the host, the three parameters
+// that steer the recognition, and the road of a block of audio. The audio itself passes through untouched.
+//
+// The chain above it adds one concern a level: CORVAguivst the further outputs and parameters 3 to 95,
+// CORVAguivstEx the registration role on the block path. Only the most derived class reaches the detector.
+//
+// Silence stops detection by itself, and the next block with signal starts it again:
+//
+//   stopped   meaning                                             left by
+//   true      at rest: after construction, suspend, silence       a block with signal, by startDetection
+//   false     running: notes flow                                 a silent block, or suspend
+//
+// Threads: the process calls [audio]; all else [any]. The object takes no lock: the detector stands behind a
+// gate. A block that meets a suspend or a new rate in flight passes unanalysed. Nothing is allocated on the
+// block path once `samples` has reached the host's block size.
+class CORVA_vst : public AudioEffectX, public IVSTMIDIEffect {
+public:
+    CORVA_vst(audioMasterCallback host, std::int32_t numParams);
+    ~CORVA_vst() override;
+
+    // The chain's own operations.
+    virtual void processSamples(const short* block, std::size_t count);  // [audio] hands a block onwards
+    virtual void startDetection();                                       // [audio] leaves the stopped state
+    virtual void stopDetection();                                        // [audio] enters it
+    virtual void getParameterValueDisplay(float value, std::int32_t index, char* text);  // textRoom bytes
+    virtual bool registrationStatus() { return false; }
+    virtual bool submitRegistration(const char* /*name*/, const char* /*code*/) { return false; }
+    virtual void logHostInfo();        // writes what the host says of itself to the log
+    virtual void requestHostEvents();  // tells an older host, at the first block, that events are wanted
+
+    // The host's calls.
+    void open() override;
+    void close() override {}
+    void suspend() override;
+    void resume() override;
+    void setSampleRate(float rate) override;
+    void process(float** inputs, float** outputs, std::int32_t frames) override;
+    void processReplacing(float** inputs, float** outputs, std::int32_t frames) override;
+    void processDoubleReplacing(double** inputs, double** outputs, std::int32_t frames) override;
+
+    void setParameter(std::int32_t index, float value) override;
+    float getParameter(std::int32_t index) override;
+    void getParameterName(std::int32_t index, char* text) override;
+    void getParameterLabel(std::int32_t index, char* text) override;
+    void getParameterDisplay(std::int32_t index, char* text) override;
+    bool canParameterBeAutomated(std::int32_t) override { return true; }
+    bool string2parameter(std::int32_t index, const char* text) override;
+    void setProgramName(const char* name) override;
+    void getProgramName(char* name) override;
+
+    bool getEffectName(char* text) override;
+    bool getVendorString(char* text) override;
+    bool getProductString(char* text) override;
+    std::int32_t getVendorVersion() override { return 5632; }
+    VstPlugCategory getPlugCategory() override { return kPlugCategAnalysis; }
+    std::int32_t getVstVersion() override { return 2400; }
+    std::int32_t canDo(const char* text) override;
+    bool setProcessPrecision(std::int32_t) override { return true; }
+
+    // For the output to the host.
+    std::uint64_t GetTotalSamples() const override { return totalSamples; }
+    bool HostIsAbleton() const override { return hostIsAbletonCopy; }
+    void SendEvents(VstEvents& events) override { sendVstEventsToHost(&events); }
+
+    TRealTimeTS107 detector;               // behind the gate
+    TNoteRecorder noteRecorder;            // its own lock
+    TVSTMIDIOut* vstMidiOut = nullptr;     // owned by the recorder; always attached
+    Relaxed<bool> outputToHost = true;     // parameter 91: whether vstMidiOut runs
+    std::vector<short> samples;            // the block being delivered; behind the gate
+    Relaxed<std::uint64_t> totalSamples;   // delivered since construction; never reset
+    Relaxed<std::uint64_t> silentSamples;  // in the present run of silent blocks
+    Relaxed<float> baseParameters[3];      // raw values of parameters 0, 1, 2
+    Relaxed<bool> firstBlock = true;       // no block has been processed yet
+    float levelAverage = 0;                // smoothed logarithmic peak of the levels; the editor's, [ui]
+    Relaxed<bool> stopped = true;
+    Relaxed<bool> hostAskedMidiOut = false;  // the host has asked canDo("sendVstMidiEvent")
+    bool hostIsAbletonCopy = false;          // taken at construction
+
+protected:
+    // The detector works at the present rate; without it, audio passes and nothing is recognised.
+    bool CanDetect() const { return detects; }
+
+private:
+    enum Request : unsigned { requestStop = 1, requestRate = 2 };
+
+    template <typename Sample>
+    void FeedBlock(const Sample* in, std::size_t count);
+    template <typename Sample>
+    void PassThrough(Sample** inputs, Sample** outputs, std::int32_t frames, bool accumulate);
+    void deliverBlock(std::size_t count);
+    void StopSteps();
+    void Ask(Request request);
+    bool ServeRequests();
+    void Serve(unsigned requests);
+
+    BlockGate gate;
+    std::atomic<unsigned> requests{0};  // what other threads want done to the detector
+    Relaxed<bool> detects = true;       // written behind the gate
+    std::mutex programNameGuard;        // never taken by a process call
+    char programName[kVstMaxProgNameLen];
+};

@@ -1,0 +1,112 @@
+#pragma once
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstdint>
+#include <initializer_list>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "delivery/note_out.h"
+#include "delivery/note_recorder.h"
+#include "delivery/vst_midi_out.h"
+#include "engine/note_detector.h"
+
+// A detector whose flags and levels a test sets by hand: 84 bands at 44100 Hz, band 45 at 440 Hz, so that
+// band b is MIDI note b + 24.
+class FakeDetector : public INoteDetector {
+public:
+    explicit FakeDetector(int bands = 84) {
+        numBands = bands;
+        sampleRate = 44100;
+        frameLength = 441;
+        referenceBand = 45;
+        bandOn = on;
+        bandLevel = level;
+    }
+    void Process(const short*, unsigned) override {}
+    void Reset() override {}
+    float GetBandDelay(std::int32_t) override {
+        ++delayCalls;
+        return delay;
+    }
+    void Set(int band, bool isOn) { std::atomic_ref<bool>(on[band]).store(isOn, std::memory_order_relaxed); }
+
+    bool on[160] = {};
+    float level[160] = {};
+    float delay = 40.0F;  // ms
+    int delayCalls = 0;
+};
+
+// What outputs were told, in order: "a+45" note on of band 45 at output a, "a-45" its end, "a!c0" a message.
+using Log = std::vector<std::string>;
+
+template <typename Base>
+class RecordingOut : public Base {
+public:
+    RecordingOut(std::string outName, Log& outLog, int* outDeaths = nullptr)
+        : name(std::move(outName)), log(outLog), deaths(outDeaths) {}
+    ~RecordingOut() override {
+        this->Stop();  // by now the recorder must have nothing left to say
+        if (deaths != nullptr) ++*deaths;
+    }
+    void NoteOn(std::int32_t band) override { log.push_back(name + "+" + std::to_string(band)); }
+    void NoteOff(std::int32_t band) override { log.push_back(name + "-" + std::to_string(band)); }
+    void Send(std::uint32_t message) override {
+        char text[16];
+        std::snprintf(text, sizeof text, "!%x", message);
+        log.push_back(name + text);
+    }
+
+private:
+    std::string name;
+    Log& log;
+    int* deaths;
+};
+using FakeOut = RecordingOut<TmtNoteOut>;
+using PlainOut = RecordingOut<TNoteOut>;
+
+// The plug-in object as the output to the host sees it.
+class FakeEffect : public IVSTMIDIEffect {
+public:
+    std::uint64_t GetTotalSamples() const override { return total; }
+    bool HostIsAbleton() const override { return ableton; }
+    void SendEvents(VstEvents& events) override {
+        EXPECT_EQ(events.numEvents, 1);
+        EXPECT_EQ(events.reserved, 0);
+        sent.push_back(*reinterpret_cast<const VstMidiEvent*>(events.events[0]));
+    }
+    std::vector<VstMidiEvent> Taken() { return std::exchange(sent, {}); }
+
+    std::uint64_t total = 0;
+    bool ableton = false;
+    std::vector<VstMidiEvent> sent;
+};
+
+// A running recorder on a fake detector.
+class RecorderTest : public testing::Test {
+protected:
+    RecorderTest() {
+        recorder.Attach(&detector);
+        recorder.Activate(0);
+        recorder.sendProgramChange = false;  // most tests listen for notes only
+    }
+    FakeOut* Add(const std::string& name) {
+        auto* const out = new FakeOut(name, log);  // the recorder's, once attached
+        recorder.AddOutput(out);
+        return out;
+    }
+    // One frame in which exactly these bands are on.
+    void Frame(std::initializer_list<int> bandsOn) {
+        for (int band = 0; band < 84; ++band) detector.Set(band, false);
+        for (const int band : bandsOn) detector.Set(band, true);
+        recorder.OnFrame();
+    }
+    Log Taken() { return std::exchange(log, {}); }
+
+    Log log;
+    FakeDetector detector;
+    TNoteRecorder recorder;
+};

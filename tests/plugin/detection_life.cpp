@@ -1,0 +1,110 @@
+// When detection runs: signal starts it, silence and suspend stop it.
+#include "tests/plugin/plugin_test.h"
+
+namespace {
+
+class DetectionLife : public PluginTest {
+protected:
+    void SetUp() override {
+        PluginTest::SetUp();
+        host.events.clear();
+    }
+    const std::vector<float> tone = Sines({69, 76}, 0.3);
+};
+
+TEST_F(DetectionLife, ASilentBlockStopsWhatASignalStarted) {
+    EXPECT_TRUE(Object().stopped);
+    Play(tone);
+    EXPECT_FALSE(Object().stopped);
+    EXPECT_EQ(Sounding(host.TakenEvents()), 2);
+    Play(Silence(64), 64);
+    EXPECT_TRUE(Object().stopped);
+    EXPECT_EQ(Sounding(host.events), -2);
+    EXPECT_EQ(host.TakenEvents().size(), 2U);  // note by note, and no other message
+    Play(Silence(1000), 100);                  // more of it does no more than count
+    EXPECT_TRUE(host.events.empty());
+    EXPECT_EQ(Object().silentSamples, 1064U);
+    EXPECT_EQ(Object().totalSamples, tone.size() + 1064);
+    Play(tone);
+    EXPECT_EQ(Object().silentSamples, 0U);
+}
+
+TEST_F(DetectionLife, TheRecordersClockCatchesUpInSilence) {
+    Play(tone);
+    Play(Silence(5000), 700);
+    plug->effect->processReplacing(plug->effect, nullptr, nullptr,
+                                   0);  // sees the clock behind the last block
+    EXPECT_EQ(Object().noteRecorder.GetTime(), static_cast<std::int64_t>(Object().totalSamples.load()));
+}
+
+// The detector forgets at a silent block, so a tone after any silence is the first tone once more, later.
+TEST_F(DetectionLife, NotesAfterASilenceAreDatedAsNotesAtTheBegin) {
+    Play(tone);
+    const std::vector<FakeHost::Event> first = host.TakenEvents();
+    ASSERT_EQ(Sounding(first), 2);
+    for (const int silence : {1, 440, 44101, 150000}) {
+        Play(Silence(static_cast<std::size_t>(silence)), 997);
+        host.TakenEvents();
+        const std::int64_t begin = host.clock;
+        Play(tone);
+        EXPECT_EQ(host.TakenEvents(), Later(first, begin)) << "after " << silence;
+    }
+}
+
+TEST_F(DetectionLife, ABlockThatCancelsOutIsSilentThoughItIsNot) {
+    Play(tone);
+    EXPECT_TRUE(Play({0.5F, -0.25F, -0.25F}));
+    EXPECT_EQ(Object().silentSamples, 3U);
+    EXPECT_TRUE(Object().stopped);
+    EXPECT_EQ(Sounding(host.events), 0);
+    Play({0.5F, -0.25F, -0.2499F});  // 15000 - 7500 - 7497
+    EXPECT_FALSE(Object().stopped);
+}
+
+TEST_F(DetectionLife, SuspendEndsTheNotesAndTheNextBlockStartsAgain) {
+    Play(tone);
+    const std::vector<FakeHost::Event> first = host.TakenEvents();
+    plug->Call(effMainsChanged, 0, 0);
+    EXPECT_TRUE(Object().stopped);
+    EXPECT_EQ(Sounding(host.TakenEvents()), -2);
+    plug->Call(effMainsChanged, 0, 0);  // at rest already
+    EXPECT_TRUE(host.events.empty());
+    plug->Call(effMainsChanged, 0, 1);  // resume alone starts nothing
+    EXPECT_TRUE(Object().stopped);
+    const std::int64_t begin = host.clock;
+    Play(tone);
+    EXPECT_EQ(host.TakenEvents(), Later(first, begin));
+    for (int i = 0; i < 3; ++i) plug->Call(effMainsChanged, 0, i % 2);  // suspend, resume, suspend
+    Play(tone);  // processing while suspended is processing
+    EXPECT_EQ(Sounding(host.events), 0);
+}
+
+TEST_F(DetectionLife, VelocityAndProgramNameSurviveASuspend) {
+    plug->effect->setParameter(plug->effect, 2, 1.0F);
+    plug->Call(effMainsChanged, 0, 0);
+    Play(tone);
+    ASSERT_FALSE(host.events.empty());
+    for (const auto& event : host.events) EXPECT_EQ(event.data[2], 127);
+}
+
+TEST_F(DetectionLife, TwoInstancesDoNotHearEachOther) {
+    Play(tone);
+    const std::vector<FakeHost::Event> alone = host.TakenEvents();
+    Plug other(OpenPlugin(FakeHost::Callback));
+    host.TakenEvents();
+    host.clock = 0;
+    std::vector<float> part(512);
+    for (std::size_t at = 0; at + 512 <= tone.size(); at += 512) {
+        std::copy_n(tone.begin() + static_cast<std::ptrdiff_t>(at), 512, part.begin());
+        const std::int64_t clock = host.clock;
+        plug->Play(host, Silence(512), 512);
+        host.clock = clock;
+        other.Play(host, part, 512);
+    }
+    std::vector<FakeHost::Event> ons;
+    for (const auto& event : host.events)
+        if (event.data[0] == '\x90') ons.push_back(event);
+    EXPECT_EQ(ons, alone);
+}
+
+}  // namespace

@@ -1,0 +1,63 @@
+#pragma once
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <numbers>
+#include <optional>
+
+#include "module/plugin_entry.h"
+#include "plugin/plugin_object.h"
+#include "tests/plugin/fake_host.h"
+
+// One instance of the plug-in in a fake host.
+//
+// Two facts about the host, its version and whether it is the one with special needs, are asked once per
+// process and kept. Under ctest each test has a process of its own; where many run in one, those whose host
+// is not like the first one met are skipped.
+class PluginTest : public testing::Test {
+protected:
+    explicit PluginTest(std::intptr_t version = 2400, const char* vendor = "Maker") : host(version, vendor) {}
+    void SetUp() override {
+        const std::pair<bool, bool> kind{host.version == 2400, std::string_view(host.vendor) == "Ableton"};
+        static const std::pair<bool, bool> first = kind;
+        if (kind != first) GTEST_SKIP() << "this host needs a process of its own";
+        plug.emplace(OpenPlugin(FakeHost::Callback));
+        ASSERT_NE(plug->effect, nullptr);
+    }
+    CORVA_vst& Object() const {
+        return dynamic_cast<CORVA_vst&>(*static_cast<AudioEffect*>(plug->effect->object));
+    }
+    bool Play(const std::vector<float>& audio, int block = 512) { return plug->Play(host, audio, block); }
+
+    FakeHost host;
+    std::optional<Plug> plug;
+};
+
+// Sines of MIDI notes, 0.2 each; in equal temperament note n has 440 x 2^((n - 69) / 12) Hz.
+inline std::vector<float> Sines(const std::vector<int>& notes, double seconds, double rate = 44100) {
+    std::vector<float> audio(static_cast<std::size_t>(seconds * rate));
+    for (const int note : notes) {
+        const double step = 2 * std::numbers::pi * 440 * std::exp2((note - 69) / 12.0) / rate;
+        for (std::size_t i = 0; i < audio.size(); ++i)
+            audio[i] += static_cast<float>(0.2 * std::sin(step * static_cast<double>(i)));
+    }
+    return audio;
+}
+
+inline std::vector<float> Silence(std::size_t samples) {
+    return std::vector<float>(samples);
+}
+
+// Note ons less note offs.
+inline int Sounding(const std::vector<FakeHost::Event>& events) {
+    int count = 0;
+    for (const auto& event : events) count += event.data[0] == '\x90' ? 1 : event.data[0] == '\x80' ? -1 : 0;
+    return count;
+}
+
+// The same events, `samples` later.
+inline std::vector<FakeHost::Event> Later(std::vector<FakeHost::Event> events, std::int64_t samples) {
+    for (auto& event : events) event.at += samples;
+    return events;
+}

@@ -1,0 +1,58 @@
+#pragma once
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "tools/host/plugin_module.h"
+#include "tools/host/take.h"
+#include "vst2/records.h"
+
+// One instance of a plug-in and the host that it talks to: the host's answers, the life of the instance, and
+// the date of each event it sends.
+//
+// Order of calls: construction opens, Start sets rate and block size and resumes, Process any number of
+// times, Stop suspends, at which the plug-in ends the notes that still sound; destruction closes. Threads:
+// one thread an instance; the plug-in sends events from inside Process and Stop, and the sink is called
+// there. Errors: std::runtime_error when the plug-in refuses or cannot do what is asked of it here.
+class HostedPlugin {
+public:
+    using EventSink = std::function<void(const TimedEvent&)>;
+
+    // The rate in Hz and the vendor are answered from the first moment on: plug-ins ask in their constructor.
+    // The sink may be empty. The module must outlive this.
+    HostedPlugin(const PluginModule& module, std::int32_t newRate, std::string newVendor, EventSink newSink);
+    ~HostedPlugin();
+    HostedPlugin(const HostedPlugin&) = delete;
+    HostedPlugin& operator=(const HostedPlugin&) = delete;
+
+    void Start(std::int32_t blockSize);                      // samples; later blocks may be shorter
+    void Process(const float* samples, std::int32_t count);  // at most blockSize; what comes out is dropped
+    void Stop();
+
+    std::int64_t SamplesDelivered() const { return delivered; }
+    const AEffect& Record() const { return *effect; }
+    void SetParameter(std::int32_t index, float value) { effect->setParameter(effect, index, value); }
+    float Parameter(std::int32_t index) const { return effect->getParameter(effect, index); }
+    // What the plug-in writes in answer to one of the opcodes that ask for a text; empty if nothing.
+    std::string Text(std::int32_t opcode, std::int32_t index = 0) const;
+    // What it says of a capability: 1 yes, -1 no, 0 nothing.
+    std::int32_t CanDo(std::string capability) const;
+    std::intptr_t Dispatch(std::int32_t opcode, std::int32_t index = 0, std::intptr_t value = 0,
+                           void* ptr = nullptr, float opt = 0) const;
+
+private:
+    static std::intptr_t HostCallback(AEffect* effect, std::int32_t opcode, std::int32_t index,
+                                      std::intptr_t value, void* ptr, float opt);
+    std::intptr_t Answer(std::int32_t opcode, void* ptr);
+    void Receive(const VstEvents& events);
+
+    AEffect* effect = nullptr;  // the plug-in's own, until effClose
+    std::int32_t rate;
+    std::string vendor;
+    EventSink sink;
+    std::int64_t delivered = 0;          // samples given before the block in progress
+    std::vector<float> output;           // one block for each of the plug-in's outputs
+    std::vector<float*> inputPointers;   // each input hears the same
+    std::vector<float*> outputPointers;  // into output
+};

@@ -1,0 +1,31 @@
+#pragma once
+#include <cstddef>
+#include <functional>
+#include <mutex>
+#include <vector>
+
+// A bar on standard error that shows how far a run over several files has come. Silent where standard error
+// is no terminal.
+//
+// Threads: [any]; the lock guards everything, the terminal's line included.
+class Progress {
+public:
+    explicit Progress(std::size_t files);
+    ~Progress();
+    Progress(const Progress&) = delete;
+    Progress& operator=(const Progress&) = delete;
+
+    void Advance(std::size_t file, double share);  // share of that file, 0 to 1
+    // Clears the line and lets other text be printed while nobody draws; the next Advance brings the bar
+    // back.
+    void Aside(const std::function<void()>& print);
+
+private:
+    void Hide();
+
+    std::mutex lock;
+    std::vector<double> shares;  // one a file
+    double sum = 0;              // of shares
+    const bool shown;
+    int percentDrawn = -1;  // what stands on the terminal; -1 for nothing
+};

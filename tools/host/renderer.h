@@ -1,0 +1,31 @@
+#pragma once
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "tools/host/audio_file.h"
+#include "tools/host/plugin_module.h"
+#include "tools/host/take.h"
+
+struct ParameterSetting {
+    std::int32_t index = 0;
+    float value = 0;  // finite; 0 to 1 as a rule
+};
+
+struct RenderSettings {
+    std::int32_t blockSize = 512;  // samples a call
+    AudioFile::Channel channel = AudioFile::Channel::first;
+    std::string hostVendor = "ORVA";
+    std::vector<ParameterSetting> parameters;  // set in this order before the first block
+};
+
+// Plays one audio file through a fresh instance and returns what it sent. `progress` hears the share that is
+// done, 0 to 1, after each block. Errors: std::runtime_error with the reason, without the file's name.
+// Threads: [any]; several files may be rendered at once, with one module.
+Take Render(const PluginModule& module, const std::string& path, const RenderSettings& settings,
+            const std::function<void(double)>& progress);
+
+// Reads "NAME=VALUE", where NAME is a parameter's own name, in upper or lower case, or its index. `names` are
+// the parameters' names in order. Errors: std::invalid_argument with the reason.
+ParameterSetting ParseParameter(const std::string& text, const std::vector<std::string>& names);

@@ -1,0 +1,23 @@
+#pragma once
+#include <array>
+#include <cstdint>
+#include <vector>
+
+// One MIDI message that the plug-in sent to the host.
+struct TimedEvent {
+    std::int64_t sample = 0;  // where in the audio it belongs: samples since the start, never below 0
+    std::array<std::uint8_t, 3> bytes {
+        bool operator==(const TimedEvent&) const = default;
+    };  // status and two data bytes; all zero where the plug-in had no note
+};
+
+// What the plug-in made of one recording: all that a table, a list of events or a file is written from.
+struct Take {
+    std::int32_t rate = 0;           // Hz
+    std::int64_t length = 0;         // samples heard
+    std::vector<TimedEvent> events;  // in the order in which they were sent; dates may step back
+};
+
+inline double Seconds(const Take& take, std::int64_t sample) {
+    return static_cast<double>(sample) / take.rate;
+}

@@ -1,0 +1,85 @@
+#include "tools/host/take_output.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+#include "tools/host/note_list.h"
+#include "tools/host/text_table.h"
+
+namespace {
+
+std::string Fixed(double number, int decimals) {
+    std::array<char, 64> text{};
+    std::snprintf(text.data(), text.size(), "%.*f", decimals, number);
+    return text.data();
+}
+
+// Whole microseconds, which is finer than a sample at any rate.
+double Microseconds(double seconds) {
+    return std::round(seconds * 1e6) / 1e6;
+}
+
+const char* Kind(const std::array<std::uint8_t, 3>& bytes) {
+    if (bytes == std::array<std::uint8_t, 3>{}) return "none";
+    switch (bytes[0] >> 4) {
+        case 0x8: return "note off";
+        case 0x9: return bytes[2] == 0 ? "note off" : "note on";
+        case 0xA: return "key pressure";
+        case 0xB: return "controller";
+        case 0xC: return "program";
+        case 0xD: return "channel pressure";
+        case 0xE: return "pitch bend";
+        case 0xF: return "system";
+        default: return "data";
+    }
+}
+
+}  // namespace
+
+std::string NoteTable(const std::string& file, const Take& take) {
+    TextTable table;
+    table.columns = {{"start", true}, {"end", true}, {"note"}, {"MIDI", true}, {"velocity", true}};
+    for (const HeardNote& note : PairNotes(take))
+        table.rows.push_back({Fixed(Seconds(take, note.begin), 3), Fixed(Seconds(take, note.end), 3),
+                              NoteName(note.pitch), std::to_string(note.pitch),
+                              std::to_string(note.velocity)});
+    std::ostringstream out;
+    out << file << ": " << Fixed(Seconds(take, take.length), 3) << " s at " << take.rate << " Hz, "
+        << table.rows.size() << (table.rows.size() == 1 ? " note\n" : " notes\n");
+    if (!table.rows.empty()) out << table;
+    return out.str();
+}
+
+std::string NoteJson(const std::string& file, const Take& take) {
+    using Json = nlohmann::ordered_json;
+    Json notes = Json::array();
+    for (const HeardNote& note : PairNotes(take))
+        notes.push_back({{"start", Microseconds(Seconds(take, note.begin))},
+                         {"end", Microseconds(Seconds(take, note.end))},
+                         {"name", NoteName(note.pitch)},
+                         {"midi", note.pitch},
+                         {"velocity", note.velocity},
+                         {"channel", note.channel + 1}});
+    const Json all = {{"file", file},
+                      {"rate", take.rate},
+                      {"seconds", Microseconds(Seconds(take, take.length))},
+                      {"notes", std::move(notes)}};
+    return all.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+std::string EventCsv(const Take& take) {
+    std::vector<TimedEvent> events = take.events;
+    std::stable_sort(events.begin(), events.end(),
+                     [](const TimedEvent& a, const TimedEvent& b) { return a.sample < b.sample; });
+    std::string out = "time,sample,status,data1,data2,kind\n";
+    for (const TimedEvent& event : events) {
+        out += Fixed(Seconds(take, event.sample), 6) + ',' + std::to_string(event.sample);
+        for (const std::uint8_t byte : event.bytes) out += ',' + std::to_string(byte);
+        out += std::string(",") + Kind(event.bytes) + '\n';
+    }
+    return out;
+}
