@@ -10,7 +10,10 @@ class Relaxed {
 public:
     constexpr Relaxed(T initial = T{}) : word(initial) {}  // implicit: it stands where a T would
     Relaxed(const Relaxed& other) : word(other.load()) {}
-    Relaxed& operator=(const Relaxed& other) { return *this = other.load(); }
+    Relaxed& operator=(const Relaxed& other) {
+        word.store(other.load(), std::memory_order_relaxed);
+        return *this;
+    }
     Relaxed& operator=(T value) {
         word.store(value, std::memory_order_relaxed);
         return *this;

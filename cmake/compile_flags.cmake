@@ -38,5 +38,6 @@ elseif(ORVA_SANITIZE STREQUAL "thread")
   target_compile_options(orva_flags INTERFACE -O1 -g -fno-omit-frame-pointer -fsanitize=thread)
   target_link_options(orva_flags INTERFACE -fsanitize=thread)
 elseif(CMAKE_BUILD_TYPE STREQUAL "Release")
-  target_compile_options(orva_flags INTERFACE -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2 -Wstack-usage=8192)
+  target_compile_options(orva_flags INTERFACE -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2
+    $<$<CXX_COMPILER_ID:GNU>:-Wstack-usage=8192>)
 endif()
