@@ -14,8 +14,8 @@
 #include "delivery/vst_midi_out.h"
 #include "engine/note_detector.h"
 
-// A detector whose flags and levels a test sets by hand: 84 bands at 44100 Hz, band 45 at 440 Hz, so that
-// band b is MIDI note b + 24.
+// A detector whose flags a test sets by hand: 84 bands at 44100 Hz, band 45 at 440 Hz, so that band b is
+// MIDI note b + 24.
 class FakeDetector : public INoteDetector {
 public:
     explicit FakeDetector(int bands = 84) {
@@ -29,7 +29,7 @@ public:
     void Process(const short*, unsigned) override {}
     void Reset() override {}
     float GetBandDelay(std::int32_t) override {
-        ++delayCalls;
+        delayCalls.fetch_add(1, std::memory_order_relaxed);
         return delay;
     }
     void Set(int band, bool isOn) { std::atomic_ref<bool>(on[band]).store(isOn, std::memory_order_relaxed); }
@@ -37,36 +37,29 @@ public:
     bool on[160] = {};
     float level[160] = {};
     float delay = 40.0F;  // ms
-    int delayCalls = 0;
+    std::atomic<int> delayCalls{0};
 };
 
 // What outputs were told, in order: "a+45" note on of band 45 at output a, "a-45" its end, "a!c0" a message.
 using Log = std::vector<std::string>;
 
-template <typename Base>
-class RecordingOut : public Base {
+class FakeOut : public TmtNoteOut {
 public:
-    RecordingOut(std::string outName, Log& outLog, int* outDeaths = nullptr)
-        : name(std::move(outName)), log(outLog), deaths(outDeaths) {}
-    ~RecordingOut() override {
-        this->Stop();  // by now the recorder must have nothing left to say
+    FakeOut(char outName, Log& outLog, int* outDeaths = nullptr)
+        : name(1, outName), log(outLog), deaths(outDeaths) {}
+    ~FakeOut() override {
+        FakeOut::Stop();  // by now the recorder must have nothing left to say
         if (deaths != nullptr) ++*deaths;
     }
     void NoteOn(std::int32_t band) override { log.push_back(name + "+" + std::to_string(band)); }
     void NoteOff(std::int32_t band) override { log.push_back(name + "-" + std::to_string(band)); }
-    void Send(std::uint32_t message) override {
-        char text[16];
-        std::snprintf(text, sizeof text, "!%x", message);
-        log.push_back(name + text);
-    }
+    void Send(std::uint32_t message) override { log.push_back(name + "!" + std::to_string(message)); }
 
 private:
     std::string name;
     Log& log;
     int* deaths;
 };
-using FakeOut = RecordingOut<TmtNoteOut>;
-using PlainOut = RecordingOut<TNoteOut>;
 
 // The plug-in object as the output to the host sees it.
 class FakeEffect : public IVSTMIDIEffect {
@@ -93,7 +86,7 @@ protected:
         recorder.Activate(0);
         recorder.sendProgramChange = false;  // most tests listen for notes only
     }
-    FakeOut* Add(const std::string& name) {
+    FakeOut* Add(char name) {
         auto* const out = new FakeOut(name, log);  // the recorder's, once attached
         recorder.AddOutput(out);
         return out;

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cstdint>
 #include <cstring>
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -43,6 +44,8 @@ public:
     bool keepsEvents = true;    // not in tests with two threads: the lock would keep them apart
     std::int64_t clock = 0;     // samples handed over before the block in progress
 
+    std::function<void()> atNextEvent;  // what it does, once, from inside the plug-in's call
+
     std::array<std::atomic<int>, 64> asked{};
     std::atomic<int> calls{0};
     std::vector<Event> events;
@@ -54,8 +57,10 @@ public:
 private:
     std::intptr_t Answer(AEffect*, std::int32_t opcode, std::int32_t index, std::intptr_t value, void* ptr,
                          float opt) {
-        ++calls;
-        if (opcode >= 0 && opcode < 64) ++asked[static_cast<std::size_t>(opcode)];
+        // Relaxed, so that the counting keeps no two threads apart.
+        calls.fetch_add(1, std::memory_order_relaxed);
+        if (opcode >= 0 && opcode < 64)
+            asked[static_cast<std::size_t>(opcode)].fetch_add(1, std::memory_order_relaxed);
         if (!keepsEvents) return opcode == audioMasterVersion ? version : 0;
         lastIndex = index;
         lastValue = value;
@@ -69,7 +74,10 @@ private:
             case audioMasterCanDo:
                 canDos.emplace_back(static_cast<const char*>(ptr));
                 return canDos.back() == "offline" ? -1 : canDos.back() == "sizeWindow" ? 1 : 0;
-            case audioMasterProcessEvents: Keep(*static_cast<const VstEvents*>(ptr)); return 0;
+            case audioMasterProcessEvents:
+                Keep(*static_cast<const VstEvents*>(ptr));
+                if (const auto once = std::exchange(atNextEvent, nullptr)) once();
+                return 0;
             default: return 0;
         }
     }

@@ -91,20 +91,4 @@ TEST_F(Threads, OutputsComeAndGoBesideFrames) {
     EXPECT_EQ(effect.faults, 0);
 }
 
-TEST_F(Threads, StartsStopsAndFramesKeepApart) {
-    long count = 0;
-    auto* const out = new CountingOut(count);
-    recorder.AddOutput(out);
-    FramesBeside([&] {
-        for (int i = 0; i < 1000; ++i) {
-            out->Start();
-            const std::lock_guard<TNoteRecorder> hold(recorder);
-            ++count;
-        }
-        out->Stop();
-    });
-    EXPECT_GE(count, 1000);
-    EXPECT_FALSE(out->running);
-}
-
 }  // namespace

@@ -73,27 +73,4 @@ TEST_F(Threads, ParametersAndTextsMayComeAtAnyTime) {
     ExpectAsFresh();
 }
 
-TEST_F(Threads, InstancesAreMadeUsedAndClosedOnDifferentThreads) {
-    host.keepsEvents = false;
-    std::atomic<int> made{0};
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i)
-        threads.emplace_back([&] {
-            for (int round = 0; round < 5; ++round) {
-                AEffect* effect = OpenPlugin(FakeHost::Callback);
-                if (effect == nullptr) continue;
-                ++made;
-                effect->dispatcher(effect, effOpen, 0, 0, nullptr, 0);
-                std::thread([&] {
-                    std::vector<float> audio = tone;
-                    float* block = audio.data();
-                    effect->processReplacing(effect, &block, &block, static_cast<std::int32_t>(audio.size()));
-                }).join();
-                effect->dispatcher(effect, effClose, 0, 0, nullptr, 0);
-            }
-        });
-    for (std::thread& thread : threads) thread.join();
-    EXPECT_EQ(made, 20);
-}
-
 }  // namespace

@@ -11,53 +11,35 @@ namespace fst {
 
 namespace {
 
-#define SAME_PLACE(record, field, otherRecord, otherField)                             \
-    static_assert(offsetof(record, field) == offsetof(fst::otherRecord, otherField) && \
-                  sizeof(record::field) == sizeof(decltype(fst::otherRecord::otherField)))
+// clang-format off
+#define SAME_AS(record, field, theirs, theirField)                            \
+    static_assert(offsetof(record, field) == offsetof(fst::theirs, theirField) && \
+                  sizeof(record::field) == sizeof(decltype(fst::theirs::theirField)))
+#define SAME(record, field) SAME_AS(record, field, record, field)
 
-SAME_PLACE(AEffect, magic, AEffect, magic);
-SAME_PLACE(AEffect, dispatcher, AEffect, dispatcher);
-SAME_PLACE(AEffect, process, AEffect, process);
-SAME_PLACE(AEffect, setParameter, AEffect, setParameter);
-SAME_PLACE(AEffect, getParameter, AEffect, getParameter);
-SAME_PLACE(AEffect, numPrograms, AEffect, numPrograms);
-SAME_PLACE(AEffect, numParams, AEffect, numParams);
-SAME_PLACE(AEffect, numInputs, AEffect, numInputs);
-SAME_PLACE(AEffect, numOutputs, AEffect, numOutputs);
+SAME(AEffect, magic);         SAME(AEffect, dispatcher);        SAME(AEffect, process);
+SAME(AEffect, setParameter);  SAME(AEffect, getParameter);      SAME(AEffect, numPrograms);
+SAME(AEffect, numParams);     SAME(AEffect, numInputs);         SAME(AEffect, numOutputs);
+SAME(AEffect, resvd1);        SAME(AEffect, resvd2);            SAME(AEffect, initialDelay);
+SAME(AEffect, object);        SAME(AEffect, user);              SAME_AS(AEffect, ioRatio, AEffect, float1);
+SAME(AEffect, uniqueID);      SAME(AEffect, version);
+SAME(AEffect, processReplacing);  SAME(AEffect, processDoubleReplacing);
 static_assert(offsetof(AEffect, flags) == offsetof(fst::AEffect, flags));  // theirs takes the padding in
-SAME_PLACE(AEffect, resvd1, AEffect, resvd1);
-SAME_PLACE(AEffect, resvd2, AEffect, resvd2);
-SAME_PLACE(AEffect, initialDelay, AEffect, initialDelay);
-SAME_PLACE(AEffect, ioRatio, AEffect, float1);
-SAME_PLACE(AEffect, object, AEffect, object);
-SAME_PLACE(AEffect, user, AEffect, user);
-SAME_PLACE(AEffect, uniqueID, AEffect, uniqueID);
-SAME_PLACE(AEffect, version, AEffect, version);
-SAME_PLACE(AEffect, processReplacing, AEffect, processReplacing);
-SAME_PLACE(AEffect, processDoubleReplacing, AEffect, processDoubleReplacing);
-static_assert(sizeof(AEffect) == sizeof(fst::AEffect) + 56);  // bytes kept free at the end
+static_assert(sizeof(AEffect) == sizeof(fst::AEffect) + 56);               // bytes kept free at the end
 
-SAME_PLACE(VstEvent, type, VstEvent, type);
-SAME_PLACE(VstEvent, byteSize, VstEvent, byteSize);
-SAME_PLACE(VstEvent, deltaFrames, VstEvent, deltaFrames);
-SAME_PLACE(VstEvent, flags, VstEvent, flags);
-SAME_PLACE(VstMidiEvent, type, VstMidiEvent, type);
-SAME_PLACE(VstMidiEvent, byteSize, VstMidiEvent, byteSize);
-SAME_PLACE(VstMidiEvent, deltaFrames, VstMidiEvent, deltaFrames);
-SAME_PLACE(VstMidiEvent, flags, VstMidiEvent, flags);
-SAME_PLACE(VstMidiEvent, midiData, VstMidiEvent, midiData);
+SAME(VstEvent, type);             SAME(VstEvent, byteSize);
+SAME(VstEvent, deltaFrames);      SAME(VstEvent, flags);
+SAME(VstMidiEvent, type);         SAME(VstMidiEvent, byteSize);
+SAME(VstMidiEvent, deltaFrames);  SAME(VstMidiEvent, flags);     SAME(VstMidiEvent, midiData);
 static_assert(sizeof(VstMidiEvent) == sizeof(fst::VstMidiEvent));
-SAME_PLACE(VstEvents, numEvents, VstEvents, numEvents);
+SAME(VstEvents, numEvents);
 static_assert(offsetof(VstEvents, events) == offsetof(fst::VstEvents, events));
-SAME_PLACE(VstPinProperties, label, VstPinProperties, label);
-SAME_PLACE(VstPinProperties, flags, VstPinProperties, flags);
-SAME_PLACE(VstPinProperties, arrangementType, VstPinProperties, arrangementType);
-SAME_PLACE(VstPinProperties, shortLabel, VstPinProperties, shortLabel);
-SAME_PLACE(ERect, top, ERect, top);
-SAME_PLACE(ERect, left, ERect, left);
-SAME_PLACE(ERect, bottom, ERect, bottom);
-SAME_PLACE(ERect, right, ERect, right);
+
+SAME(VstPinProperties, label);            SAME(VstPinProperties, flags);
+SAME(VstPinProperties, arrangementType);  SAME(VstPinProperties, shortLabel);
+SAME(ERect, top);  SAME(ERect, left);  SAME(ERect, bottom);  SAME(ERect, right);
 static_assert(sizeof(ERect) == sizeof(fst::ERect));
+// clang-format on
 
 TEST(Interface, NumbersAgreeWithTheOtherHeaders) {
     // clang-format off

@@ -121,6 +121,18 @@ TEST_F(Dispatcher, HandsEachCallToItsOperation) {
     EXPECT_EQ(Call(effString2Parameter, 3, 0, text), 1);
     EXPECT_THAT(probe.told, ElementsAre("open", "rate 48000", "size 512", "resume", "suspend", "name text",
                                         "canDo text", "typed 3 text"));
+    probe.told.clear();
+    effect.process(&effect, nullptr, nullptr, 1);
+    effect.processReplacing(&effect, nullptr, nullptr, 2);
+    effect.processDoubleReplacing(&effect, nullptr, nullptr, 3);
+    effect.setParameter(&effect, 1, 4);
+    EXPECT_EQ(effect.getParameter(&effect, 1), 7.0F);
+    EXPECT_THAT(probe.told, ElementsAre("process 1", "replace 2", "double 3", "set 1 4", "get"));
+    probe.setParameterAutomated(3, 2.0F);
+    EXPECT_EQ(probe.told.back(), "set 3 2");
+    EXPECT_EQ(host.Count(audioMasterAutomate), 1);
+    EXPECT_EQ(host.lastIndex, 3);
+    EXPECT_EQ(host.lastOpt, 2.0F);
     Call(effGetParamName, 2, 0, text);
     EXPECT_STREQ(text, "P");
     EXPECT_EQ(Call(effCanBeAutomated, 2), 1);
@@ -133,18 +145,6 @@ TEST_F(Dispatcher, HandsEachCallToItsOperation) {
     EXPECT_EQ(Call(effIdentify), FourCharacters('N', 'v', 'E', 'f'));
     EXPECT_EQ(Call(effGetChunk, 0, 0, text), 0);
     EXPECT_EQ(Call(effSetChunk, 0, 4, text), 0);
-}
-
-TEST_F(Dispatcher, TheRecordsFunctionsReachTheirOperations) {
-    effect.process(&effect, nullptr, nullptr, 1);
-    effect.processReplacing(&effect, nullptr, nullptr, 2);
-    effect.processDoubleReplacing(&effect, nullptr, nullptr, 3);
-    effect.setParameter(&effect, 1, 4);
-    EXPECT_EQ(effect.getParameter(&effect, 1), 7.0F);
-    EXPECT_THAT(probe.told, ElementsAre("process 1", "replace 2", "double 3", "set 1 4", "get"));
-    EXPECT_EQ(effect.magic, kEffectMagic);
-    EXPECT_EQ(effect.numPrograms, 1);
-    EXPECT_EQ(effect.numParams, 4);
 }
 
 TEST_F(Dispatcher, TheEditorIsReachedOnlyWhileThereIsOne) {
@@ -246,14 +246,6 @@ TEST_F(Dispatcher, HostTextsAreTakenAsTheyComeAndEndSomewhere) {
     EXPECT_EQ(text, std::string(text.size(), 'x'));
     EXPECT_GE(text.size(), 63U);
     EXPECT_LE(text.size(), 64U);
-}
-
-TEST_F(Dispatcher, AnAutomatedParameterIsSetAndTold) {
-    probe.setParameterAutomated(3, 2.0F);
-    EXPECT_THAT(probe.told, ElementsAre("set 3 2"));
-    EXPECT_EQ(host.Count(audioMasterAutomate), 1);
-    EXPECT_EQ(host.lastIndex, 3);
-    EXPECT_EQ(host.lastOpt, 2.0F);
 }
 
 TEST_F(Dispatcher, WithoutAHostEveryQuestionHasAnAnswer) {

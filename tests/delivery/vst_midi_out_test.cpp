@@ -89,11 +89,4 @@ TEST_F(VstMidiOut, ABandWithoutANoteSendsAnEventOfZeros) {
     for (const VstMidiEvent& event : sent) EXPECT_EQ(std::string(event.midiData, 4), std::string(4, '\0'));
 }
 
-TEST_F(VstMidiOut, AttachingSendsTheProgramBeforeAnythingRuns) {
-    recorder.sendProgramChange = true;
-    recorder.program = 9;
-    recorder.AddOutput(new TVSTMIDIOut(&effect));
-    EXPECT_EQ(std::string(effect.Taken().at(0).midiData, 3), std::string("\xC0\x09\0", 3));
-}
-
 }  // namespace
