@@ -1,0 +1,51 @@
+// rooms: engine
+// The detector alone, on one core, as a multiple of real time, and its plain restatement beside it.
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+
+#include "engine/real_time_detector.h"
+#include "tests/engine/plain_detector.h"
+#include "tests/engine/signals.h"
+
+namespace {
+
+constexpr std::size_t blockSamples = 512;
+
+// One second of sound per iteration, in blocks of a usual host.
+template <typename Detector>
+void Run(benchmark::State& state, const Audio& audio, int rate) {
+    Detector detector(rate, 45, 84);
+    detector.SetTuningEnabled(false);  // as the plug-in has it
+    detector.SetEqualizerEnabled(true);
+    detector.SetFloorDb(-35);
+    detector.SetRelativeThreshold(0.13F);
+    for ([[maybe_unused]] auto iteration : state) {
+        for (std::size_t at = 0; at < audio.size(); at += blockSamples)
+            detector.Process(&audio[at], Bytes(std::min(blockSamples, audio.size() - at)));
+        benchmark::DoNotOptimize(detector.energy[45]);
+        benchmark::ClobberMemory();
+    }
+    const double seconds = static_cast<double>(audio.size()) / rate;
+    state.counters["x_real_time"] =
+        benchmark::Counter(seconds, benchmark::Counter::kIsIterationInvariantRate);
+}
+
+template <typename Detector>
+void OnMusic(benchmark::State& state) {
+    const int rate = static_cast<int>(state.range(0));
+    Run<Detector>(state, Music(rate, 1), rate);
+}
+
+template <typename Detector>
+void OnNoise(benchmark::State& state) {
+    const int rate = static_cast<int>(state.range(0));
+    Run<Detector>(state, Noise(rate, 1), rate);
+}
+
+}  // namespace
+
+BENCHMARK(OnMusic<TRealTimeTS107>)->Name("detector/music")->Arg(44100)->Arg(48000)->Arg(96000);
+BENCHMARK(OnNoise<TRealTimeTS107>)->Name("detector/noise")->Arg(44100)->Arg(48000)->Arg(96000);
+BENCHMARK(OnMusic<PlainDetector>)->Name("plain/music")->Arg(44100)->Arg(48000)->Arg(96000);
+BENCHMARK(OnNoise<PlainDetector>)->Name("plain/noise")->Arg(44100)->Arg(48000)->Arg(96000);

@@ -1,0 +1,382 @@
+#pragma once
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <vector>
+
+#include "base/float_environment.h"
+
+// The detector once more in its simplest form, to be compared with TRealTimeTS107 bit for bit: band-major
+// tables, one sample at a time, one band at a time, each formula written out where it is used. Fields and
+// operations bear the detector's names and mean the same.
+//
+// Threads: one at a time.
+class PlainDetector {
+public:
+    using Floats = std::vector<float>;
+    using Flags = std::vector<bool>;
+    using Taps = std::vector<std::vector<std::int32_t>>;
+
+    PlainDetector(std::int32_t rate, std::int32_t reference, std::int32_t bands)
+        : numBands(bands < 49 ? 49 : bands), referenceBand(reference) {
+        for (Floats* array :
+             {&stateA,    &stateB,      &feedAA,    &feedAB,   &feedBA,      &feedBB,      &inputAR,
+              &inputAI,   &inputBR,     &inputBI,   &dipScale, &energyPrev2, &energyPrev1, &energy,
+              &amplitude, &eqAmplitude, &separated, &eqGain,   &eqGainSq,    &levelCap,    &rhs})
+            array->resize(Count());
+        for (Flags* array : {&rising, &peakOlder, &peakOld, &peakNow, &noteOn}) array->resize(Count());
+        for (auto* array : {&accRe, &accIm, &tapZero}) array->resize(Count());
+        for (Taps* array : {&tapsRe, &tapsIm}) array->resize(Count());
+        SetHarmonics(1000, 750, 500, 250);
+        SetFloorDb(-1000);
+        peakLevel = floorAmp;
+        SetRelativeThreshold(0.2F);
+        SetSampleRate(rate);
+    }
+
+    void Process(const short* samples, unsigned bytes) {
+        const FlushToZero arithmetic;
+        for (unsigned index = 0; index < bytes / 2; ++index) ProcessSample(samples[index]);
+    }
+
+    void Reset() {
+        ClearAnalysis();
+        SeedTuning();
+    }
+
+    void SetSampleRate(std::int32_t rate) {
+        sampleRate = rate;
+        RateSetUp();
+        Reset();
+    }
+
+    void SetBandwidthAndTune(float ratio, float semitones) {
+        bandwidth = ratio;
+        UpdatePeakRatio();
+        tune = semitones;
+        BuildResonators();
+    }
+
+    void SetHarmonics(std::int32_t base, std::int32_t second, std::int32_t third, std::int32_t fourth) {
+        harmonicBase = base, harmonic2 = second, harmonic3 = third, harmonic4 = fourth;
+        const auto ratio = [base](std::int32_t h) {
+            return static_cast<float>(h < 0 ? 0 : h) / static_cast<float>(base < 1 ? 1 : base);
+        };
+        const float h2 = ratio(second), h3 = ratio(third), h4 = ratio(fourth);
+        const float a = h2 * h2, b = h3 * h3, c = h4 * h4;
+        const float d2 = 1 / (1 + a * a), d3 = 1 / (1 + a * a + b * b), d4 = 1 / (1 + a * a + b * b + c * c);
+        const float x5 = b * c, x7 = a * b, x12 = (1 + c) * a;
+        harmonicCoefficients = {d4,      d4 * a,   d4 * b,  d4 * c,   d3,      d3 * a,  d3 * b,
+                                d3 * c,  d2,       d2 * a,  d2 * b,   d2 * c,  a,       b,
+                                c,       d4 * x5,  d4 * x7, d4 * x12, d3 * x5, d3 * x7, d3 * x12,
+                                d2 * x7, d2 * x12, 1 - h2,  1 - h3,   1 - h4};
+    }
+
+    void SetFloorDb(float dB) {
+        floorDb = dB;
+        floorPower = std::exp(dB * 0.2302609F);
+        floorAmp = std::sqrt(floorPower);
+    }
+
+    void SetRelativeThreshold(float ratio) {
+        relativeThreshold = ratio;
+        relativeThresholdSq = ratio * ratio;
+    }
+
+    void SetTuningEnabled(bool enabled) {
+        if (enabled && !tuningEnabled) SeedTuning();
+        tuningEnabled = enabled;
+    }
+
+    void SetMonoEnabled(bool enabled) {
+        if (enabled) {
+            energyPrev1.assign(Count(), 0);
+            energyPrev2.assign(Count(), 0);
+        }
+        monoEnabled = enabled;
+    }
+
+    void SetEqualizerEnabled(bool enabled) { equalizerEnabled = enabled; }
+
+    void SetBandGain(std::int32_t band, float gain) {
+        eqGain[At(band)] = gain;
+        eqGainSq[At(band)] = gain * gain;
+    }
+
+    std::int32_t numBands, sampleRate = 0, frameLength = 0, referenceBand;
+    Floats stateA, stateB, feedAA, feedAB, feedBA, feedBB, inputAR, inputAI, inputBR, inputBI;
+    std::vector<std::int32_t> accRe, accIm, tapZero;
+    Taps tapsRe, tapsIm;  // [band][k - 1]: weight of the sample k samples before the block's newest
+    Flags rising, peakOlder, peakOld, peakNow;
+    Floats dipScale, energyPrev2, energyPrev1;
+    float dipFactor = 0;
+    bool tuningEnabled = true, harmonicsEnabled = true, equalizerEnabled = false, monoEnabled = false;
+    bool retriggerEnabled = true;
+    std::int32_t harmonicBase = 0, harmonic2 = 0, harmonic3 = 0, harmonic4 = 0;
+    float peakSlack = 0.5F, floorDb = 0, relativeThreshold = 0, relativeThresholdSq = 0, peakLevel = 0;
+    float tuneLeft = 0, tuneCentre = 0, tuneRight = 0, tuneSeed = 0;
+    std::vector<double> tapPowersRe, tapPowersIm;
+    float bandwidth = 0.02F, tune = 0;
+    Floats energy, amplitude, eqAmplitude, separated;
+    Flags noteOn;
+    Floats eqGain, eqGainSq, levelCap, rhs;
+    std::array<float, 26> harmonicCoefficients = {};
+    std::int32_t blockCountdown = 0, frameCountdown = 0, blockLength = 0;
+    float blockDecay = 0, frameDecay = 0;
+    double refOmega = 0, gainScale = 0;
+    float peakRatio = 0, threshold = 0, floorAmp = 0, floorPower = 0;
+
+private:
+    static std::size_t At(std::int32_t index) { return static_cast<std::size_t>(index); }
+    std::size_t Count() const { return At(numBands); }
+
+    void RateSetUp() {
+        const auto rate = static_cast<float>(sampleRate);
+        blockLength = sampleRate / 4000 < 2 ? 2 : sampleRate / 4000;
+        frameLength = sampleRate / 100;
+        const auto frame = static_cast<float>(frameLength);
+        blockDecay = 0.01F / (static_cast<float>(blockLength) / rate + 0.01F);
+        frameDecay = 0.2F / (frame / rate + 0.2F);
+        tuneSeed = 1 / (1 - frameDecay);
+        refOmega = 2764.601535159024 / sampleRate;
+        dipFactor = frame * 0.00013911664F * frame * static_cast<float>(refOmega);
+        gainScale = std::sqrt(1.0 - static_cast<double>(blockDecay)) * 6.103888176768602e-05;
+        eqGain.assign(Count(), 1);
+        eqGainSq.assign(Count(), 1);
+        for (Taps* taps : {&tapsRe, &tapsIm})
+            for (auto& row : *taps) row.resize(At(blockLength - 1));
+        tapPowersRe.resize(At(blockLength - 1));
+        tapPowersIm.resize(At(blockLength - 1));
+        BuildResonators();
+        UpdatePeakRatio();
+    }
+
+    void BuildResonators() {
+        const double r = bandwidth, t = tune, q = bandwidth * bandwidth;  // q: squared in single precision
+        const double m0 = 2 * std::sqrt(q + 1.0033401916124) - (q + 1);
+        const double w = std::sqrt(m0), m = m0 + q;
+        const double g = std::sqrt(((m + 1) - 2 * w) * ((m + 1) + 2 * w)) * gainScale / w;
+        const double ga = g * w / m, gb = r * g / m;
+        for (std::int32_t band = 0; band < numBands; ++band) {
+            const std::size_t i = At(band);
+            const double omega = std::exp((band - referenceBand + t) * 0.057762265046662) * refOmega;
+            dipScale[i] = static_cast<float>(omega) * dipFactor;
+            const double rho = std::exp(-r * omega);
+            const double p = rho * std::cos(omega * w), pIm = rho * std::sin(omega * w);
+            double re = p, im = pIm, sumRe = 1, sumIm = 0;
+            for (std::size_t k = 0; k < tapPowersRe.size(); ++k) {
+                tapPowersRe[k] = re;
+                tapPowersIm[k] = im;
+                sumRe += std::fabs(re);
+                sumIm += std::fabs(im);
+                const double next = re * p - im * pIm;
+                im = re * pIm + im * p;
+                re = next;
+            }
+            const double scaleRe = 2147483647 / (32767 * sumRe), scaleIm = 2147483647 / (32767 * sumIm);
+            tapZero[i] = static_cast<std::int32_t>(scaleRe);
+            for (std::size_t k = 0; k < tapPowersRe.size(); ++k) {
+                tapsRe[i][k] = static_cast<std::int32_t>(scaleRe * tapPowersRe[k]);
+                tapsIm[i][k] = static_cast<std::int32_t>(scaleIm * tapPowersIm[k]);
+            }
+            const double s = im / w, u = 1 - p;
+            feedAA[i] = static_cast<float>(re - r * s);
+            feedAB[i] = static_cast<float>(-(s * m));
+            feedBA[i] = static_cast<float>(s);
+            feedBB[i] = static_cast<float>(re + r * s);
+            inputAR[i] = static_cast<float>(pIm * g / scaleRe);
+            inputAI[i] = static_cast<float>(-(u * g / scaleIm));
+            inputBR[i] = static_cast<float>((u * ga - pIm * gb) / scaleRe);
+            inputBI[i] = static_cast<float>((pIm * ga + u * gb) / scaleIm);
+        }
+    }
+
+    void UpdatePeakRatio() {
+        const float semitone = 0.059463F / bandwidth;
+        const float e = 1 / std::sqrt(semitone * semitone + 1);
+        const float v = e + (1 - e) * peakSlack;
+        peakRatio = 2 * v * v;
+    }
+
+    void SeedTuning() {
+        tuneCentre = tuneSeed;
+        tuneLeft = tuneRight = tuneSeed * 0.5F * peakRatio;
+    }
+
+    void ClearAnalysis() {
+        frameCountdown = frameLength;
+        blockCountdown = blockLength;
+        for (Floats* array :
+             {&energyPrev1, &energyPrev2, &separated, &eqAmplitude, &amplitude, &energy, &stateA, &stateB})
+            array->assign(Count(), 0);
+        for (auto* array : {&accRe, &accIm}) array->assign(Count(), 0);
+        for (Flags* array : {&peakNow, &peakOld, &peakOlder, &noteOn}) array->assign(Count(), false);
+    }
+
+    static void AddProduct(std::int32_t& sum, std::int32_t weight, std::int32_t x) {  // wraps at 32 bits
+        sum = static_cast<std::int32_t>(static_cast<std::uint32_t>(sum) +
+                                        static_cast<std::uint32_t>(weight) * static_cast<std::uint32_t>(x));
+    }
+
+    void ProcessSample(std::int32_t x) {
+        if (--blockCountdown != 0) {
+            const std::size_t tap = At(blockCountdown - 1);
+            for (std::size_t i = 0; i < Count(); ++i) {
+                AddProduct(accRe[i], tapsRe[i][tap], x);
+                AddProduct(accIm[i], tapsIm[i][tap], x);
+            }
+        } else {
+            for (std::size_t i = 0; i < Count(); ++i) {
+                AddProduct(accRe[i], tapZero[i], x);
+                const auto re = static_cast<float>(accRe[i]), im = static_cast<float>(accIm[i]);
+                const float a = stateA[i], b = stateB[i];
+                stateA[i] = a * feedAA[i] + b * feedAB[i] + re * inputAR[i] + im * inputAI[i];
+                stateB[i] = a * feedBA[i] + b * feedBB[i] + re * inputBR[i] + im * inputBI[i];
+                accRe[i] = accIm[i] = 0;
+                energy[i] = energy[i] * blockDecay + stateA[i] * stateA[i] + stateB[i] * stateB[i];
+            }
+            blockCountdown = blockLength;
+        }
+        if (--frameCountdown != 0) return;
+        FindPeaks();
+        if (tuningEnabled) TrackTuning();
+        SeparateHarmonics();
+        DecideNotes();
+    }
+
+    void FindPeaks() {
+        rising[1] = energy[0] < energy[1];
+        for (std::size_t i = 2; i < Count(); ++i) {
+            const std::size_t j = i - 1;
+            peakOlder[j] = peakOld[j];
+            peakOld[j] = peakNow[j];
+            rising[i] = energy[i - 1] < energy[i];
+            peakNow[j] =
+                !rising[i] && rising[i - 1] && (energy[j - 1] + energy[j + 1]) < energy[j] * peakRatio;
+        }
+    }
+
+    void TrackTuning() {
+        float left = 0, centre = 0, right = 0;
+        for (std::size_t j = 1; j < Count() - 1; ++j) {
+            if (!peakNow[j]) continue;
+            left += energy[j - 1];
+            centre += energy[j];
+            right += energy[j + 1];
+        }
+        if (centre == 0) return;
+        tuneLeft = frameDecay * tuneLeft + left;
+        tuneCentre = frameDecay * tuneCentre + centre;
+        tuneRight = frameDecay * tuneRight + right;
+        const float k = 1 / tuneCentre;
+        const float d = std::sqrt(tuneRight * k) - std::sqrt(tuneLeft * k);
+        float v = d * 0.02F + tune;
+        if (d < -0.01F) {
+            if (v < -0.75F) v += 1;
+        } else if (d > 0.01F) {
+            if (v > 0.75F) v -= 1;
+        } else {
+            return;
+        }
+        tune = v;
+        BuildResonators();
+    }
+
+    float LimitOf(std::size_t i) const {
+        constexpr std::size_t distances[] = {12, 19, 24};
+        std::size_t partials = 0;
+        while (partials < 3 && i + distances[partials] < Count()) ++partials;
+        if (partials == 0) return energy[i];
+        const float a = amplitude[i];
+        float least = a;
+        for (std::size_t partial = 0; partial < partials; ++partial) {
+            const float t = a * harmonicCoefficients[23 + partial] + amplitude[i + distances[partial]];
+            if (t < 0) return 0;
+            if (partials == 1 && t >= a) return energy[i];
+            if (t < least) least = t;
+        }
+        return least * least;
+    }
+
+    // What the notes around a band already explain of its right-hand side, term by term.
+    float CrossOf(std::size_t i) const {
+        const auto& x = separated;
+        const auto& k = harmonicCoefficients;
+        const auto below = [&](std::size_t distance) { return i < distance ? 0.0F : x[i - distance]; };
+        const auto both = [&](std::size_t distance) { return below(distance) + x[i + distance]; };
+        if (i + 24 < Count())
+            return k[15] * both(5) + k[16] * both(7) + k[17] * both(12) + k[2] * both(19) + k[3] * both(24);
+        if (i + 19 < Count())
+            return k[18] * below(5) + k[19] * both(7) + k[20] * below(12) + k[5] * x[i + 12] +
+                   k[6] * both(19) + k[7] * below(24);
+        if (i + 12 < Count())
+            return k[21] * below(7) + k[22] * below(12) + k[9] * x[i + 12] + k[10] * below(19) +
+                   k[11] * below(24);
+        return k[12] * below(12) + k[13] * below(19) + k[14] * below(24);
+    }
+
+    void SeparateHarmonics() {
+        if (!harmonicsEnabled) {
+            separated = energy;
+            return;
+        }
+        for (std::size_t i = 0; i < Count(); ++i) amplitude[i] = std::sqrt(energy[i]);
+        for (std::size_t i = 0; i < Count(); ++i) separated[i] = levelCap[i] = LimitOf(i);
+        const Floats& l = levelCap;
+        const auto& k = harmonicCoefficients;
+        for (std::size_t i = 0; i < Count(); ++i) {
+            if (i + 24 < Count())
+                rhs[i] = k[0] * l[i] + k[1] * l[i + 12] + k[2] * l[i + 19] + k[3] * l[i + 24];
+            else if (i + 19 < Count())
+                rhs[i] = k[4] * l[i] + k[5] * l[i + 12] + k[6] * l[i + 19];
+            else if (i + 12 < Count())
+                rhs[i] = k[8] * l[i] + k[9] * l[i + 12];
+            else
+                rhs[i] = l[i];
+        }
+        for (int sweep = 0; sweep < 10; ++sweep) {
+            for (std::size_t i = 0; i < Count(); ++i) {
+                const float x = rhs[i] - CrossOf(i);
+                separated[i] = x < 0 ? 0 : x > levelCap[i] ? levelCap[i] : x;
+            }
+        }
+    }
+
+    void DecideNotes() {
+        float strongest = 0;
+        for (std::size_t i = 0; i < Count(); ++i) {
+            if (equalizerEnabled) eqAmplitude[i] = eqGain[i] * amplitude[i];
+            const float level = equalizerEnabled ? eqAmplitude[i] : amplitude[i];
+            if (level > strongest) strongest = level;
+        }
+        peakLevel = floorAmp < strongest ? strongest : floorAmp;
+        threshold = strongest * strongest * relativeThresholdSq;
+        if (!(threshold > floorPower)) threshold = floorPower;
+        for (std::size_t j = 1; j < Count() - 1; ++j) {
+            if (equalizerEnabled && (peakNow[j] || noteOn[j])) separated[j] = separated[j] * eqGainSq[j];
+            if (peakNow[j] && separated[j] < threshold) peakNow[j] = false;
+            if (!noteOn[j] && peakOlder[j] && peakOld[j] && peakNow[j])
+                noteOn[j] = true;
+            else if (noteOn[j] && !peakOlder[j] && !peakOld[j] && !peakNow[j])
+                noteOn[j] = false;
+        }
+        if (monoEnabled) ApplyMonoRule();
+        frameCountdown = frameLength;
+    }
+
+    void ApplyMonoRule() {
+        std::size_t i = 0;
+        while (i < Count() && !noteOn[i]) ++i;
+        if (i < Count()) {
+            const float e0 = energyPrev1[i], e1 = energyPrev2[i], e = energy[i];
+            if (retriggerEnabled && e0 < e1 && e0 < e &&
+                (e + e1) - 2 * e0 > ((e + e1) + 2 * e0) * dipScale[i])
+                noteOn[i] = false;
+            for (std::size_t above = i + 1; above < Count(); ++above) noteOn[above] = false;
+        }
+        for (std::size_t j = 1; j < Count() - 1; ++j) {
+            energyPrev2[j] = energyPrev1[j];
+            energyPrev1[j] = energy[j];
+        }
+    }
+};

@@ -1,0 +1,160 @@
+// The detector against its plain restatement: the whole state, bit for bit.
+#include <gtest/gtest.h>
+
+#include <random>
+#include <string>
+
+#include "engine/real_time_detector.h"
+#include "tests/engine/detector_state.h"
+#include "tests/engine/plain_detector.h"
+#include "tests/engine/signals.h"
+#include "tests/engine/spectrum.h"
+
+namespace {
+
+struct Settings {
+    const char* name;
+    std::int32_t bands;
+    bool tuning, mono, equalizer;
+};
+
+template <typename Detector>
+void Apply(const Settings& settings, Detector& detector) {
+    detector.SetTuningEnabled(settings.tuning);
+    detector.SetMonoEnabled(settings.mono);
+    detector.SetEqualizerEnabled(settings.equalizer);
+    detector.SetFloorDb(-35);
+    detector.SetRelativeThreshold(0.13F);
+    std::minstd_rand random(7);
+    for (int band = 0; band < detector.numBands; ++band)
+        detector.SetBandGain(band, static_cast<float>(random() % 9) / 4);  // 0 to 2, 0 among them
+}
+
+// Loud and quiet, on and off the grid, to the bound of the accumulators and beyond it, and a tail of single
+// steps and of nothing, long enough for the upper bands' energy (10 ms, so 90 time constants to the smallest
+// normal number) to sink past it.
+Audio Everything(int rate) {
+    return Joined({Music(rate, 0.5, 30), Noise(rate, 0.1), Square(rate, 0.1, Samples(rate, 0.001)),
+                   Square(rate, 0.05, 1), Audio(Samples(rate, 0.1), -32768), Sine(440, 1, rate, 0.05),
+                   Audio(Samples(rate, 1.1), 0)});
+}
+
+class SameAsPlain : public testing::TestWithParam<int> {};
+
+}  // namespace
+
+// The detector meets blocks of any length, the restatement the same samples; they are compared after each.
+TEST_P(SameAsPlain, WholeStateIsTheSameAtEachCutOfTheAudio) {
+    static constexpr Settings all[] = {{"as in the plug-in", 84, false, false, true},
+                                       {"tuning", 84, true, false, false},
+                                       {"mono", 84, false, true, false},
+                                       {"49 bands, all on", 49, true, true, true},
+                                       {"49 bands, all off", 49, false, false, false}};
+    const int rate = GetParam();
+    const Audio audio = Everything(rate);
+    for (const Settings& settings : all) {
+        SCOPED_TRACE(settings.name);
+        TRealTimeTS107 detector(rate, settings.bands - 39, settings.bands);
+        PlainDetector plain(rate, settings.bands - 39, settings.bands);
+        Apply(settings, detector);
+        Apply(settings, plain);
+        ASSERT_EQ(Difference(detector, plain, false), "");
+
+        std::minstd_rand random(1);
+        int notesSeen = 0;
+        for (std::size_t at = 0; at < audio.size();) {
+            const std::size_t wanted = 1 + random() % Samples(rate, random() % 8 == 0 ? 0.001 : 0.03);
+            const std::size_t length = std::min(wanted, audio.size() - at);
+            detector.Process(&audio[at], Bytes(length));
+            plain.Process(&audio[at], Bytes(length));
+            at += length;
+            const bool framesRan = at >= static_cast<std::size_t>(detector.frameLength);
+            ASSERT_EQ(Difference(AnalysisOf(detector, framesRan), AnalysisOf(plain, framesRan)), "")
+                << "after sample " << at;
+            for (int band = 0; band < detector.numBands; ++band) notesSeen += detector.noteOn[band] ? 1 : 0;
+        }
+        ASSERT_EQ(Difference(detector, plain), "");
+        EXPECT_GT(notesSeen, 20);
+        EXPECT_EQ(detector.tune != 0, settings.tuning);
+        EXPECT_EQ(detector.energy[detector.numBands - 1], 0);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Rates, SameAsPlain,
+                         testing::Values(8000, 11025, 16000, 22050, 32000, 44100, 48000, 88200, 96000, 176400,
+                                         192000),
+                         testing::PrintToStringParamName());
+
+// Spectra that no sound makes: ties, zeros, partials stronger than their note, and templates of
+// any shape.
+TEST(SameAsPlainByFrame, AnySpectrumAndTemplateGiveTheSameDecision) {
+    static constexpr std::int32_t templates[][4] = {
+        {1000, 750, 500, 250}, {0, 750, 500, 250}, {1000, -5, 1200, 300}, {4, 0, 0, 0}, {10, 9, 14, 20}};
+    static constexpr float steps[] = {0, 0.01F, 0.5F, 0.9F, 1, 1, 1, 1, 1.1F, 2, 30};
+    std::minstd_rand random(3);
+    for (int run = 0; run < 200; ++run) {
+        const std::int32_t bands = 49 + static_cast<std::int32_t>(random() % 80);
+        TRealTimeTS107 detector(44100, 45, bands);
+        PlainDetector plain(44100, 45, bands);
+        const auto& partials = templates[random() % 5];
+        const auto set = [&, switches = random()](auto& d) {
+            Apply({"", bands, (switches & 1) != 0, (switches & 2) != 0, (switches & 4) != 0}, d);
+            d.SetHarmonics(partials[0], partials[1], partials[2], partials[3]);
+            d.retriggerEnabled = (switches & 0x40) != 0;
+            d.peakSlack = (switches & 0x80) != 0 ? 0.5F : 1.0F;
+            d.SetBandwidthAndTune(0.02F, (switches & 0x100) != 0 ? 0.0F : 0.74F);
+            d.SetFloorDb((switches & 0x200) != 0 ? -20.0F : -1000.0F);
+        };
+        set(detector), set(plain);
+        std::vector<float> spectrum(static_cast<std::size_t>(bands));
+        for (float& power : spectrum) power = static_cast<float>(random() % 100) / 64;
+        for (int frame = 0; frame < 30; ++frame) {
+            for (std::size_t band = 0; band < spectrum.size(); ++band) {
+                spectrum[band] = std::min(spectrum[band] * steps[random() % 11], 4.0F);
+                if (random() % 40 == 0) spectrum[band] = static_cast<float>(random() % 5);
+                detector.energy[static_cast<std::ptrdiff_t>(band)] = plain.energy[band] = spectrum[band];
+            }
+            RunFrame(detector), RunFrame(plain);
+            ASSERT_EQ(Difference(AnalysisOf(detector), AnalysisOf(plain)), "")
+                << "run " << run << ", frame " << frame;
+            detector.harmonicsEnabled = plain.harmonicsEnabled = run % 8 != 0;  // from the second frame
+        }
+        ASSERT_EQ(Difference(detector, plain), "") << "run " << run;
+    }
+}
+
+// A block of -32768 may pass the bound that the weights were sized for: 65538 x 32768 = 2^31 + 65536 wraps.
+// At 8000 Hz a block is one weighted sample and the newest, so the sum can be read off.
+TEST(SameAsPlainAtTheEdge, AccumulatorsWrapAt32Bits) {
+    TRealTimeTS107 detector(8000, 45, 84);
+    PlainDetector plain(8000, 45, 84);
+    const Audio audio(81, -32768);  // the first frame, and half a block
+    Play(detector, audio);
+    Play(plain, audio);
+    ASSERT_EQ(detector.tapsIm[10], 65538);      // 2147483647 / 32767, one weight taking the whole scale
+    EXPECT_EQ(detector.accIm[10], 2147418112);  // 2^32 - 65538 x 32768
+    EXPECT_EQ(Difference(detector, plain), "");
+}
+
+// Setters in the middle of the sound, of the block and of the frame.
+TEST(SameAsPlainOnTheWay, SettingsTakeHoldWithoutDisturbingTheAnalysis) {
+    TRealTimeTS107 detector(44100, 45, 84);
+    PlainDetector plain(44100, 45, 84);
+    const Audio audio = Music(44100, 0.3, -40);
+    const auto both = [&](auto change) {
+        change(detector), change(plain);
+        Play(detector, audio), Play(plain, audio);
+        ASSERT_EQ(Difference(detector, plain), "");
+    };
+    both([](auto& d) { d.SetTuningEnabled(false); });
+    both([](auto& d) { d.SetBandwidthAndTune(0.03F, 0.3F); });
+    both([](auto& d) { d.SetMonoEnabled(true); });
+    both([](auto& d) { d.SetMonoEnabled(true); });
+    both([](auto& d) { d.SetTuningEnabled(true); });
+    both([](auto& d) { d.SetHarmonics(0, 750, 500, 250); });
+    both([](auto& d) { d.Reset(); });
+    both([](auto& d) { d.SetSampleRate(48000); });
+    both([](auto& d) { d.SetBandGain(45, 0.5F), d.SetEqualizerEnabled(true), d.SetMonoEnabled(false); });
+    both([](auto& d) { d.SetSampleRate(22050); });
+    EXPECT_NE(detector.tune, 0.3F);  // the tracker was at work
+}
