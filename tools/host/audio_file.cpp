@@ -1,11 +1,14 @@
 #include "tools/host/audio_file.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdlib>
 #include <filesystem>
 #include <mutex>
 #include <numeric>
-#include <regex>
+#include <sstream>
 #include <stdexcept>
+#include <string_view>
 
 namespace {
 
@@ -36,11 +39,22 @@ bool IsStreamLength(unsigned long long bytes) {
 // Formats that state their length in bytes have it corrected by the library, which leaves a line in its log:
 // "data : 192000 (should be 95978)". The names are those of WAV, AIFF, AU, W64 and RF64.
 bool LogTellsOfMissingBytes(const std::string& log) {
-    static const std::regex line(
-        R"((?:^|\n)\s*(?:data|SSND|Data Size|riff|Riff size)\s*:\s*(\d{1,18}) \(should be (\d{1,18})\))");
-    for (std::sregex_iterator at(log.begin(), log.end(), line), end; at != end; ++at) {
-        const unsigned long long stated = std::stoull((*at)[1]);
-        const unsigned long long present = std::stoull((*at)[2]);
+    static constexpr std::array<std::string_view, 5> names = {"data", "SSND", "Data Size", "riff",
+                                                              "Riff size"};
+    static constexpr std::string_view correction = "(should be ";
+    std::istringstream lines(log);
+    for (std::string line; std::getline(lines, line);) {
+        const std::size_t colon = line.find(':');
+        const std::size_t corrected = line.find(correction);
+        if (colon == std::string::npos || corrected == std::string::npos) continue;
+        const std::size_t from = line.find_first_not_of(' ');
+        const std::size_t past = line.find_last_not_of(' ', colon - 1) + 1;
+        if (past <= from) continue;
+        const std::string_view name = std::string_view(line).substr(from, past - from);
+        if (std::find(names.begin(), names.end(), name) == names.end()) continue;
+        const unsigned long long stated = std::strtoull(line.c_str() + colon + 1, nullptr, 10);
+        const unsigned long long present =
+            std::strtoull(line.c_str() + corrected + correction.size(), nullptr, 10);
         if (stated > present + forgivenBytes && !IsStreamLength(stated)) return true;
     }
     return false;
@@ -73,7 +87,7 @@ bool AudioFile::IsCutShort() const {
     if (container == SF_FORMAT_OGG) return info.frames == unknownLength && info.seekable != 0;
     std::string log(16384, '\0');
     sf_command(file.get(), SFC_GET_LOG_INFO, log.data(), static_cast<int>(log.size()));
-    return LogTellsOfMissingBytes(log.c_str());
+    return LogTellsOfMissingBytes(log);
 }
 
 double AudioFile::Progress() const {

@@ -30,7 +30,7 @@ public:
 
 private:
     struct Close {
-        void operator()(SNDFILE* file) const { sf_close(file); }
+        void operator()(SNDFILE* opened) const { sf_close(opened); }
     };
 
     bool IsCutShort() const;

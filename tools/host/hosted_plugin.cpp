@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstring>
 #include <stdexcept>
 #include <utility>
@@ -30,7 +31,7 @@ HostedPlugin::HostedPlugin(const PluginModule& module, std::int32_t newRate, std
     if (effect == nullptr) throw std::runtime_error(name + ": the plug-in refuses to open");
     if (effect->magic != kEffectMagic || effect->dispatcher == nullptr)
         throw std::runtime_error(name + ": no VST 2 plug-in");
-    effect->resvd1 = reinterpret_cast<std::intptr_t>(this);
+    effect->resvd1 = std::bit_cast<std::intptr_t>(this);
     if (effect->processReplacing == nullptr || effect->setParameter == nullptr ||
         effect->getParameter == nullptr || effect->numInputs < 0 || effect->numOutputs < 0) {
         Dispatch(effClose);
@@ -88,7 +89,7 @@ std::intptr_t HostedPlugin::Dispatch(std::int32_t opcode, std::int32_t index, st
 std::intptr_t HostedPlugin::HostCallback(AEffect* effect, std::int32_t opcode, std::int32_t, std::intptr_t,
                                          void* ptr, float) {
     HostedPlugin* const host = effect != nullptr && effect->resvd1 != 0
-                                   ? reinterpret_cast<HostedPlugin*>(effect->resvd1)
+                                   ? std::bit_cast<HostedPlugin*>(effect->resvd1)
                                    : constructing;
     if (host != nullptr) return host->Answer(opcode, ptr);
     return opcode == audioMasterVersion ? hostVstVersion : 0;

@@ -28,7 +28,8 @@ std::vector<HeardNote> PairNotes(const Take& take) {
         const int channel = event.bytes[0] & 0x0F;
         const int pitch = event.bytes[1] & 0x7F;
         const int velocity = event.bytes[2] & 0x7F;
-        std::size_t& open = sounding[static_cast<std::size_t>(channel * 128 + pitch)];
+        std::size_t& open =
+            sounding[static_cast<std::size_t>(channel) * 128 + static_cast<std::size_t>(pitch)];
         close(open, event.sample);
         if (kind == 0x80 || velocity == 0) continue;  // a note-on of velocity 0 is a note-off
         open = notes.size();

@@ -35,15 +35,16 @@ std::vector<fs::path> PluginFolders() {
 
 }  // namespace
 
-void PluginModule::Unload::operator()(void* library) const {
-    dlclose(library);
+void PluginModule::Unload::operator()(void* loaded) const {
+    dlclose(loaded);
 }
 
 // The path is made absolute, since a bare name would be looked for among the system's libraries.
 PluginModule::PluginModule(const fs::path& newPath) : path(fs::absolute(newPath)) {
     library.reset(dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL));
     if (library == nullptr) {
-        const char* const reason = dlerror();  // begins with the path
+        // It begins with the path, and is this thread's own. NOLINTNEXTLINE(concurrency-mt-unsafe)
+        const char* const reason = dlerror();
         throw std::runtime_error(reason != nullptr ? reason : path.string() + ": cannot be loaded");
     }
     entry = reinterpret_cast<Entry>(dlsym(library.get(), "VSTPluginMain"));

@@ -17,7 +17,7 @@ public:
 
 private:
     struct Unload {
-        void operator()(void* library) const;
+        void operator()(void* loaded) const;
     };
     using Entry = AEffect* (*)(audioMasterCallback host);
 

@@ -5,10 +5,10 @@
 
 // One MIDI message that the plug-in sent to the host.
 struct TimedEvent {
-    std::int64_t sample = 0;  // where in the audio it belongs: samples since the start, never below 0
-    std::array<std::uint8_t, 3> bytes {
-        bool operator==(const TimedEvent&) const = default;
-    };  // status and two data bytes; all zero where the plug-in had no note
+    std::int64_t sample = 0;  // where in the audio it belongs: samples since its start, never below 0
+    std::array<std::uint8_t, 3> bytes{};  // status and two data bytes; all zero where the plug-in had no note
+
+    bool operator==(const TimedEvent&) const = default;
 };
 
 // What the plug-in made of one recording: all that a table, a list of events or a file is written from.
@@ -18,6 +18,7 @@ struct Take {
     std::vector<TimedEvent> events;  // in the order in which they were sent; dates may step back
 };
 
+// Where a sample of the take lies, in seconds from its start.
 inline double Seconds(const Take& take, std::int64_t sample) {
     return static_cast<double>(sample) / take.rate;
 }

@@ -14,7 +14,7 @@ namespace {
 
 std::string Fixed(double number, int decimals) {
     std::array<char, 64> text{};
-    std::snprintf(text.data(), text.size(), "%.*f", decimals, number);
+    (void)std::snprintf(text.data(), text.size(), "%.*f", decimals, number);
     return text.data();
 }
 

@@ -1,0 +1,51 @@
+#include "tools/host/output_file.h"
+
+#include <gtest/gtest.h>
+
+#include "temp_folder.h"
+
+namespace fs = std::filesystem;
+
+TEST(OutputFile, TakesThePlaceOfTheOldOneAndLeavesNothingBeside) {
+    const TempFolder folder;
+    WriteAll(folder / "a.csv", "a longer text than the new one");
+    WriteWhole(folder / "a.csv", "new");
+    EXPECT_EQ(ReadAll(folder / "a.csv"), "new");
+    EXPECT_EQ(folder.Files(), 1U);
+}
+
+TEST(OutputFile, ALinkStaysALink) {
+    const TempFolder folder;
+    WriteAll(folder / "real.csv", "old");
+    fs::create_symlink("real.csv", folder / "link.csv");
+    WriteWhole(folder / "link.csv", "new");
+    EXPECT_TRUE(fs::is_symlink(folder / "link.csv"));
+    EXPECT_EQ(ReadAll(folder / "real.csv"), "new");
+    EXPECT_EQ(folder.Files(), 2U);
+}
+
+TEST(OutputFile, WhatCannotBeWrittenIsToldAndLeavesNothingBehind) {
+    const TempFolder folder;
+    EXPECT_THROW(WriteWhole(folder / "no/such/folder.csv", "x"), std::runtime_error);
+    EXPECT_THROW(WriteWhole("/dev/full", "x"), std::runtime_error);
+    fs::create_directory(folder / "taken");
+    EXPECT_THROW(WriteWhole(folder / "taken", "x"), std::runtime_error);
+    EXPECT_EQ(folder.Files(), 1U);
+}
+
+TEST(OutputFile, EachRecordingHasAPlaceOfItsOwn) {
+    const TempFolder folder;
+    const fs::path inside = folder.path;
+    EXPECT_EQ(OutputPaths({"x/a.wav"}, "out.csv", ".csv"), std::vector<fs::path>{"out.csv"});
+    EXPECT_EQ(OutputPaths({"x/a.wav", "y/b.c.ogg"}, inside, ".csv"),
+              (std::vector<fs::path>{inside / "a.csv", inside / "b.c.csv"}));
+    EXPECT_THROW(OutputPaths({"a.wav", "b.wav"}, "out.csv", ".csv"), std::invalid_argument);
+    EXPECT_THROW(OutputPaths({"x/a.wav", "y/a.ogg"}, inside, ".csv"), std::invalid_argument);
+}
+
+TEST(OutputFile, NoRecordingIsReplaced) {
+    const TempFolder folder;
+    WriteAll(folder / "a.wav", "sound");
+    EXPECT_THROW(OutputPaths({folder / "a.wav"}, folder / "a.wav", ".csv"), std::invalid_argument);
+    EXPECT_THROW(OutputPaths({folder / "a.wav"}, folder.path / "." / "a.wav", ".csv"), std::invalid_argument);
+}

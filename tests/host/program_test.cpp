@@ -1,0 +1,273 @@
+// The real program, as a shell starts it: what it prints, what it leaves, and with which code it ends.
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+
+#include "temp_folder.h"
+#include "test_audio.h"
+
+namespace {
+
+using Json = nlohmann::json;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+struct Ended {
+    int code = -1;
+    std::string out;
+    std::string err;
+};
+
+Ended RunHost(std::vector<std::string> arguments) {
+    const TempFolder folder;
+    const std::string out = folder / "out", err = folder / "err";
+    arguments.insert(arguments.begin(), ORVA_HOST_PROGRAM);
+    std::vector<char*> words;
+    for (std::string& argument : arguments) words.push_back(argument.data());
+    words.push_back(nullptr);
+
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, out.c_str(), O_WRONLY | O_CREAT, 0600);
+    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, err.c_str(), O_WRONLY | O_CREAT, 0600);
+    pid_t child = 0;
+    const int refused = posix_spawn(&child, words[0], &actions, nullptr, words.data(), environ);
+    posix_spawn_file_actions_destroy(&actions);
+    EXPECT_EQ(refused, 0);
+    Ended ended;
+    int status = 0;
+    if (refused == 0 && waitpid(child, &status, 0) == child && WIFEXITED(status))
+        ended.code = WEXITSTATUS(status);
+    ended.out = ReadAll(out);
+    ended.err = ReadAll(err);
+    return ended;
+}
+
+std::ptrdiff_t Lines(const std::string& text) {
+    return std::count(text.begin(), text.end(), '\n');
+}
+
+constexpr double middleC = 261.6256;  // Hz, equal temperament at A 440
+
+class Program : public testing::Test {
+protected:
+    void SetUp() override { WriteAudio(good, HeldNote(middleC, 44100, 0.3, 1.0, 1.3), 44100); }
+
+    // One bad file between two good ones: one line about it, and the others are done.
+    void ExpectFailure(const std::string& bad, const std::string& reason) {
+        const Ended ended = RunHost({"render", "--json", good, bad, good});
+        EXPECT_EQ(ended.code, 1) << bad;
+        EXPECT_THAT(ended.err, StartsWith("orva-host: " + bad + ": "));
+        EXPECT_THAT(ended.err, HasSubstr(reason));
+        EXPECT_EQ(Lines(ended.err), 1) << ended.err;
+        EXPECT_EQ(Lines(ended.out), 2) << bad;
+    }
+
+    TempFolder folder;
+    std::string good = folder / "good.wav";  // middle C from 0.3 to 1.0 s
+};
+
+void Truncate(const std::string& path) {
+    std::filesystem::resize_file(path, std::filesystem::file_size(path) / 2);
+}
+
+}  // namespace
+
+TEST_F(Program, NamesTheFileAndTheReasonAndGoesOn) {
+    ExpectFailure(folder / "missing.wav", "no such file");
+    ExpectFailure(folder.path.string(), "folder");
+    WriteAll(folder / "notes.txt", "these are words, not audio");
+    ExpectFailure(folder / "notes.txt", "cannot be read as audio");
+    WriteAll(folder / "empty.wav", "");
+    ExpectFailure(folder / "empty.wav", "cannot be read as audio");
+    WriteAll(folder / "header.wav", ReadAll(good).substr(0, 30));
+    ExpectFailure(folder / "header.wav", "cannot be read as audio");
+    WriteAudio(folder / "slow.wav", std::vector<float>(4000), 4000);
+    ExpectFailure(folder / "slow.wav", "4000 Hz");
+    WriteAudio(folder / "fast.wav", std::vector<float>(4000), 384000);
+    ExpectFailure(folder / "fast.wav", "384000 Hz");
+}
+
+TEST_F(Program, NoticesAFileThatHasLostItsEnd) {
+    const std::vector<float> sound = HeldNote(middleC, 44100, 0.1, 2.9, 3.0);
+    const std::vector<std::pair<std::string, int>> kinds = {{"a.wav", formatWav16},
+                                                            {"a.aiff", SF_FORMAT_AIFF | SF_FORMAT_PCM_16},
+                                                            {"a.au", SF_FORMAT_AU | SF_FORMAT_PCM_16},
+                                                            {"a.w64", SF_FORMAT_W64 | SF_FORMAT_PCM_16},
+                                                            {"a.rf64", SF_FORMAT_RF64 | SF_FORMAT_PCM_16},
+                                                            {"a.flac", SF_FORMAT_FLAC | SF_FORMAT_PCM_16},
+                                                            {"a.ogg", SF_FORMAT_OGG | SF_FORMAT_VORBIS}};
+    for (const auto& [name, format] : kinds) {
+        WriteAudio(folder / name, sound, 44100, 1, format);
+        EXPECT_EQ(RunHost({"render", folder / name}).code, 0) << name;
+        Truncate(folder / name);
+        ExpectFailure(folder / name, "is truncated");
+    }
+}
+
+// Who writes into a pipe cannot fill in the length afterwards, and states the greatest one.
+TEST_F(Program, TakesAStreamedFileForWhole) {
+    std::string bytes = ReadAll(good);
+    bytes.replace(4, 4, "\xFF\xFF\xFF\xFF");
+    bytes.replace(40, 4, "\xFF\xFF\xFF\xFF");  // of the data chunk, behind 40 bytes of header
+    WriteAll(folder / "streamed.wav", bytes);
+    const Ended ended = RunHost({"render", "--json", folder / "streamed.wav"});
+    EXPECT_EQ(ended.code, 0) << ended.err;
+    EXPECT_EQ(Json::parse(ended.out)["notes"], Json::parse(RunHost({"render", "--json", good}).out)["notes"]);
+}
+
+TEST_F(Program, ARecordingOfNoLengthHasNoNotes) {
+    WriteAudio(folder / "nothing.wav", {}, 48000);
+    const Ended ended = RunHost({"render", "--json", folder / "nothing.wav"});
+    EXPECT_EQ(ended.code, 0);
+    EXPECT_EQ(ended.err, "");
+    const Json expected = {
+        {"file", folder / "nothing.wav"}, {"rate", 48000}, {"seconds", 0.0}, {"notes", Json::array()}};
+    EXPECT_EQ(Json::parse(ended.out), expected);
+}
+
+TEST_F(Program, AnErrorStaysOneLineWhateverTheFileIsCalled) {
+    const Ended ended = RunHost({"render", folder / "two\nlines\x1B[2J.wav"});
+    EXPECT_EQ(ended.code, 1);
+    EXPECT_EQ(Lines(ended.err), 1);
+    EXPECT_EQ(ended.err.find('\x1B'), std::string::npos);
+}
+
+TEST_F(Program, RefusesACommandLineThatMakesNoSense) {
+    const std::vector<std::vector<std::string>> wrong = {
+        {},
+        {"sing"},
+        {"render"},
+        {"render", good, "--block", "0"},
+        {"render", good, "--block", "many"},
+        {"render", good, "--jobs", "-1"},
+        {"render", good, "--no-such-option"},
+        {"render", good, "--param", "Polyphony"},
+        {"render", good, "--param", "Polyphony=loud"},
+        {"render", good, "--param", "Polyphony=nan"},
+        {"render", good, "--param", "Loudness=0.5"},
+        {"render", good, "--param", "96=0.5"},
+        {"render", good, "--param", "-1=0.5"},
+        {"render", good, good, "--events", folder / "out.csv"},
+        {"render", good, "--events", good},
+        {"info", "--plugin"},
+    };
+    for (const std::vector<std::string>& arguments : wrong) {
+        const Ended ended = RunHost(arguments);
+        const std::string shown = testing::PrintToString(arguments);
+        EXPECT_EQ(ended.code, 2) << shown;
+        EXPECT_EQ(ended.out, "") << shown;
+        EXPECT_THAT(ended.err, StartsWith("orva-host: ")) << shown;
+        EXPECT_EQ(Lines(ended.err), 1) << shown;
+    }
+    EXPECT_EQ(folder.Files(), 1U);  // nothing has been written
+    EXPECT_EQ(RunHost({"--help"}).code, 0);
+    EXPECT_EQ(RunHost({"render", "--help"}).code, 0);
+}
+
+TEST_F(Program, SaysWhichPluginCannotBeLoaded) {
+    WriteAll(folder / "text.so", "not a module");
+    for (const std::string& plugin : {folder / "missing.so", folder / "text.so"}) {
+        const Ended ended = RunHost({"render", good, "--plugin", plugin});
+        EXPECT_EQ(ended.code, 1);
+        EXPECT_THAT(ended.err, StartsWith("orva-host: " + plugin + ": "));
+        EXPECT_EQ(Lines(ended.err), 1) << ended.err;
+    }
+}
+
+TEST_F(Program, ParametersAreSetByNameOrIndex) {
+    const auto velocity = [&](const std::string& setting) -> int {
+        const Ended ended = RunHost({"render", "--json", good, "--param", setting});
+        EXPECT_EQ(ended.code, 0) << ended.err;
+        return Json::parse(ended.out)["notes"].at(0)["velocity"];
+    };
+    EXPECT_EQ(velocity("velocity=0.5"), 63);  // int(0.5 * 127)
+    EXPECT_EQ(velocity("2=1"), 127);
+    EXPECT_EQ(velocity("2=0.1"), 12);
+}
+
+// One host takes no event dated before its block. Told that it is that host, the plug-in dates events into
+// the block, later by the delay of recognition, which is 40 to 95 ms less what is left of the block.
+TEST_F(Program, TellsThePluginWhichHostItIs) {
+    const auto start = [&](const std::string& vendor) -> double {
+        return Json::parse(RunHost({"render", "--json", good, "--host-vendor", vendor}).out)["notes"].at(
+            0)["start"];
+    };
+    const double later = start("Ableton") - start("ORVA");
+    EXPECT_GT(later, 0.02);
+    EXPECT_LT(later, 0.1);
+}
+
+TEST_F(Program, TheFirstChannelIsHeardOrTheMix) {
+    const std::vector<float> note = HeldNote(middleC, 44100, 0.3, 1.0, 1.3);
+    std::vector<float> right;  // the left channel is silent
+    for (const float sample : note) right.insert(right.end(), {0.0F, sample});
+    WriteAudio(folder / "right.wav", right, 44100, 2);
+    const Json first = Json::parse(RunHost({"render", "--json", folder / "right.wav"}).out);
+    const Json mix = Json::parse(RunHost({"render", "--json", "--mix", folder / "right.wav"}).out);
+    EXPECT_EQ(first["notes"].size(), 0U);
+    ASSERT_EQ(mix["notes"].size(), 1U);
+    EXPECT_EQ(mix["notes"][0]["name"], "C4");
+}
+
+TEST_F(Program, EventsAreWrittenBesideTheTable) {
+    std::filesystem::copy_file(good, folder / "other.wav");
+    std::filesystem::create_directory(folder / "events");
+    const Ended one = RunHost({"render", good, "--events", folder / "one.csv"});
+    const Ended two = RunHost({"render", good, folder / "other.wav", "--events", folder / "events"});
+    EXPECT_EQ(one.code, 0) << one.err;
+    EXPECT_EQ(two.code, 0) << two.err;
+    const std::string csv = ReadAll(folder / "one.csv");
+    EXPECT_THAT(csv, StartsWith("time,sample,status,data1,data2,kind\n"));
+    EXPECT_THAT(csv, HasSubstr(",144,60,100,note on\n"));
+    EXPECT_THAT(csv, HasSubstr(",128,60,0,note off\n"));
+    EXPECT_EQ(ReadAll(folder / "events/good.csv"), csv);
+    EXPECT_EQ(ReadAll(folder / "events/other.csv"), csv);
+    EXPECT_EQ(RunHost({"render", good, "--events", folder / "no/folder.csv"}).code, 1);
+}
+
+TEST_F(Program, SeveralJobsPrintTheSameInTheSameOrder) {
+    std::vector<std::string> files = {good, folder / "missing.wav"};
+    for (int semitone = 0; semitone < 6; ++semitone) {
+        files.push_back(folder / (std::to_string(semitone) + ".wav"));
+        WriteAudio(files.back(),
+                   HeldNote(middleC * std::exp2(semitone / 12.0), 44100, 0.3, 1.0, 1.3 - 0.04 * semitone),
+                   44100);
+    }
+    const auto with = [&](const std::string& jobs) {
+        std::vector<std::string> arguments = {"render", "--json", "--jobs", jobs};
+        arguments.insert(arguments.end(), files.begin(), files.end());
+        return RunHost(arguments);
+    };
+    const Ended alone = with("1"), several = with("3");
+    EXPECT_EQ(Lines(alone.out), 7);
+    EXPECT_EQ(several.out, alone.out);
+    EXPECT_EQ(several.err, alone.err);
+    EXPECT_EQ(several.code, 1);
+}
+
+TEST_F(Program, InfoTellsAllThatThePluginSays) {
+    const Json facts = Json::parse(RunHost({"info", "--json"}).out);
+    EXPECT_EQ(facts["name"], "ORVA Audio To MIDI");
+    EXPECT_EQ(facts["vendor"], "ORVASOFT");
+    EXPECT_EQ(facts["uniqueId"], "ORV1");
+    EXPECT_EQ(facts["category"], "analysis");
+    EXPECT_EQ(facts["inputs"], 1);
+    EXPECT_EQ(facts["outputs"], 1);
+    EXPECT_EQ(facts["canDo"]["sendVstMidiEvent"], 1);
+    ASSERT_EQ(facts["parameters"].size(), 96U);
+    EXPECT_EQ(facts["parameters"][2]["label"], "MIDI Velocity");
+    EXPECT_EQ(facts["parameters"][1]["display"], "-35 dB");
+    EXPECT_EQ(facts["parameters"][86]["name"], "Equalizer bar H 8");
+
+    const std::string table = RunHost({"info"}).out;
+    for (const Json& parameter : facts["parameters"])
+        EXPECT_THAT(table, HasSubstr(parameter["name"].get<std::string>()));
+}
