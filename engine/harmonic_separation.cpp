@@ -2,29 +2,8 @@
 // takes the partials back: first each band is limited to what its own partials support, then a fixed
 // four-partial template is fitted to the limited spectrum by least squares.
 #include <algorithm>
-#include <cmath>
 
 #include "engine/real_time_detector.h"
-
-namespace {
-
-constexpr std::int32_t partialDistances[] = {12, 19, 24};  // semitones from the fundamental
-
-// Positions in harmonicCoefficients.
-// clang-format off
-enum Coefficient {
-    D4, D4A, D4B, D4C,
-    D3, D3A, D3B, D3C,
-    D2, D2A, D2B, D2C,
-    A, B, C,
-    D4X5, D4X7, D4X12,
-    D3X5, D3X7, D3X12,
-    D2X7, D2X12,
-    Limit2, Limit3, Limit4,
-};
-// clang-format on
-
-}  // namespace
 
 void TRealTimeTS107::SetHarmonics(std::int32_t base, std::int32_t h2, std::int32_t h3, std::int32_t h4) {
     harmonicBase = base;
@@ -64,10 +43,11 @@ void TRealTimeTS107::SetHarmonics(std::int32_t base, std::int32_t h2, std::int32
 
 FitCoefficients TRealTimeTS107::Coefficients() const {
     const float* const k = harmonicCoefficients;
-    return {{k[D4X5], k[D4X7], k[D4X12], k[D4B], k[D4C]},
-            {k[D3X5], k[D3X7], k[D3X12], k[D3A], k[D3B], k[D3C]},
-            {k[D2X7], k[D2X12], k[D2A], k[D2B], k[D2C]},
-            {k[A], k[B], k[C]}};
+    return {{k[Harmonic::D4X5], k[Harmonic::D4X7], k[Harmonic::D4X12], k[Harmonic::D4B], k[Harmonic::D4C]},
+            {k[Harmonic::D3X5], k[Harmonic::D3X7], k[Harmonic::D3X12], k[Harmonic::D3A], k[Harmonic::D3B],
+             k[Harmonic::D3C]},
+            {k[Harmonic::D2X7], k[Harmonic::D2X12], k[Harmonic::D2A], k[Harmonic::D2B], k[Harmonic::D2C]},
+            {k[Harmonic::A], k[Harmonic::B], k[Harmonic::C]}};
 }
 
 void TRealTimeTS107::SeparateHarmonics() {
@@ -75,49 +55,10 @@ void TRealTimeTS107::SeparateHarmonics() {
         std::copy_n(energy.Data(), numBands, separated.Data());
         return;
     }
-    for (std::int32_t i = 0; i < numBands; ++i) amplitude[i] = std::sqrt(energy[i]);
-    LimitByPartials();
-    FormRightHandSide();
-    float* const x = fitted.Data();
-    std::copy_n(levelCap.Data(), numBands, x + fitMargin);
-    plain::FitPartials(x, rhs.Data(), levelCap.Data(), Coefficients(), numBands);
-    std::copy_n(x + fitMargin, numBands, separated.Data());
-}
-
-// Denies a band the power that its partials do not support. A partial at or above its expected amplitude
-// costs nothing; a weaker one lowers the band by its shortfall.
-void TRealTimeTS107::LimitByPartials() {
-    const float* const limit = harmonicCoefficients + Limit2;
-    std::int32_t i = 0;
-    for (; i < numBands - 19; ++i) {  // two or three partials within the spectrum
-        const std::int32_t partials = i < numBands - 24 ? 3 : 2;
-        const float a = amplitude[i];
-        float m = a;
-        for (std::int32_t p = 0; p < partials; ++p) {
-            const float t = a * limit[p] + amplitude[i + partialDistances[p]];
-            if (t < 0.0F) {
-                m = 0.0F;
-                break;
-            }
-            if (t < m) m = t;
-        }
-        levelCap[i] = m * m;
-    }
-    for (; i < numBands - 12; ++i) {  // one
-        const float a = amplitude[i];
-        const float t = a * limit[0] + amplitude[i + 12];
-        levelCap[i] = t < 0.0F ? 0.0F : t >= a ? energy[i] : t * t;
-    }
-    for (; i < numBands; ++i) levelCap[i] = energy[i];  // none
-}
-
-void TRealTimeTS107::FormRightHandSide() {
-    const float* const k = harmonicCoefficients;
-    const float* const L = levelCap.Data();
-    std::int32_t i = 0;
-    for (; i < numBands - 24; ++i)
-        rhs[i] = k[D4] * L[i] + k[D4A] * L[i + 12] + k[D4B] * L[i + 19] + k[D4C] * L[i + 24];
-    for (; i < numBands - 19; ++i) rhs[i] = k[D3] * L[i] + k[D3A] * L[i + 12] + k[D3B] * L[i + 19];
-    for (; i < numBands - 12; ++i) rhs[i] = k[D2] * L[i] + k[D2A] * L[i + 12];
-    for (; i < numBands; ++i) rhs[i] = L[i];
+    kernels.limitByPartials(
+        {energy.Data(), amplitude.Data(), levelCap.Data(), rhs.Data(), harmonicCoefficients, numBands});
+    float* const x = fitted.Data() + fitMargin;
+    std::copy_n(levelCap.Data(), numBands, x);
+    kernels.fitPartials(x, rhs.Data(), levelCap.Data(), Coefficients(), numBands);
+    std::copy_n(x, numBands, separated.Data());
 }

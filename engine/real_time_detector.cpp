@@ -4,46 +4,56 @@
 
 #include "base/float_environment.h"
 
-TRealTimeTS107::TRealTimeTS107(std::size_t bands)
-    : stateA(bands),
-      stateB(bands),
-      feedAA(bands),
-      feedAB(bands),
-      feedBA(bands),
-      feedBB(bands),
-      inputAR(bands),
-      inputAI(bands),
-      inputBR(bands),
-      inputBI(bands),
-      accRe(bands),
-      accIm(bands),
-      tapZero(bands),
-      rising(bands),
-      peakOlder(bands),
-      peakOld(bands),
-      peakNow(bands),
-      dipScale(bands),
-      energyPrev2(bands),
-      energyPrev1(bands),
-      energy(bands),
-      amplitude(bands),
-      eqAmplitude(bands),
-      separated(bands),
-      noteOn(bands),
-      eqGain(bands),
-      eqGainSq(bands),
-      levelCap(bands),
-      rhs(bands),
-      fitted(static_cast<std::size_t>(fitMargin) + bands) {
-    numBands = static_cast<std::int32_t>(bands);
+TRealTimeTS107::TRealTimeTS107(Bands bands)
+    : stateA(bands.padded),
+      stateB(bands.padded),
+      feedAA(bands.padded),
+      feedAB(bands.padded),
+      feedBA(bands.padded),
+      feedBB(bands.padded),
+      inputAR(bands.padded),
+      inputAI(bands.padded),
+      inputBR(bands.padded),
+      inputBI(bands.padded),
+      accRe(bands.padded),
+      accIm(bands.padded),
+      tapZero(bands.padded),
+      bandStride(static_cast<std::int32_t>(bands.padded)),
+      rising(bands.padded),
+      peakOlder(bands.padded),
+      peakOld(bands.padded),
+      peakNow(bands.padded),
+      dipScale(bands.padded),
+      energyPrev2(bands.padded),
+      energyPrev1(bands.padded),
+      energy(bands.padded),
+      amplitude(bands.padded),
+      eqAmplitude(bands.padded),
+      separated(bands.padded),
+      noteOn(bands.padded),
+      eqGain(bands.padded),
+      eqGainSq(bands.padded),
+      levelCap(bands.padded),
+      rhs(bands.padded),
+      kernels(BestKernels()),
+      fitted(bands.padded + 2 * fitMargin) {
+    numBands = bands.count;
     bandOn = noteOn.Data();
     bandLevel = separated.Data();
-    std::fill_n(rising.Data(), bands, false);
-    std::fill_n(fitted.Data(), fitMargin, 0.0F);
+    // What lies past the last band stays zero, in the tables too: whole vectors are computed.
+    for (TAutoArray<float>* array : {&stateA, &stateB, &feedAA, &feedAB, &feedBA, &feedBB, &inputAR, &inputAI,
+                                     &inputBR, &inputBI, &dipScale, &energyPrev2, &energyPrev1, &energy,
+                                     &amplitude, &eqAmplitude, &separated, &levelCap, &rhs})
+        std::fill_n(array->Data(), bands.padded, 0.0F);
+    for (TAutoArray<std::int32_t>* array : {&accRe, &accIm, &tapZero})
+        std::fill_n(array->Data(), bands.padded, 0);
+    for (TAutoArray<bool>* array : {&rising, &peakOlder, &peakOld, &peakNow, &noteOn})
+        std::fill_n(array->Data(), bands.padded, false);
+    std::fill_n(fitted.Data(), bands.padded + 2 * fitMargin, 0.0F);
 }
 
 TRealTimeTS107::TRealTimeTS107(std::int32_t rate, std::int32_t reference, std::int32_t bands)
-    : TRealTimeTS107(static_cast<std::size_t>(std::max(bands, minBands))) {
+    : TRealTimeTS107(Bands{std::max(bands, minBands)}) {
     referenceBand = reference;
     SetHarmonics(1000, 750, 500, 250);
     SetFloorDb(-1000);
@@ -55,22 +65,61 @@ TRealTimeTS107::TRealTimeTS107(std::int32_t rate, std::int32_t reference, std::i
     SeedTuning();
 }
 
+// Samples go in runs that end where a frame does: whole blocks straight from the caller's samples, and what
+// is cut by the edge of a frame or a buffer by way of `held`.
 void TRealTimeTS107::Process(const short* samples, unsigned bytes) {
     FlushToZero arithmetic;
-    for (const short* const end = samples + bytes / sizeof(short); samples != end; ++samples)
-        ProcessSample(*samples, arithmetic);
+    ResonatorBank bank = Bank();
+    for (std::int32_t left = static_cast<std::int32_t>(bytes / sizeof(short)); left > 0;) {
+        std::int32_t run = std::min({left, blockCountdown, frameCountdown});
+        // One sample behind the last block must be there to read.
+        const std::int32_t whole = std::min(left - 1, frameCountdown) / blockLength;
+        if (blockCountdown == blockLength && whole > 0) {
+            run = whole * blockLength;
+            kernels.stepBlocks(bank, samples, whole);
+        } else {
+            KeepSamples(samples, run);
+            if (blockCountdown == 0) FinishBlock();
+        }
+        samples += run;
+        left -= run;
+        frameCountdown -= run;
+        if (frameCountdown != 0) continue;
+        RunFrame(arithmetic);
+        bank = Bank();  // the handler may have led to new tables
+    }
 }
 
-void TRealTimeTS107::ProcessSample(std::int32_t sample, FlushToZero& arithmetic) {
-    if (--blockCountdown != 0) {
-        const std::ptrdiff_t row = static_cast<std::ptrdiff_t>(blockCountdown - 1) * numBands;
-        plain::FoldSample(accRe.Data(), accIm.Data(), tapsRe.Data() + row, tapsIm.Data() + row, sample,
-                          numBands);
-    } else {
-        plain::StepResonators(Bank(), sample);
-        blockCountdown = blockLength;
+void TRealTimeTS107::KeepSamples(const short* samples, std::int32_t count) {
+    std::copy_n(samples, count, held.Data() + (blockLength - blockCountdown));
+    blockCountdown -= count;
+}
+
+void TRealTimeTS107::FinishBlock() {
+    if (settled)
+        plain::StepBlocks(Bank(), held.Data(), 1);  // adds to what the accumulators hold
+    else
+        kernels.stepBlocks(Bank(), held.Data(), 1);
+    settled = false;
+    blockCountdown = blockLength;
+}
+
+void TRealTimeTS107::FoldedSoFar(std::int32_t* re, std::int32_t* im) const {
+    std::copy_n(accRe.Data(), numBands, re);
+    std::copy_n(accIm.Data(), numBands, im);
+    for (std::int32_t n = 0; n < blockLength - blockCountdown; ++n) {
+        const std::ptrdiff_t row = static_cast<std::ptrdiff_t>(blockLength - n - 2) * bandStride;
+        plain::FoldSample(re, im, tapsRe.Data() + row, tapsIm.Data() + row, held[n], numBands);
     }
-    if (--frameCountdown == 0) RunFrame(arithmetic);
+}
+
+// Before the weights change: the samples that have come keep the old ones.
+void TRealTimeTS107::SettleAccumulators() {
+    const std::int32_t come = blockLength - blockCountdown;
+    if (come == 0) return;
+    FoldedSoFar(accRe.Data(), accIm.Data());
+    std::fill_n(held.Data(), come, short{0});
+    settled = true;
 }
 
 void TRealTimeTS107::RunFrame(FlushToZero& arithmetic) {
@@ -87,22 +136,35 @@ void TRealTimeTS107::RunFrame(FlushToZero& arithmetic) {
 }
 
 ResonatorBank TRealTimeTS107::Bank() {
-    return {stateA.Data(),  stateB.Data(),  energy.Data(), accRe.Data(),  accIm.Data(),   tapZero.Data(),
-            feedAA.Data(),  feedAB.Data(),  feedBA.Data(), feedBB.Data(), inputAR.Data(), inputAI.Data(),
-            inputBR.Data(), inputBI.Data(), blockDecay,    numBands};
+    return {stateA.Data(),
+            stateB.Data(),
+            energy.Data(),
+            accRe.Data(),
+            accIm.Data(),
+            tapsRe.Data(),
+            tapsIm.Data(),
+            tapZero.Data(),
+            pairsFit ? pairsRe.Data() : nullptr,
+            pairsFit ? pairsIm.Data() : nullptr,
+            feedAA.Data(),
+            feedAB.Data(),
+            feedBA.Data(),
+            feedBB.Data(),
+            inputAR.Data(),
+            inputAI.Data(),
+            inputBR.Data(),
+            inputBI.Data(),
+            blockDecay,
+            blockLength,
+            numBands,
+            bandStride};
 }
 
 // A peak is a band whose energy stands above both neighbours by more than one sine on the band would allow.
 // Band 0 and the top band never become one.
 void TRealTimeTS107::FindPeaks() {
-    rising[1] = energy[0] < energy[1];
-    for (std::int32_t i = 2; i < numBands; ++i) {
-        const std::int32_t j = i - 1;
-        peakOlder[j] = peakOld[j];
-        peakOld[j] = peakNow[j];
-        rising[i] = energy[j] < energy[i];
-        peakNow[j] = !rising[i] && rising[j] && energy[j - 1] + energy[i] < energy[j] * peakRatio;
-    }
+    kernels.findPeaks({energy.Data(), rising.Data(), peakOlder.Data(), peakOld.Data(), peakNow.Data(),
+                       peakRatio, numBands});
 }
 
 void TRealTimeTS107::Reset() {
@@ -120,6 +182,8 @@ void TRealTimeTS107::ClearAnalysis() {
     for (TAutoArray<bool>* array : {&peakNow, &peakOld, &peakOlder})
         std::fill_n(array->Data(), numBands, false);
     for (std::int32_t i = 0; i < numBands; ++i) SetNote(i, false);
+    std::fill_n(held.Data(), 2 * ((blockLength + 1) / 2), short{0});
+    settled = false;
 }
 
 float TRealTimeTS107::GetBaseDelay() {

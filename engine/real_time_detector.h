@@ -49,17 +49,24 @@ public:
     void SetEqualizerEnabled(bool enabled);
     void SetBandGain(std::int32_t band, float gain);  // linear
 
+    // The accumulators as they would stand had each sample of the running block been folded as it came, for
+    // whoever wants to see them: numBands elements each.
+    void FoldedSoFar(std::int32_t* re, std::int32_t* im) const;
+
     // --- data; arrays without a stated length hold numBands elements ---
 
     // Resonators. Written by [audio]; tables by BuildResonators.
     TAutoArray<float> stateA, stateB;
     TAutoArray<float> feedAA, feedAB, feedBA, feedBB;      // state transition over one block
     TAutoArray<float> inputAR, inputAI, inputBR, inputBI;  // how the accumulators enter the state
-    TAutoArray<std::int32_t> accRe, accIm;                 // integer accumulators of the running block
-    TAutoArray<std::int32_t> tapZero;                      // weight of the newest sample of a block
-    // Weights of the older samples: (blockLength - 1) rows of numBands, so that bands run along memory.
+    // Integer accumulators of the running block. The samples of a block are kept and folded together when it
+    // is complete; between blocks these hold only what was folded early. FoldedSoFar gives the whole.
+    TAutoArray<std::int32_t> accRe, accIm;
+    TAutoArray<std::int32_t> tapZero;  // weight of the newest sample of a block
+    // Weights of the older samples: (blockLength - 1) rows of bandStride, so that bands run along memory.
     // Row k - 1 belongs to the sample that is k samples older than the block's newest.
     TAutoArray<std::int32_t> tapsRe, tapsIm;
+    std::int32_t bandStride = 0;  // PaddedBands(numBands), the length of each array below in memory
 
     // Peaks, per frame.
     TAutoArray<bool> rising;                       // energy rises from the band below into this band
@@ -100,7 +107,7 @@ public:
     // The least-squares coefficients of the partial template, in groups as SetHarmonics computes them:
     // D4, D4 A, D4 B, D4 C | the same with D3 | with D2 | A, B, C | D4 X5, D4 X7, D4 X12 | the same with D3 |
     // D2 X7, D2 X12 | 1 - H2, 1 - H3, 1 - H4.
-    float harmonicCoefficients[26] = {};
+    float harmonicCoefficients[Harmonic::count] = {};
 
     std::int32_t blockCountdown = 0, frameCountdown = 0;  // samples left
     std::int32_t blockLength = 0;                         // samples between two resonator steps
@@ -111,8 +118,14 @@ public:
     float threshold = 0;                  // the frame's power threshold
     Relaxed<float> floorAmp, floorPower;  // [any] writes
 
+    DetectorKernels kernels;  // the inner loops in use; any set gives the same results
+
 private:
-    explicit TRealTimeTS107(std::size_t bands);  // allocates what depends on the number of bands only
+    struct Bands {
+        std::int32_t count;
+        std::size_t padded = static_cast<std::size_t>(PaddedBands(count));
+    };
+    explicit TRealTimeTS107(Bands bands);  // allocates what depends on the number of bands only
 
     // Set-up.
     void RateSetUp();
@@ -123,23 +136,28 @@ private:
     void ClearAnalysis();
 
     // The frame, in the order of its steps.
-    void ProcessSample(std::int32_t sample, FlushToZero& arithmetic);
+    void KeepSamples(const short* samples, std::int32_t count);
+    void FinishBlock();
+    void SettleAccumulators();
     void RunFrame(FlushToZero& arithmetic);
     void FindPeaks();
     void TrackTuning();
     void SeparateHarmonics();
     void DecideNotes();
 
-    void LimitByPartials();
-    void FormRightHandSide();
     float StrongestAmplitude();
     void WeighByEqualizer();
     void ApplyHysteresis();
     void ApplyMonoRule();
     void SetNote(std::int32_t band, bool on);
 
+    void PackPairs();
     ResonatorBank Bank();
     FitCoefficients Coefficients() const;
 
-    TAutoArray<float> fitted;  // fitMargin zeros, then the bands while FitPartials works on them
+    TAutoArray<float> fitted;  // the bands while the fit works on them, between margins of zeros
+    TAutoArray<short> held;    // the running block's samples, oldest first; 0 where settled or still to come
+    bool settled = false;      // accRe and accIm hold the earlier samples of the running block
+    bool pairsFit = false;     // every weight fits 16 bits: pairsRe and pairsIm are in use
+    TAutoArray<std::int16_t> pairsRe, pairsIm;  // see ResonatorBank
 };

@@ -1,4 +1,5 @@
 // What the detector computes before the first sample, or when a setting changes: rates, tables, thresholds.
+// All of it in the detector's own arithmetic, so that it is the same whatever rounding the host is in.
 #include <algorithm>
 #include <cmath>
 
@@ -26,6 +27,7 @@ void TRealTimeTS107::SetSampleRate(std::int32_t rate) {
 }
 
 void TRealTimeTS107::RateSetUp() {
+    const FlushToZero arithmetic;
     blockLength = std::max<std::int32_t>(sampleRate / 4000, 2);
     frameLength = sampleRate / 100;
     const auto rate = static_cast<float>(sampleRate);
@@ -39,8 +41,18 @@ void TRealTimeTS107::RateSetUp() {
     gainScale = std::sqrt(1.0 - static_cast<double>(blockDecay)) * gainUnit;
     for (std::int32_t i = 0; i < numBands; ++i) SetBandGain(i, 1.0F);
     const auto taps = static_cast<std::size_t>(blockLength - 1);
-    tapsRe.Resize(taps * static_cast<std::size_t>(numBands));
-    tapsIm.Resize(taps * static_cast<std::size_t>(numBands));
+    const auto stride = static_cast<std::size_t>(bandStride);
+    const std::size_t rows = (static_cast<std::size_t>(blockLength) + 1) / 2;
+    for (TAutoArray<std::int32_t>* array : {&tapsRe, &tapsIm}) {
+        array->Resize(taps * stride);
+        std::fill_n(array->Data(), taps * stride, 0);
+    }
+    for (TAutoArray<std::int16_t>* array : {&pairsRe, &pairsIm}) {
+        array->Resize(2 * rows * stride);
+        std::fill_n(array->Data(), 2 * rows * stride, std::int16_t{0});
+    }
+    held.Resize(2 * rows);
+    std::fill_n(held.Data(), 2 * rows, short{0});
     tapPowersRe.Resize(taps);
     tapPowersIm.Resize(taps);
     BuildResonators();
@@ -50,7 +62,7 @@ void TRealTimeTS107::RateSetUp() {
 // The pole lies where the response one semitone above the band equals that one semitone below it; the gain
 // makes a resonator read 2 x amplitude / 32767 for a sine on its centre.
 void TRealTimeTS107::BuildResonators() {
-    const FlushToZero nearest;  // the same tables, whatever rounding the host is in
+    const FlushToZero arithmetic;
     const double r = bandwidth;
     const double q = bandwidth * bandwidth;  // squared in single precision
     const double m0 = 2 * std::sqrt(q + coshSemitoneSq) - (q + 1);
@@ -60,6 +72,28 @@ void TRealTimeTS107::BuildResonators() {
     const double ga = g * w / m;
     const double gb = r * g / m;
     for (std::int32_t i = 0; i < numBands; ++i) BuildBand(i, w, m, g, ga, gb);
+    PackPairs();
+}
+
+// The weights once more in 16 bits, where all of them fit: from 22.05 kHz upward, as a rule.
+void TRealTimeTS107::PackPairs() {
+    pairsFit = true;
+    const auto pack = [this](TAutoArray<std::int16_t>& pairs, std::int32_t position, std::int32_t band,
+                             std::int32_t weight) {
+        const std::ptrdiff_t row = position / 2;
+        const auto narrow = static_cast<std::int16_t>(weight);
+        pairsFit = pairsFit && narrow == weight;
+        pairs[2 * (row * bandStride + band) + position % 2] = narrow;
+    };
+    for (std::int32_t band = 0; band < numBands; ++band) {
+        for (std::int32_t position = 0; position < blockLength - 1; ++position) {
+            const std::ptrdiff_t at =
+                static_cast<std::ptrdiff_t>(blockLength - position - 2) * bandStride + band;
+            pack(pairsRe, position, band, tapsRe[at]);
+            pack(pairsIm, position, band, tapsIm[at]);
+        }
+        pack(pairsRe, blockLength - 1, band, tapZero[band]);
+    }
 }
 
 void TRealTimeTS107::BuildBand(std::int32_t band, double w, double m, double g, double ga, double gb) {
@@ -93,7 +127,7 @@ void TRealTimeTS107::BuildBand(std::int32_t band, double w, double m, double g, 
     const double scaleIm = accumulatorMagnitude / (sampleMagnitude * sumIm);
     tapZero[i] = TruncateToInt32(scaleRe);
     for (std::int32_t k = 0; k < taps; ++k) {
-        const std::ptrdiff_t at = static_cast<std::ptrdiff_t>(k) * numBands + i;
+        const std::ptrdiff_t at = static_cast<std::ptrdiff_t>(k) * bandStride + i;
         tapsRe[at] = TruncateToInt32(scaleRe * tapPowersRe[k]);
         tapsIm[at] = TruncateToInt32(scaleIm * tapPowersIm[k]);
     }
@@ -113,6 +147,7 @@ void TRealTimeTS107::BuildBand(std::int32_t band, double w, double m, double g, 
 
 // e is the amplitude that a resonator shows for a pure tone one semitone away from it.
 void TRealTimeTS107::UpdatePeakRatio() {
+    const FlushToZero arithmetic;
     const float detuning = semitoneWidth / bandwidth;
     const float e = 1.0F / std::sqrt(detuning * detuning + 1.0F);
     const float v = e + (1.0F - e) * peakSlack;
@@ -120,12 +155,14 @@ void TRealTimeTS107::UpdatePeakRatio() {
 }
 
 void TRealTimeTS107::SetBandwidth(float ratio) {
+    SettleAccumulators();
     bandwidth = ratio;
     UpdatePeakRatio();
     BuildResonators();
 }
 
 void TRealTimeTS107::SetBandwidthAndTune(float ratio, float semitones) {
+    SettleAccumulators();
     bandwidth = ratio;
     UpdatePeakRatio();
     tune = semitones;
@@ -133,6 +170,7 @@ void TRealTimeTS107::SetBandwidthAndTune(float ratio, float semitones) {
 }
 
 void TRealTimeTS107::SetFloorDb(float dB) {
+    const FlushToZero arithmetic;
     floorDb = dB;
     const float power = std::exp(dB * dBToExponent);
     floorPower = power;
@@ -140,6 +178,7 @@ void TRealTimeTS107::SetFloorDb(float dB) {
 }
 
 void TRealTimeTS107::SetRelativeThreshold(float ratio) {
+    const FlushToZero arithmetic;
     relativeThreshold = ratio;
     relativeThresholdSq = ratio * ratio;
 }
@@ -178,5 +217,6 @@ void TRealTimeTS107::TrackTuning() {
         return;
     }
     tune = moved;
+    SettleAccumulators();
     BuildResonators();
 }

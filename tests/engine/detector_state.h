@@ -40,7 +40,7 @@ inline std::int32_t Tap(const PlainDetector&, const PlainDetector::Taps& taps, i
 }
 inline std::int32_t Tap(const TRealTimeTS107& detector, const TAutoArray<std::int32_t>& taps, int band,
                         int row) {
-    return taps[row * detector.numBands + band];
+    return taps[row * detector.bandStride + band];
 }
 
 // Tables, gains and every other setting: what no Reset changes.
@@ -76,6 +76,20 @@ DetectorState SettingsOf(const Detector& d) {
     return state;
 }
 
+// The running block's accumulators; the detector keeps samples and folds them later.
+struct Accumulators {
+    std::vector<std::int32_t> re, im;
+};
+inline Accumulators AccumulatorsOf(const PlainDetector& d) {
+    return {d.accRe, d.accIm};
+}
+inline Accumulators AccumulatorsOf(const TRealTimeTS107& d) {
+    const auto bands = static_cast<std::size_t>(d.numBands);
+    Accumulators folded{std::vector<std::int32_t>(bands), std::vector<std::int32_t>(bands)};
+    d.FoldedSoFar(folded.re.data(), folded.im.data());
+    return folded;
+}
+
 // What was heard so far. The arrays that only a frame writes are left out before the first.
 template <typename Detector>
 DetectorState AnalysisOf(const Detector& d, bool framesRan = true) {
@@ -87,7 +101,9 @@ DetectorState AnalysisOf(const Detector& d, bool framesRan = true) {
 #undef ARRAY
 #define ARRAY(name) array(#name, d.name, 0)
     FIELD(blockCountdown), FIELD(frameCountdown), FIELD(tuneLeft), FIELD(tuneCentre), FIELD(tuneRight);
-    ARRAY(stateA), ARRAY(stateB), ARRAY(accRe), ARRAY(accIm), ARRAY(energy), ARRAY(energyPrev1);
+    const Accumulators folded = AccumulatorsOf(d);
+    array("accRe", folded.re, 0), array("accIm", folded.im, 0);
+    ARRAY(stateA), ARRAY(stateB), ARRAY(energy), ARRAY(energyPrev1);
     ARRAY(energyPrev2), ARRAY(separated), ARRAY(amplitude), ARRAY(eqAmplitude);
     ARRAY(peakNow), ARRAY(peakOld), ARRAY(peakOlder), ARRAY(noteOn);
     if (!framesRan) return state;

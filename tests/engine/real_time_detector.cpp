@@ -50,7 +50,8 @@ TEST(RealTimeDetector, OnlyWholeSamplesCount) {
     detector.Process(samples, 3);
     EXPECT_EQ(detector.blockCountdown, 10);
     EXPECT_EQ(detector.frameCountdown, 440);
-    EXPECT_EQ(detector.accRe[45], detector.tapsRe[9 * 84 + 45] * 30000);  // the oldest of 11 samples: p^10
+    EXPECT_EQ(AccumulatorsOf(detector).re[45],
+              Tap(detector, detector.tapsRe, 45, 9) * 30000);  // the oldest of 11 samples: p^10
 }
 
 TEST(RealTimeDetector, DelayIsThreeFramesAnd10MsPlusTheBandsOwn) {

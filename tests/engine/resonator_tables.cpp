@@ -46,8 +46,8 @@ TEST(ResonatorTables, WeightsFillTheAccumulatorsAndDoNotOverflowThem) {
         for (int band = 0; band < 84; ++band) {
             std::int64_t re = detector.tapZero[band], im = 0;
             for (int row = 0; row < detector.blockLength - 1; ++row) {
-                re += std::abs(detector.tapsRe[row * 84 + band]);
-                im += std::abs(detector.tapsIm[row * 84 + band]);
+                re += std::abs(detector.tapsRe[row * detector.bandStride + band]);
+                im += std::abs(detector.tapsIm[row * detector.bandStride + band]);
             }
             for (const std::int64_t sum : {re, im}) {
                 EXPECT_LE(sum * 32767, 2147483647) << rate << " Hz, band " << band;

@@ -1,0 +1,445 @@
+// The detector's inner loops on many bands at a time. This file is compiled once for each instruction set;
+// the one that the machine has is chosen at run time. Every operation and every order of sums is that of the
+// plain definitions, so every instruction set gives the same bits.
+#include <cstring>
+
+#include "engine/kernels.h"
+
+#define HWY_WANT_AVX3_DL
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "engine/kernels_vector.cpp"
+
+#include "hwy/foreach_target.h"  // includes this file again for each set
+#include "hwy/highway.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace vectors {
+namespace HWY_NAMESPACE {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+// Below SSSE3 there is no shift across two vectors and no fast 32-bit multiply: the plain form serves as
+// well.
+#if HWY_TARGET == HWY_SCALAR || HWY_TARGET == HWY_EMU128 || HWY_TARGET == HWY_SSE2
+
+DetectorKernels Kernels() {
+    return PlainKernels();
+}
+
+#else
+
+using Wide = hn::CappedTag<float, bandStep>;  // bands along the vector
+using WideInt = hn::RebindToSigned<Wide>;
+using WideShort = hn::Repartition<std::int16_t, WideInt>;
+using Four = hn::FixedTag<float, 4>;
+
+// --- fold and step ---
+
+// sum += pairs of weights x a pair of samples, in wrapping 32 bits, a band a lane.
+#if HWY_ARCH_X86
+HWY_INLINE hn::Vec<WideInt> AddPair(hn::Vec<WideInt> sum, const std::int16_t* weights,
+                                    hn::Vec<WideShort> samples) {
+#if HWY_TARGET == HWY_AVX3_DL
+    // This set's multiply-add takes the sum along. The compiler does not count it to the set, so by name.
+    __asm__("vpdpwssd %2, %1, %0"
+            : "+v"(sum.raw)
+            : "v"(samples.raw), "m"(*reinterpret_cast<const __m512i*>(weights)));
+    return sum;
+#else
+    const WideInt di;
+    auto unused = hn::Zero(di);  // on this architecture the sum of adjacent products stays in its lane
+    return hn::ReorderWidenMulAccumulate(di, hn::Load(WideShort(), weights), samples, sum, unused);
+#endif
+}
+#else
+HWY_INLINE hn::Vec<WideInt> AddPair(hn::Vec<WideInt> sum, const std::int16_t* weights,
+                                    hn::Vec<WideShort> samples) {
+    // Elsewhere the product of adjacent pairs may land in another lane, so the two halves of each 32-bit lane
+    // are multiplied one after the other.
+    const WideInt di;
+    const auto weight = hn::BitCast(di, hn::Load(WideShort(), weights));
+    const auto sample = hn::BitCast(di, samples);
+    const auto low =
+        hn::Mul(hn::ShiftRight<16>(hn::ShiftLeft<16>(weight)), hn::ShiftRight<16>(hn::ShiftLeft<16>(sample)));
+    const auto high = hn::Mul(hn::ShiftRight<16>(weight), hn::ShiftRight<16>(sample));
+    return hn::Add(sum, hn::Add(low, high));
+}
+#endif
+
+HWY_INLINE hn::Vec<WideShort> BroadcastPair(const std::int16_t* samples) {
+    std::int32_t pair;
+    std::memcpy(&pair, samples, sizeof pair);
+    return hn::BitCast(WideShort(), hn::Set(WideInt(), pair));
+}
+
+// The resonators of one vector of bands, in registers for a run of blocks.
+struct Resonators {
+    hn::Vec<Wide> stateA, stateB, energy;
+    const hn::Vec<Wide> feedAA, feedAB, feedBA, feedBB, inputAR, inputAI, inputBR, inputBI, decay;
+
+    HWY_INLINE void Step(hn::Vec<WideInt> accRe, hn::Vec<WideInt> accIm) {
+        const Wide d;
+        const auto re = hn::ConvertTo(d, accRe);
+        const auto im = hn::ConvertTo(d, accIm);
+        const auto nextA =
+            hn::Add(hn::Add(hn::Add(hn::Mul(stateA, feedAA), hn::Mul(stateB, feedAB)), hn::Mul(re, inputAR)),
+                    hn::Mul(im, inputAI));
+        const auto nextB =
+            hn::Add(hn::Add(hn::Add(hn::Mul(stateA, feedBA), hn::Mul(stateB, feedBB)), hn::Mul(re, inputBR)),
+                    hn::Mul(im, inputBI));
+        stateA = nextA;
+        stateB = nextB;
+        energy = hn::Add(hn::Add(hn::Mul(energy, decay), hn::Mul(nextA, nextA)), hn::Mul(nextB, nextB));
+    }
+};
+
+HWY_INLINE Resonators LoadResonators(const ResonatorBank& bank, std::int32_t i) {
+    const Wide d;
+    return {hn::Load(d, bank.stateA + i),  hn::Load(d, bank.stateB + i),  hn::Load(d, bank.energy + i),
+            hn::Load(d, bank.feedAA + i),  hn::Load(d, bank.feedAB + i),  hn::Load(d, bank.feedBA + i),
+            hn::Load(d, bank.feedBB + i),  hn::Load(d, bank.inputAR + i), hn::Load(d, bank.inputAI + i),
+            hn::Load(d, bank.inputBR + i), hn::Load(d, bank.inputBI + i), hn::Set(d, bank.blockDecay)};
+}
+
+HWY_INLINE void StoreResonators(const ResonatorBank& bank, std::int32_t i, const Resonators& resonators) {
+    const Wide d;
+    hn::Store(resonators.stateA, d, bank.stateA + i);
+    hn::Store(resonators.stateB, d, bank.stateB + i);
+    hn::Store(resonators.energy, d, bank.energy + i);
+}
+
+// With weights of 16 bits: two samples a step. pairsIm has one row less where the newest sample, which has no
+// imaginary weight, stands alone in the last pair. A block length known to the compiler lets it unroll; 0
+// leaves it open.
+template <std::int32_t fixedLength>
+HWY_INLINE void StepPairs(const ResonatorBank& bank, const std::int16_t* samples, std::int32_t blocks) {
+    const WideInt di;
+    const std::int32_t length = fixedLength != 0 ? fixedLength : bank.blockLength;
+    const std::int32_t both = length / 2;  // pairs of which each has an imaginary weight
+    for (std::int32_t i = 0; i < bank.bands; i += static_cast<std::int32_t>(hn::Lanes(di))) {
+        Resonators resonators = LoadResonators(bank, i);
+        const std::int16_t* block = samples;
+        for (std::int32_t n = 0; n < blocks; ++n, block += length) {
+            auto re = hn::Zero(di);
+            auto im = hn::Zero(di);
+            const std::int16_t* weightsRe = bank.pairsRe + 2 * i;
+            const std::int16_t* weightsIm = bank.pairsIm + 2 * i;
+            for (std::int32_t p = 0; p < both; ++p) {
+                const auto pair = BroadcastPair(block + 2 * p);
+                re = AddPair(re, weightsRe, pair);
+                im = AddPair(im, weightsIm, pair);
+                weightsRe += 2 * bank.stride;
+                weightsIm += 2 * bank.stride;
+            }
+            if (length % 2 != 0) re = AddPair(re, weightsRe, BroadcastPair(block + length - 1));
+            resonators.Step(re, im);
+        }
+        StoreResonators(bank, i, resonators);
+    }
+}
+
+// With weights of 32 bits, as low rates need them.
+HWY_INLINE void StepTaps(const ResonatorBank& bank, const std::int16_t* samples, std::int32_t blocks) {
+    const WideInt di;
+    const std::int32_t older = bank.blockLength - 1;
+    for (std::int32_t i = 0; i < bank.bands; i += static_cast<std::int32_t>(hn::Lanes(di))) {
+        Resonators resonators = LoadResonators(bank, i);
+        const std::int16_t* block = samples;
+        for (std::int32_t n = 0; n < blocks; ++n, block += bank.blockLength) {
+            auto re = hn::Mul(hn::Load(di, bank.tapZero + i), hn::Set(di, block[older]));
+            auto im = hn::Zero(di);
+            for (std::int32_t k = 0; k < older; ++k) {
+                const std::ptrdiff_t at = static_cast<std::ptrdiff_t>(older - k - 1) * bank.stride + i;
+                const auto sample = hn::Set(di, block[k]);
+                re = hn::Add(re, hn::Mul(hn::Load(di, bank.tapsRe + at), sample));
+                im = hn::Add(im, hn::Mul(hn::Load(di, bank.tapsIm + at), sample));
+            }
+            resonators.Step(re, im);
+        }
+        StoreResonators(bank, i, resonators);
+    }
+}
+
+void StepBlocks(const ResonatorBank& bank, const std::int16_t* samples, std::int32_t blocks) {
+    if (bank.pairsRe == nullptr) return StepTaps(bank, samples, blocks);
+    switch (bank.blockLength) {
+        case 11: return StepPairs<11>(bank, samples, blocks);  // 44.1 kHz
+        case 12: return StepPairs<12>(bank, samples, blocks);  // 48 kHz
+        case 22: return StepPairs<22>(bank, samples, blocks);  // 88.2 kHz
+        case 24: return StepPairs<24>(bank, samples, blocks);  // 96 kHz
+        default: return StepPairs<0>(bank, samples, blocks);
+    }
+}
+
+// --- the frame ---
+
+// Plain loops without a branch, which the compiler lays out for this instruction set.
+void FindPeaks(const PeakFlags& p) {
+    const float* HWY_RESTRICT const energy = p.energy;
+    bool* HWY_RESTRICT const rising = p.rising;
+    bool* HWY_RESTRICT const older = p.peakOlder;
+    bool* HWY_RESTRICT const old = p.peakOld;
+    bool* HWY_RESTRICT const now = p.peakNow;
+    const float ratio = p.peakRatio;
+    const std::int32_t bands = p.bands;
+    std::memcpy(older + 1, old + 1, static_cast<std::size_t>(bands - 2));
+    std::memcpy(old + 1, now + 1, static_cast<std::size_t>(bands - 2));
+    for (std::int32_t i = 1; i < bands; ++i) rising[i] = energy[i - 1] < energy[i];
+    for (std::int32_t j = 1; j < bands - 1; ++j)
+        now[j] = (energy[j - 1] + energy[j + 1] < energy[j] * ratio) & rising[j] & !rising[j + 1];
+}
+
+void LimitByPartials(const PartialLimit& limit) {
+    const Wide d;
+    const auto step = static_cast<std::int32_t>(hn::Lanes(d));
+    const std::int32_t bands = limit.bands;
+    const std::int32_t fullEnd = bands - 24;
+    const float* const k = limit.coefficients;
+    float* const amplitude = limit.amplitude;
+    float* const cap = limit.levelCap;
+
+    for (std::int32_t i = 0; i < bands; i += step)
+        hn::Store(hn::Sqrt(hn::Load(d, limit.energy + i)), d, amplitude + i);
+
+    // All three partials within the spectrum. The last vector runs past that range, into rows that are
+    // computed anew below, and reads no further than the arrays' padding.
+    const auto zero = hn::Zero(d);
+    for (std::int32_t i = 0; i < fullEnd; i += step) {
+        const auto a = hn::Load(d, amplitude + i);
+        const auto shortfall = [&](Harmonic::Position factor, std::int32_t distance) HWY_ATTR {
+            return hn::Add(hn::Mul(a, hn::Set(d, k[factor])), hn::LoadU(d, amplitude + i + distance));
+        };
+        const auto m =
+            hn::Min(hn::Min(hn::Min(a, shortfall(Harmonic::Limit2, 12)), shortfall(Harmonic::Limit3, 19)),
+                    shortfall(Harmonic::Limit4, 24));
+        hn::Store(hn::IfThenElse(hn::Lt(m, zero), zero, hn::Mul(m, m)), d, cap + i);
+    }
+    std::int32_t i = fullEnd;
+    for (; i < bands - 19; ++i) {
+        const float a = amplitude[i];
+        const float t2 = a * k[Harmonic::Limit2] + amplitude[i + 12];
+        const float t3 = a * k[Harmonic::Limit3] + amplitude[i + 19];
+        float m = t2 < a ? t2 : a;
+        m = t3 < m ? t3 : m;
+        cap[i] = m < 0.0F ? 0.0F : m * m;
+    }
+    for (; i < bands - 12; ++i) {
+        const float a = amplitude[i];
+        const float t = a * k[Harmonic::Limit2] + amplitude[i + 12];
+        cap[i] = t < 0.0F ? 0.0F : t >= a ? limit.energy[i] : t * t;
+    }
+    for (; i < PaddedBands(bands); ++i) cap[i] = limit.energy[i];
+
+    for (i = 0; i < fullEnd; i += step) {
+        const auto term = [&](Harmonic::Position factor, std::int32_t distance) HWY_ATTR {
+            return hn::Mul(hn::Set(d, k[factor]), hn::LoadU(d, cap + i + distance));
+        };
+        hn::Store(
+            hn::Add(hn::Add(hn::Add(term(Harmonic::D4, 0), term(Harmonic::D4A, 12)), term(Harmonic::D4B, 19)),
+                    term(Harmonic::D4C, 24)),
+            d, limit.rhs + i);
+    }
+    for (i = fullEnd; i < bands - 19; ++i)
+        limit.rhs[i] =
+            k[Harmonic::D3] * cap[i] + k[Harmonic::D3A] * cap[i + 12] + k[Harmonic::D3B] * cap[i + 19];
+    for (; i < bands - 12; ++i) limit.rhs[i] = k[Harmonic::D2] * cap[i] + k[Harmonic::D2A] * cap[i + 12];
+    for (; i < bands; ++i) limit.rhs[i] = cap[i];
+}
+
+// --- the fit ---
+
+// A row depends on rows at least five away, so four rows go at once; and a sweep reads no further than 27
+// rows ahead of its four, so the next sweep may follow seven groups behind it. With 21 groups of four, three
+// sweeps are under way at any time, and the next three follow without a gap. Each is a chain of dependent
+// operations: three of them keep the machine busy.
+constexpr std::int32_t groups = 21;
+constexpr std::int32_t fittedBands = 4 * groups;
+constexpr std::int32_t fullGroups = (fittedBands - 24) / 4;
+constexpr std::int32_t tailGroups = groups - fullGroups;
+constexpr std::int32_t lag = 7;  // groups between two sweeps
+static_assert(3 * lag == groups && 4 * lag >= 27 + 1);
+
+// The coefficients of the rows near the top, four rows a group. A term that a row lacks has coefficient 0
+// (or, in the pair of the seventh, a cleared upper neighbour): all values are at least 0, so adding 0 changes
+// no bit.
+struct alignas(64) Tail {
+    float x5[4], x7[4], x7Upper[4], x12[4], a[4], b[4], c[4];
+};
+
+void FillTail(const FitCoefficients& k, Tail* tail) {
+    for (std::int32_t row = 4 * fullGroups; row < fittedBands; ++row) {
+        Tail& t = tail[row / 4 - fullGroups];
+        const std::int32_t r = row % 4;
+        const bool two = row < fittedBands - 19;
+        const bool one = !two && row < fittedBands - 12;
+        t.x5[r] = two ? k.two.x5 : 0;
+        t.x7[r] = two ? k.two.x7 : one ? k.one.x7 : 0;
+        t.x7Upper[r] = two ? 1.0F : 0.0F;
+        t.x12[r] = two ? k.two.x12 : one ? k.one.x12 : k.none.a;
+        t.a[r] = two ? k.two.a : one ? k.one.a : 0;
+        t.b[r] = two ? k.two.b : one ? k.one.b : k.none.b;
+        t.c[r] = two ? k.two.c : one ? k.one.c : k.none.c;
+    }
+}
+
+struct Fit {
+    float* x;
+    const float* rhs;
+    const float* cap;
+    const Tail* tail;
+    hn::Vec<Four> x5, x7, x12, b, c;
+};
+
+// One of the three sweeps under way: its last two groups, from which the next takes its nearest neighbours
+// without a detour through memory.
+struct Sweep {
+    hn::Vec<Four> last, beforeLast;
+};
+
+// value < 0 ? 0 : value, then > cap ? cap : value. Where neither holds the value stays as it is, a zero of
+// either sign among them; on this architecture minimum and maximum do so when the value is their second
+// operand.
+HWY_INLINE hn::Vec<Four> Clamp(hn::Vec<Four> value, hn::Vec<Four> cap) {
+    const auto zero = hn::Zero(Four());
+#if HWY_ARCH_X86
+    return hn::Min(cap, hn::Max(zero, value));
+#else
+    const auto positive = hn::IfThenElse(hn::Lt(value, zero), zero, value);
+    return hn::IfThenElse(hn::Gt(positive, cap), cap, positive);
+#endif
+}
+
+HWY_INLINE void Finish(const Fit& fit, Sweep& sweep, std::int32_t row, hn::Vec<Four> cross) {
+    const Four d;
+    const auto clamped = Clamp(hn::Sub(hn::LoadU(d, fit.rhs + row), cross), hn::LoadU(d, fit.cap + row));
+    hn::StoreU(clamped, d, fit.x + row);
+    sweep.beforeLast = sweep.last;
+    sweep.last = clamped;
+}
+
+HWY_INLINE void FullGroup(const Fit& fit, Sweep& sweep, std::int32_t group) {
+    const Four d;
+    const std::int32_t row = 4 * group;
+    const float* const p = fit.x + row;
+    const auto below5 = hn::CombineShiftRightBytes<12>(d, sweep.last, sweep.beforeLast);
+    const auto below7 = hn::CombineShiftRightBytes<4>(d, sweep.last, sweep.beforeLast);
+    auto cross = hn::Mul(fit.x5, hn::Add(below5, hn::LoadU(d, p + 5)));
+    cross = hn::Add(cross, hn::Mul(fit.x7, hn::Add(below7, hn::LoadU(d, p + 7))));
+    cross = hn::Add(cross, hn::Mul(fit.x12, hn::Add(hn::LoadU(d, p - 12), hn::LoadU(d, p + 12))));
+    cross = hn::Add(cross, hn::Mul(fit.b, hn::Add(hn::LoadU(d, p - 19), hn::LoadU(d, p + 19))));
+    cross = hn::Add(cross, hn::Mul(fit.c, hn::Add(hn::LoadU(d, p - 24), hn::LoadU(d, p + 24))));
+    Finish(fit, sweep, row, cross);
+}
+
+HWY_INLINE void TailGroup(const Fit& fit, Sweep& sweep, std::int32_t group) {
+    const Four d;
+    const std::int32_t row = 4 * group;
+    const float* const p = fit.x + row;
+    const Tail& t = fit.tail[group - fullGroups];
+    const auto below5 = hn::CombineShiftRightBytes<12>(d, sweep.last, sweep.beforeLast);
+    const auto below7 = hn::CombineShiftRightBytes<4>(d, sweep.last, sweep.beforeLast);
+    const auto above7 = hn::Mul(hn::LoadU(d, p + 7), hn::Load(d, t.x7Upper));
+    auto cross = hn::Mul(hn::Load(d, t.x5), below5);
+    cross = hn::Add(cross, hn::Mul(hn::Load(d, t.x7), hn::Add(below7, above7)));
+    cross = hn::Add(cross, hn::Mul(hn::Load(d, t.x12), hn::LoadU(d, p - 12)));
+    cross = hn::Add(cross, hn::Mul(hn::Load(d, t.a), hn::LoadU(d, p + 12)));
+    cross = hn::Add(cross, hn::Mul(hn::Load(d, t.b), hn::Add(hn::LoadU(d, p - 19), hn::LoadU(d, p + 19))));
+    cross = hn::Add(cross, hn::Mul(hn::Load(d, t.c), hn::LoadU(d, p - 24)));
+    Finish(fit, sweep, row, cross);
+}
+
+// Seven groups of one sweep: from 0, from 7, or from 14, where all but the first lie near the top.
+constexpr std::int32_t resting = -1;
+
+template <std::int32_t start>
+HWY_INLINE void Group(const Fit& fit, Sweep& sweep, std::int32_t step) {
+    if constexpr (start == 2 * lag)
+        TailGroup(fit, sweep, start + step);
+    else if constexpr (start != resting)
+        FullGroup(fit, sweep, start + step);
+}
+
+template <std::int32_t start>
+HWY_INLINE void FirstGroup(const Fit& fit, Sweep& sweep) {
+    if constexpr (start == 0) sweep.last = sweep.beforeLast = hn::Zero(Four());
+    if constexpr (start != resting) FullGroup(fit, sweep, start);
+}
+
+template <std::int32_t startA, std::int32_t startB, std::int32_t startC>
+HWY_INLINE void Phase(const Fit& fit, Sweep& a, Sweep& b, Sweep& c) {
+    static_assert(fullGroups == 2 * lag + 1);
+    FirstGroup<startA>(fit, a);
+    FirstGroup<startB>(fit, b);
+    FirstGroup<startC>(fit, c);
+    for (std::int32_t step = 1; step < lag; ++step) {
+        Group<startA>(fit, a, step);
+        Group<startB>(fit, b, step);
+        Group<startC>(fit, c, step);
+    }
+}
+
+void FitPartials(float* x, const float* rhs, const float* cap, const FitCoefficients& k, std::int32_t bands) {
+    if (bands != fittedBands) return plain::FitPartials(x, rhs, cap, k, bands);
+    const Four d;
+    Tail tail[tailGroups];
+    FillTail(k, tail);
+    const Fit fit{x,
+                  rhs,
+                  cap,
+                  tail,
+                  hn::Set(d, k.full.x5),
+                  hn::Set(d, k.full.x7),
+                  hn::Set(d, k.full.x12),
+                  hn::Set(d, k.full.b),
+                  hn::Set(d, k.full.c)};
+    Sweep a{hn::Zero(d), hn::Zero(d)};  // sweeps 1, 4, 7 and 10
+    Sweep b = a;                        // 2, 5 and 8
+    Sweep c = a;                        // 3, 6 and 9
+    static_assert(fitSweeps == 10);
+    Phase<0, resting, resting>(fit, a, b, c);
+    Phase<lag, 0, resting>(fit, a, b, c);
+    for (int round = 0; round < 2; ++round) {
+        Phase<2 * lag, lag, 0>(fit, a, b, c);
+        Phase<0, 2 * lag, lag>(fit, a, b, c);
+        Phase<lag, 0, 2 * lag>(fit, a, b, c);
+    }
+    Phase<2 * lag, lag, 0>(fit, a, b, c);
+    Phase<0, 2 * lag, lag>(fit, a, b, c);
+    Phase<lag, resting, 2 * lag>(fit, a, b, c);
+    Phase<2 * lag, resting, resting>(fit, a, b, c);
+}
+
+DetectorKernels Kernels() {
+    return {hwy::TargetName(HWY_TARGET), StepBlocks, FindPeaks, LimitByPartials, FitPartials};
+}
+
+#endif
+
+}  // namespace HWY_NAMESPACE
+}  // namespace vectors
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace vectors {
+
+HWY_EXPORT(Kernels);
+
+}  // namespace vectors
+
+DetectorKernels BestKernels() {
+    return HWY_DYNAMIC_DISPATCH(vectors::Kernels)();
+}
+
+std::vector<DetectorKernels> AllKernels() {
+    std::vector<DetectorKernels> all = {PlainKernels()};
+    for (const std::int64_t target : hwy::SupportedAndGeneratedTargets()) {
+        hwy::SetSupportedTargetsForTest(target);
+        hwy::GetChosenTarget().Update(hwy::SupportedTargets());
+        const DetectorKernels set = BestKernels();
+        if (set.stepBlocks != PlainKernels().stepBlocks) all.push_back(set);
+    }
+    hwy::SetSupportedTargetsForTest(0);
+    hwy::GetChosenTarget().Update(hwy::SupportedTargets());
+    return all;
+}
+#endif
