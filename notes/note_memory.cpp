@@ -1,0 +1,69 @@
+#include "notes/note_memory.h"
+
+#include <algorithm>
+#include <new>
+
+namespace {
+
+thread_local MemoryBudget* currentBudget = nullptr;
+
+// What the C library takes for a block: 8 bytes of its own, in steps of 16, and never less than 32.
+std::size_t Booked(std::size_t bytes) {
+    return std::max<std::size_t>(32, (bytes + 8 + 15) / 16 * 16);
+}
+
+constexpr bool IsPlain(std::size_t alignment) {
+    return alignment <= __STDCPP_DEFAULT_NEW_ALIGNMENT__;
+}
+
+class FreeStore : public std::pmr::memory_resource {
+    void* do_allocate(std::size_t bytes, std::size_t alignment) override {
+        MemoryBudget::Charge(Booked(bytes));
+        try {  // an alignment that any block has is not asked for, which would cost a slower road
+            return IsPlain(alignment) ? ::operator new(bytes)
+                                      : ::operator new (bytes, std::align_val_t{alignment});
+        } catch (...) {
+            MemoryBudget::Release(Booked(bytes));
+            throw;
+        }
+    }
+    void do_deallocate(void* block, std::size_t bytes, std::size_t alignment) override {
+        if (IsPlain(alignment))
+            ::operator delete(block);
+        else
+            ::operator delete (block, std::align_val_t{alignment});
+        MemoryBudget::Release(Booked(bytes));
+    }
+    bool do_is_equal(const std::pmr::memory_resource& other) const noexcept override {
+        return this == &other;
+    }
+};
+
+}  // namespace
+
+std::pmr::memory_resource* NoteMemory() {
+    static FreeStore store;
+    return &store;
+}
+
+MemoryBudget::MemoryBudget(std::size_t bytes) : limit(bytes), outer(currentBudget) {
+    currentBudget = this;
+}
+
+MemoryBudget::~MemoryBudget() {
+    currentBudget = outer;
+}
+
+void MemoryBudget::Charge(std::size_t bytes) {
+    for (MemoryBudget* budget = currentBudget; budget != nullptr; budget = budget->outer)
+        if (bytes > budget->limit - budget->used) throw std::bad_alloc();
+    for (MemoryBudget* budget = currentBudget; budget != nullptr; budget = budget->outer) {
+        budget->used += bytes;
+        budget->highest = std::max(budget->highest, budget->used);
+    }
+}
+
+void MemoryBudget::Release(std::size_t bytes) noexcept {
+    for (MemoryBudget* budget = currentBudget; budget != nullptr; budget = budget->outer)
+        budget->used -= std::min(budget->used, bytes);
+}

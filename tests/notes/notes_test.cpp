@@ -1,0 +1,256 @@
+#include "notes/notes.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <memory>
+#include <random>
+#include <span>
+#include <vector>
+
+#include "tests/notes/score_check.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::UnorderedElementsAre;
+
+constexpr std::uint32_t lastTick = std::numeric_limits<std::uint32_t>::max();
+
+TNote* Add(TNotes& score, std::uint32_t begin, std::uint32_t end, std::uint8_t pitch = 45) {
+    return score.AddNote(begin, end, pitch, -624, 0, 1, 1);
+}
+
+TNoteList SoundingAt(const TNoteMap& map, std::uint32_t time) {
+    TNoteList result;
+    map.NotesAt(result, time);
+    return result;
+}
+
+// A memory that fails from its n-th request on, to see what is left behind.
+class FailingMemory : public std::pmr::memory_resource {
+public:
+    explicit FailingMemory(int requests) : left(requests) {}
+    int left;
+
+private:
+    void* do_allocate(std::size_t bytes, std::size_t) override {
+        if (left-- <= 0) throw std::bad_alloc();
+        return ::operator new(bytes);
+    }
+    void do_deallocate(void* block, std::size_t, std::size_t) override { ::operator delete(block); }
+    bool do_is_equal(const memory_resource& other) const noexcept override { return this == &other; }
+};
+
+// A memory whose every block lies below the one before.
+class DescendingMemory : public std::pmr::memory_resource {
+    void* do_allocate(std::size_t bytes, std::size_t) override {
+        top -= (bytes + 15) / 16 * 16;
+        return room.data() + top;
+    }
+    void do_deallocate(void*, std::size_t, std::size_t) override {}
+    bool do_is_equal(const memory_resource& other) const noexcept override { return this == &other; }
+
+    std::vector<std::max_align_t> words = std::vector<std::max_align_t>(1 << 16);
+    std::span<std::byte> room = std::as_writable_bytes(std::span(words));
+    std::size_t top = room.size();
+};
+
+// One random change of a score whose times all lie in the 64 ticks from `origin`, so that notes meet, pass
+// and equal each other all the time.
+void ChangeAtRandom(TNotes& score, std::uint32_t origin, std::minstd_rand& random) {
+    const auto below = [&random](std::uint32_t limit) {
+        return static_cast<std::uint32_t>(random()) % limit;
+    };
+    const auto small = [&below](std::uint32_t limit) { return static_cast<std::uint8_t>(below(limit)); };
+    const std::uint32_t time = origin + below(64);
+    if (score.notes.size() < 3 || (score.notes.size() < 25 && below(3) == 0)) {
+        score.AddNote(time, time + below(20), small(3), 0, 0, small(4), 1);
+        return;
+    }
+    TNote* const note = score.notes[below(static_cast<std::uint32_t>(score.notes.size()))];
+    switch (below(6)) {
+        case 0: note->SetBegin(time); break;
+        case 1: note->SetEnd(time); break;
+        case 2: note->MoveTo(time); break;
+        case 3: note->SetPitch(small(3)); break;
+        case 4: note->SetLayer(small(4)); break;
+        default: score.ExtractNote(note); delete note;
+    }
+}
+
+// The three questions a score answers, against a scan of all notes.
+void ExpectAnswersOfAScan(const TNotes& score, std::uint32_t from, std::uint32_t to) {
+    TNoteList at, range, foundRange, foundPitches;
+    std::int32_t lastBefore = -1;
+    const std::uint32_t low = std::min(from, to), high = std::max(from, to);
+    for (TNote* note : score.notes) {
+        if (note->Begin() <= low && low < note->End()) at.push_back(note);
+        if (note->Begin() <= high && (note->End() > low || note->Begin() > low)) range.push_back(note);
+        if (note->Begin() <= low) lastBefore = note->listIndex[0];
+    }
+    EXPECT_THAT(SoundingAt(score, low), testing::UnorderedElementsAreArray(at));
+    score.AppendNotesInRange(foundRange, from, to);
+    EXPECT_THAT(foundRange, testing::UnorderedElementsAreArray(range));
+    score.AppendNotesInPitchRange(foundPitches, 2, 0, from, to);  // every pitch there is
+    EXPECT_THAT(foundPitches, testing::UnorderedElementsAreArray(range));
+    EXPECT_EQ(score.LastNoteBefore(low), lastBefore);
+}
+
+}  // namespace
+
+TEST(Notes, ANoteSoundsFromItsBeginUpToButNotIncludingItsEnd) {
+    const auto score = std::make_unique<TNotes>();
+    TNote* const first = Add(*score, 10, 20);
+    TNote* const second = Add(*score, 20, 30);
+    EXPECT_THAT(SoundingAt(*score, 9), IsEmpty());
+    EXPECT_THAT(SoundingAt(*score, 10), ElementsAre(first));
+    EXPECT_THAT(SoundingAt(*score, 20), ElementsAre(second));
+    EXPECT_THAT(SoundingAt(*score, 30), IsEmpty());
+    EXPECT_EQ(score->LastTime(), 30U);
+}
+
+TEST(Notes, NotesAtReplacesAndAppendNotesAtAdds) {
+    const auto score = std::make_unique<TNotes>();
+    TNote* const note = Add(*score, 10, 20);
+    TNoteList result{nullptr};
+    score->AppendNotesAt(result, 15);
+    EXPECT_THAT(result, ElementsAre(nullptr, note));
+    score->NotesAt(result, 5);
+    EXPECT_THAT(result, IsEmpty());
+}
+
+TEST(Notes, TwinsAreBothKept) {
+    const auto score = std::make_unique<TNotes>();
+    TNote* const first = Add(*score, 10, 10);  // an end at the begin makes one tick
+    TNote* const second = Add(*score, 10, 11);
+    EXPECT_THAT(SoundingAt(score->pitchMaps[45], 10), UnorderedElementsAre(first, second));
+    EXPECT_EQ(first->End(), 11U);
+}
+
+// Near the last tick as well as near 0, where sums of times would wrap.
+TEST(Notes, RandomChangesAgreeWithAScanOfAllNotes) {
+    for (const std::uint32_t origin : {0U, lastTick - 63}) {
+        std::minstd_rand random(1);
+        const auto score = std::make_unique<TNotes>();
+        for (int step = 0; step < 4000; ++step) {
+            ChangeAtRandom(*score, origin, random);
+            ASSERT_EQ(WhatIsWrong(*score), "") << "step " << step << ", origin " << origin;
+            std::uint32_t users = 0;
+            for (const TLayerRecord& layer : score->layers) users += layer.useCount;
+            ASSERT_EQ(users, score->notes.size());
+            const auto from = origin + static_cast<std::uint32_t>(random() % 64);
+            ExpectAnswersOfAScan(*score, from, origin + static_cast<std::uint32_t>(random() % 64));
+            if (HasFailure()) return;
+        }
+    }
+}
+
+TEST(Notes, ARangeHoldsWhatSoundsAtItsStartAndThenWhatBegins) {
+    const auto score = std::make_unique<TNotes>();
+    TNote* const held = Add(*score, 0, 100);
+    TNote* const inside = Add(*score, 5, 6, 40);
+    TNote* const atEnd = Add(*score, 10, 20, 41);
+    Add(*score, 11, 20);
+    TNoteList result;
+    score->AppendNotesInRange(result, 10, 4);  // either way round
+    EXPECT_THAT(result, ElementsAre(held, inside, atEnd));
+    result.clear();
+    score->AppendNotesInPitchRange(result, 41, 40, 4, 10);
+    EXPECT_THAT(result, ElementsAre(inside, atEnd));
+}
+
+TEST(Notes, ClearKeepsWhatIsNoNote) {
+    const auto score = std::make_unique<TNotes>();
+    score->title = "kept";
+    score->meterNumerator = 3;
+    score->AddBar(0, 3);
+    Add(*score, 10, 20);
+    score->Clear();
+    EXPECT_THAT(score->notes, IsEmpty());
+    EXPECT_THAT(score->pitchMaps[45].points, IsEmpty());
+    EXPECT_EQ(score->title, "kept");
+    EXPECT_EQ(score->bars.size(), 1U);
+    EXPECT_EQ(score->layers.at(1).useCount, 1U);
+}
+
+TEST(Notes, ACopyIsEqualAndKeepsTheOrderOfNotesThatBeginTogether) {
+    const auto score = std::make_unique<TNotes>();
+    for (std::uint8_t pitch = 0; pitch < 200; ++pitch) Add(*score, 10, 20, pitch)->tag = pitch;
+    score->notes[3]->ClearFlag(nfIncluded);
+    score->tempo = 90.0;
+    score->layers[1].name = "melody";
+    score->AddBar(7, 4);
+    DescendingMemory memory;
+    const auto copy = std::make_unique<TNotes>(&memory);
+    copy->Assign(*score);
+    ASSERT_EQ(copy->notes.size(), 200U);
+    for (std::size_t index = 0; index < 200; ++index) {
+        EXPECT_TRUE(copy->notes[index]->Equals(*score->notes[index]));
+        EXPECT_EQ(copy->notes[index]->tag, score->notes[index]->tag);
+    }
+    EXPECT_EQ(copy->tempo, 90.0);
+    EXPECT_EQ(copy->layers.at(1).name, "melody");
+    EXPECT_EQ(copy->layers.at(1).useCount, 200U);
+    EXPECT_EQ(copy->bars, score->bars);
+}
+
+TEST(Notes, ATransferredNoteOutlivesItsFirstScore) {
+    auto from = std::make_unique<TNotes>();
+    const auto to = std::make_unique<TNotes>();
+    TNote* const note = Add(*from, 10, 20);
+    Add(*from, 10, 20);
+    TNotes::TransferNote(note, *to);
+    EXPECT_EQ(WhatIsWrong(*from), "");
+    EXPECT_EQ(from->layers.at(1).useCount, 1U);
+    from->Clear();
+    Add(*from, 1, 2, 50);  // must not take the room of the note that has gone
+    from.reset();
+    note->MoveTo(40);
+    EXPECT_THAT(SoundingAt(*to, 45), ElementsAre(note));
+    EXPECT_EQ(to->layers.at(1).useCount, 1U);
+}
+
+TEST(Notes, TheLayerTableShrinksToItsLastRecordInUseOrNamed) {
+    const auto score = std::make_unique<TNotes>();
+    score->TakeLayer(5);
+    EXPECT_EQ(score->layers.size(), 6U);
+    score->layers[3].name = "named";
+    score->ReleaseLayer(5);
+    EXPECT_EQ(score->layers.size(), 4U);
+    score->layers[3].name.clear();
+    score->TakeLayer(2);
+    score->ReleaseLayer(2);
+    EXPECT_EQ(score->layers.size(), 1U) << "record 0 survives";
+    score->ResizeLayers(0);
+    EXPECT_EQ(score->layers.size(), 1U);
+}
+
+TEST(Notes, AnEmptyScoreTakesNoMemory) {
+    const auto score = std::make_unique<TNotes>(std::pmr::null_memory_resource());
+    score->Clear();
+    EXPECT_THAT(SoundingAt(*score, 0), IsEmpty());
+    EXPECT_EQ(score->LastTime(), 0U);
+    EXPECT_THROW(Add(*score, 0, 1), std::bad_alloc);
+}
+
+TEST(Notes, AnAddThatRunsOutOfMemoryLeavesTheScoreAsItWas) {
+    for (int requests = 0;; ++requests) {
+        FailingMemory memory(1 << 30);
+        const auto score = std::make_unique<TNotes>(&memory);
+        for (std::uint32_t note = 0; note < 8; ++note) Add(*score, 10 * note, 10 * note + 35);
+        memory.left = requests;
+        try {
+            Add(*score, 5, 60);
+            ASSERT_GT(requests, 5) << "it must have taken some memory";
+            return;
+        } catch (const std::bad_alloc&) {
+            memory.left = 1 << 30;
+            ASSERT_EQ(WhatIsWrong(*score), "") << "after " << requests << " requests";
+            ASSERT_EQ(score->notes.size(), 8U);
+            ASSERT_EQ(score->layers.at(1).useCount, 8U);
+        }
+    }
+}
