@@ -1,0 +1,182 @@
+#pragma once
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <memory_resource>
+#include <string>
+#include <vector>
+
+#include "harmony/chord_name.h"
+#include "harmony/vocabulary.h"
+#include "notes/notes.h"
+
+// From notes that sound together to the name of a chord. Every note is scored as a root; above the best one
+// the intervals are marked; the number of pitch classes decides what kinds of chord are looked for; and what
+// was not recognised is tried again without its lowest note, then without its highest one.
+//
+// Threads: one at a time for each TChord. There is no state between or beside the objects: chords on several
+// threads do not know of each other.
+
+// What analyse has found.
+struct TChordInfo {
+    bool ok = false;  // there is a result
+    TChordType type = ctNone;
+    std::uint16_t bassDegree = 0;  // of the lowest note above the root, an index into BassDegreeNames
+    bool hasForeignBass = false;   // a chord whose root is not the lowest note
+    bool fromReducedSet[2] = {};   // both: the type was found without the lowest or the highest note
+    bool chordIsPartial = false;   // third and seventh without the fifth
+    bool noThird = false;
+    bool bothThirds = false;       // minor and major
+    bool majorBelowMinor = false;  // of both thirds, the major one is met first
+    bool isTriad = false;          // the form that was recognised
+    bool isSeventh = false;
+    bool isNinth = false;
+    bool majorThird = false;
+    bool majorSeventh = false;
+    bool diminishedSeventh = false;
+    bool plainFifth = false;
+    bool plainNinth = false;
+    bool knownChord = false;
+    bool twoClasses = false;
+    std::int32_t rootIndex = -1;  // of the root in `tones`; -1 when nothing was analysed
+};
+
+// What remains of a chord for naming it. Intervals in semitones above the root, 0 where there is none.
+struct TChordForm {
+    std::int32_t third = 0;
+    std::int32_t fifth = 0;
+    std::int32_t seventh = 0;
+    std::int32_t ninth = 0;
+    std::int32_t eleventh = 0;  // no type has one
+    bool unknown = false;       // the type has no intervals
+    std::int32_t root = 0;      // pitch class
+    // 0 with the root in the bass, else the distance from the root *down* to the lowest note, 0 to 11, which
+    // chordText adds *upward*: C E G played as E G C reads C/Ab. Users know it so.
+    std::int32_t bass = 0;
+    bool bassInChord = false;  // `bass` equals the place, from 0, of one of the intervals up to the first 0
+};
+
+struct TChordTone {
+    std::uint32_t pitch = 0;
+    std::uint32_t index = 0;           // in `pitches`
+    std::uint32_t sortedPosition = 0;  // in tones[i]: where the tone of pitches[i] has come to stand
+};
+
+// A score that lives in a memory resource, which must outlive it.
+struct TScoreDeleter {
+    std::pmr::memory_resource* memory;
+    void operator()(TNotes* score) const;
+};
+using TScorePtr = std::unique_ptr<TNotes, TScoreDeleter>;
+TScorePtr makeScore(std::pmr::memory_resource* memory);
+
+// The notes of a chord and what is found out about them. The object is small; its score takes some 21 KB of
+// `memory`, which must outlive it.
+class TChord {
+public:
+    static constexpr std::int32_t mostTones = 12;  // more give no result
+
+    // Takes a list's first `limit` notes, all with a limit of -1 or above its size. A pitch that equals its
+    // direct predecessor counts once.
+    TChord(const TNoteList& list, std::int32_t limit, std::pmr::memory_resource* memory = NoteMemory());
+    // Takes a whole score over instead of copying it; all its notes are taken.
+    explicit TChord(TScorePtr score);
+    TChord(const TChord&) = delete;
+    TChord& operator=(const TChord&) = delete;
+
+    // A second call returns the stored result. Not ok: no notes, more than mostTones, or all twelve classes.
+    TChordInfo analyse();
+
+    // Its first two steps.
+    void prepare();           // tones and the counts of pitches; nothing the second time
+    void computeIntervals();  // intervalRows, span and the counts of intervals
+
+    // Semitones from tones[low] up to tones[high], low < high; in pitchClassMode from class to class.
+    std::int16_t distance(std::int32_t low, std::int32_t high) const {
+        const std::int32_t row = low * (noteCount - 1) - low * (low - 1) / 2;  // row i has noteCount - 1 - i
+        return intervalRows[static_cast<std::size_t>(row + high - low - 1)];
+    }
+
+    TScorePtr notes;              // copies of the list's notes; none in the chord of a retry
+    bool valid = false;           // there is a note
+    bool hasIntervals = false;    // computeIntervals has run
+    bool pitchClassMode = false;  // all below 12: classes, neither sorted nor measured as pitches
+    bool sorted = false;          // prepare has run
+    bool prepared = false;
+    bool knownChord = false;  // as in `info`
+    bool analysed = false;    // `info` is a result
+    bool rootIsBass = false;  // the root is the lowest note
+    std::int32_t noteCount = 0;
+    std::int32_t distinctPitchCount = 0;
+    std::int32_t pitchClassCount = 0;
+    std::int32_t unisonCount = 0;  // tones equal to the one before
+    std::int32_t octaveCount = 0;  // pairs of tones one or more octaves apart
+    std::uint16_t pitchClassHistogram[classCount] = {};
+    std::uint16_t intervalClassCount = 0;  // over all pairs of tones
+    std::uint16_t intervalClassHistogram[classCount] = {};
+    std::uint16_t adjacentClassCount = 0;  // over neighbours
+    std::uint16_t adjacentClassHistogram[classCount] = {};
+    std::uint16_t wideStepCount = 0;  // neighbours more than an octave apart
+    std::int16_t span = 0;  // semitones from the lowest to the highest; of classes, the sum of the steps
+    std::array<bool, 15> semitonePresent{};  // by semitones above the root, 1 to 14; 13 and 14 are the ninths
+    std::array<bool, 9> degreePresent{};     // by degree, unison to ninth
+    std::pmr::vector<std::uint32_t> pitches;      // in the order of the list
+    std::pmr::vector<TChordTone> tones;           // ascending; in pitchClassMode as `pitches`
+    std::pmr::vector<std::int16_t> intervalRows;  // row after row; row i: from tone i to those above
+    std::pmr::string longText;
+    std::pmr::string shortText;
+    TChordInfo info;
+    std::array<std::int32_t, mostTones> scores{};  // of each tone as a root; a repeated class scores 0
+
+private:
+    // What a retry analyses: `count` tones of another chord from `first` on. It has no score and makes no
+    // retry of its own.
+    TChord(const TChord& whole, std::int32_t first, std::int32_t count);
+    TChord(TScorePtr score, bool forRetry);  // has no pitches yet
+
+    std::pmr::memory_resource* memory() const { return notes.get_deleter().memory; }
+    void takePitches(const TNoteList& list, std::size_t size);
+    void dropRepeats();
+    void sortTones();
+    void countPitches();
+    void countInterval(std::uint32_t value, bool adjacent);
+    template <typename Visit>
+    void walkIntervals(std::int32_t root, Visit visit) const;
+    void clearDegrees();
+    std::int32_t scoreAsRoot(std::int32_t candidate);
+    std::int32_t findRoot();
+    bool markIntervals(std::int32_t root);
+    void classify(TChordInfo& result) const;
+    void classifyTwo(TChordInfo& result) const;
+    void classifyThree(TChordInfo& result) const;
+    void classifyFour(TChordInfo& result) const;
+    void classifyFive(TChordInfo& result) const;
+    void findBassDegree(TChordInfo& result) const;
+    bool mayRetryWithoutLowest(const TChordInfo& result) const;
+    bool mayRetryWithoutHighest(const TChordInfo& result) const;
+    void retry(TChordInfo& result, std::int32_t first) const;
+    void writeTexts();
+
+    bool isRetry;  // fixed after construction
+};
+
+// Adds a tone at `value` semitones above a candidate root to those collected in `mask` (bit 0 the root, then
+// 3, 4, 7, 8, 9, 10, 11). A tone that is in no chord, or not beside those collected, empties the mask. True
+// if the mask now holds a triad, or root, third and seventh.
+bool addChordTone(std::int32_t value, std::uint16_t& mask);
+
+// The chord is done with afterwards. One that is not valid gives an unknown form of zeros.
+// Throws std::out_of_range("invalid vector<T> subscript") if the analysis gave no result.
+TChordForm chordFormOf(TChord&& chord);
+
+TChordName chordText(const TChordForm& form);
+
+// The chord of `count` notes that sound together: each begins at its `starts` and lasts its `durations`, in
+// ticks; its velocity serves as its level. The first argument is not read. Throws as chordFormOf; up to 11
+// different pitches always have a form.
+//
+// Threads: [any]. Memory: that of a TChordNamer, which waits here for the next call; threads that call at the
+// same time make one each. An audio thread has one of its own.
+TChordForm chordOfPitches(std::uint32_t ignored, std::int32_t count, const std::uint32_t* pitches,
+                          const std::uint32_t* velocities, const std::uint32_t* starts,
+                          const std::uint32_t* durations);

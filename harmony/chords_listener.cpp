@@ -1,0 +1,141 @@
+#include "harmony/chords_listener.h"
+
+#include <algorithm>
+#include <array>
+
+#include "base/truncate.h"
+#include "delivery/note_recorder.h"
+
+namespace {
+
+constexpr std::uint32_t ignoredByNaming = 150;
+
+// Velocity, start and duration of every note: no name depends on them.
+constexpr std::array<std::uint32_t, TChordsListener::mostNotes> alike = [] {
+    std::array<std::uint32_t, TChordsListener::mostNotes> values{};
+    values.fill(100);
+    return values;
+}();
+
+// The ring holds longestDelay and one entry more. At rates from updatesPerSecond on, the samples of an update
+// are cut to a whole number, at worst to half and a little more, which makes up to twice as many entries.
+constexpr std::size_t RingCapacity(std::int32_t updatesPerSecond) {
+    return 4 * static_cast<std::size_t>(updatesPerSecond);
+}
+
+}  // namespace
+
+TChordsListener::TChordsListener(IChordOwner* chordOwner, std::int32_t updates)
+    : owner(chordOwner),
+      updatesPerSecond(std::clamp(updates, 1, mostUpdates)),
+      delayRing(RingCapacity(updatesPerSecond)),
+      namer(std::make_unique<TChordNamer>()) {
+    activeBands.reserve(TNoteRecorder::maxBands);
+}
+
+void TChordsListener::Start() {
+    prepareRing();
+}
+
+void TChordsListener::Stop() {
+    ++stops;
+    owner->ChordChanged();
+}
+
+std::uint64_t TChordsListener::Rate() const {
+    return static_cast<std::uint64_t>(std::max<std::int64_t>(TruncateToInt64(owner->GetSampleRate()), 0));
+}
+
+// Names stay in their places; if the ring has become smaller, those past its end are gone.
+void TChordsListener::prepareRing() {
+    const std::uint64_t rate = Rate();
+    const std::uint64_t step =
+        std::max<std::uint64_t>(rate / static_cast<std::uint64_t>(updatesPerSecond), 1);
+    const std::uint64_t size = rate * longestDelay / step / 1000 + 1;
+    {
+        const NameRing::Change change(delayRing);
+        samplesPerUpdate = step;
+        delayRing.Resize(size);
+        writeIndex = writeIndex % size;
+    }
+    ringReady = true;
+    computeReadOffset();
+}
+
+void TChordsListener::setDelay(std::uint64_t ms) {
+    delayMs = ms;
+    if (ringReady) computeReadOffset();
+}
+
+// Two threads may be here at once, and the ring may change its size meanwhile: whoever stores last looks
+// again whether it computed from what holds now.
+void TChordsListener::computeReadOffset() {
+    std::uint64_t ms, step, size;
+    do {
+        ms = delayMs;
+        step = samplesPerUpdate;
+        size = delayRing.size();
+        readOffset = size - Rate() * ms / step / 1000 - 1;
+    } while (ms != delayMs || step != samplesPerUpdate || size != delayRing.size());
+}
+
+void TChordsListener::Update() {
+    if (!ringReady) prepareRing();
+    const TNoteRecorder* const from = recorder;
+    if (from == nullptr) return;
+    const std::uint64_t number = static_cast<std::uint64_t>(from->GetTime()) / samplesPerUpdate;
+    if (number == lastUpdate) return;
+    findActiveBands(*from);
+    lastUpdate = number;
+    push(nameActiveBands());
+    owner->ChordChanged();
+}
+
+void TChordsListener::findActiveBands(const TNoteRecorder& from) {
+    activeBands.clear();
+    for (std::int32_t band = 0; band < from.numBands; ++band)
+        if (from.BandSounds(band)) activeBands.push_back(static_cast<std::uint32_t>(band));
+}
+
+TChordName TChordsListener::nameActiveBands() {
+    if (activeBands.empty()) return {};
+    const auto count = static_cast<std::int32_t>(std::min(activeBands.size(), mostNotes));
+    return chordText(namer->chordOfPitches(ignoredByNaming, count, activeBands.data(), alike.data(),
+                                           alike.data(), alike.data()));
+}
+
+// The entry that was shown is wiped, so that a delay made longer later does not bring it back.
+void TChordsListener::push(const TChordName& name) {
+    blankIfStopped();
+    const std::size_t size = delayRing.size();
+    const NameRing::Change change(delayRing);
+    delayRing.Set(shownIndex(size), TChordName());
+    delayRing.Set(writeIndex, name);
+    writeIndex = (writeIndex + 1) % size;
+}
+
+void TChordsListener::blankIfStopped() {
+    const std::uint64_t wanted = stops;
+    if (wanted == stopsDone) return;
+    const NameRing::Change change(delayRing);
+    for (std::size_t index = 0; index < delayRing.size(); ++index) delayRing.Set(index, TChordName());
+    stopsDone = wanted;
+}
+
+std::size_t TChordsListener::shownIndex(std::size_t size) const {
+    return (readOffset + writeIndex) % size;
+}
+
+const TChordName& TChordsListener::currentChord() {
+    if (!ringReady) prepareRing();
+    blankIfStopped();
+    shown = delayRing.Get(shownIndex(delayRing.size()));
+    return shown;
+}
+
+TChordName TChordsListener::currentChordCopy() const {
+    return delayRing.Read([this] {
+        const std::size_t size = delayRing.size();
+        return size == 0 || stops != stopsDone ? TChordName() : delayRing.Get(shownIndex(size));
+    });
+}

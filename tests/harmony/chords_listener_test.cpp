@@ -1,0 +1,226 @@
+#include "harmony/chords_listener.h"
+
+#include <cmath>
+#include <limits>
+#include <random>
+
+#include "tests/harmony/allocation_count.h"
+#include "tests/harmony/listening.h"
+#include "tests/harmony/naming.h"
+
+namespace {
+
+using testing::ElementsAre;
+
+using ChordsListener = Listening;
+
+const std::vector<int> cMajor{36, 40, 43}, gMajor{43, 47, 50}, none{};
+
+TEST_F(ChordsListener, RingHoldsTwoSecondsAtEveryRate) {
+    struct Sizes {
+        float rate;
+        std::uint64_t samplesPerUpdate, size;
+    };
+    // samplesPerUpdate = rate / 10; size = (rate * 2000 / samplesPerUpdate) / 1000 + 1, each quotient cut
+    constexpr float infinite = std::numeric_limits<float>::infinity();
+    for (const Sizes& expected : {Sizes{44100, 4410, 21},
+                                  {48000, 4800, 21},
+                                  {11025, 1102, 21},
+                                  {192000, 19200, 21},
+                                  {99.9F, 9, 23},
+                                  {19, 1, 39},
+                                  {10, 1, 21},
+                                  {9, 1, 19},
+                                  {0.5F, 1, 1},
+                                  {0, 1, 1},
+                                  {-44100, 1, 1},
+                                  {std::nanf(""), 1, 1},
+                                  {infinite, 1, 1}}) {
+        owner.rate = expected.rate;
+        listener->Start();
+        EXPECT_EQ(listener->samplesPerUpdate, expected.samplesPerUpdate) << expected.rate;
+        ASSERT_EQ(listener->delayRing.size(), expected.size) << expected.rate;
+        listener->setDelay(0);
+        EXPECT_EQ(listener->readOffset, expected.size - 1);
+        Play(cMajor);
+        EXPECT_EQ(Shown(), "C") << expected.rate;  // at once
+    }
+}
+
+TEST_F(ChordsListener, DelayIsWholeUpdatesRoundedDown) {
+    listener->Start();
+    EXPECT_EQ(listener->readOffset, 10U);  // the initial 1000 ms
+    const auto offset = [this](std::uint64_t ms) {
+        listener->setDelay(ms);
+        return listener->readOffset.load();
+    };
+    EXPECT_EQ(offset(0), 20U);
+    EXPECT_EQ(offset(99), 20U);
+    EXPECT_EQ(offset(150), 19U);
+    EXPECT_EQ(offset(2000), 0U);
+    listener->setDelay(5000);  // past the ring: some entry of it, and nothing else
+    Play(cMajor);
+    EXPECT_THAT(Shown(), testing::AnyOf("", "C"));
+}
+
+TEST_F(ChordsListener, TextIsShownWhenItsDelayHasPassed) {
+    listener->setDelay(200);  // before the ring has its size
+    std::vector<std::string> shown;
+    for (const auto& bands : {cMajor, gMajor, cMajor, none, none, none}) {
+        Play(bands);
+        shown.push_back(Shown());
+    }
+    EXPECT_THAT(shown, ElementsAre("", "", "C", "G", "C", ""));
+}
+
+TEST_F(ChordsListener, OneUpdateForEachStepOfTheClock) {
+    for (int frame = 0; frame < 100; ++frame) recorder.OnFrame();  // 441 to 44100 samples, 4410 a step
+    EXPECT_EQ(owner.changes, 11);                                  // numbers 0 to 10
+    EXPECT_EQ(listener->lastUpdate, 10U);
+    listener->Update();
+    EXPECT_EQ(owner.changes, 11);
+    recorder.SetTime(0);  // whatever the direction
+    listener->Update();
+    EXPECT_EQ(owner.changes, 12);
+}
+
+TEST_F(ChordsListener, BandsAreNamedAsTheySoundAndNotAsTheyAreSent) {
+    listener->setDelay(0);
+    recorder.SetTranspose(1);
+    Play(cMajor);
+    EXPECT_EQ(Shown(), "C");
+    recorder.enabled[40] = false;
+    Play(cMajor);
+    EXPECT_EQ(Shown(), NameOf({36, 43}));
+    EXPECT_THAT(listener->activeBands, ElementsAre(36, 43));
+    Play({2, 6, 9});  // all below 12
+    EXPECT_EQ(Shown(), "D");
+    Play(none);
+    EXPECT_EQ(Shown(), "");
+}
+
+TEST_F(ChordsListener, OnlyTheElevenLowestBandsAreNamed) {
+    listener->setDelay(0);
+    std::vector<int> bands;
+    for (int band = 20; band < 84; band += 5) bands.push_back(band);
+    ASSERT_GT(bands.size(), 12U);
+    Play(bands);
+    EXPECT_EQ(listener->activeBands.size(), bands.size());
+    EXPECT_EQ(Shown(), NameOf({20, 25, 30, 35, 40, 45, 50, 55, 60, 65, 70}));
+    for (int band = 0; band < 84; ++band) bands.push_back(band);
+    Play(bands);
+    EXPECT_EQ(Shown(), NameOf({0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10}));
+}
+
+TEST_F(ChordsListener, StopBlanksEveryEntryAndTells) {
+    for (int update = 0; update < 30; ++update) Play(cMajor);
+    const int told = owner.changes;
+    const std::uint64_t written = listener->writeIndex, number = listener->lastUpdate;
+    EXPECT_EQ(Copied(), "C");
+    listener->Stop();
+    EXPECT_EQ(owner.changes, told + 1);
+    EXPECT_EQ(Copied(), "");
+    for (std::uint64_t ms = 0; ms <= 2000; ms += 100) {
+        listener->setDelay(ms);
+        EXPECT_EQ(Shown(), "");
+    }
+    EXPECT_EQ(listener->writeIndex, written);
+    EXPECT_EQ(listener->lastUpdate, number);
+    listener->setDelay(0);
+    Play(gMajor);
+    EXPECT_EQ(Shown(), "G");
+}
+
+TEST_F(ChordsListener, CopiesNeverSizeTheRing) {
+    EXPECT_EQ(Copied(), "");
+    EXPECT_FALSE(listener->ringReady);
+    listener->setDelay(500);
+    listener->Stop();
+    EXPECT_FALSE(listener->ringReady);
+    EXPECT_EQ(listener->delayRing.size(), 0U);
+    EXPECT_EQ(Shown(), "");  // the audio thread's does
+    EXPECT_TRUE(listener->ringReady);
+    EXPECT_EQ(listener->delayRing.size(), 21U);
+}
+
+TEST_F(ChordsListener, DetachedItKeepsQuiet) {
+    TChordsListener alone(&owner, 10);
+    alone.Update();
+    EXPECT_EQ(owner.changes, 0);
+    EXPECT_TRUE(alone.ringReady);
+}
+
+// The ring as a plain list: what is shown is wiped, the newest is written, all by index modulo the size.
+struct PlainRing {
+    std::vector<std::string> entries;
+    std::uint64_t write = 0, offset = 0, rate = 0, step = 1, ms = 1000;
+
+    void Start(std::uint64_t newRate) {
+        rate = newRate;
+        step = rate / 10;
+        entries.resize(rate * 2000 / step / 1000 + 1);
+        write %= entries.size();
+        Delay(ms);
+    }
+    void Delay(std::uint64_t newMs) {
+        ms = newMs;
+        offset = entries.size() - rate * ms / step / 1000 - 1;
+    }
+    std::string& Shown() { return entries[(offset + write) % entries.size()]; }
+    void Push(const std::string& name) {
+        Shown().clear();
+        entries[write] = name;
+        write = (write + 1) % entries.size();
+    }
+};
+
+TEST_F(ChordsListener, RingFollowsDelaysStopsAndRates) {
+    const std::vector<std::uint64_t> rates{44100, 48000, 11, 19, 29, 99, 8000};
+    std::minstd_rand random(1);
+    PlainRing plain;
+    plain.Start(44100);
+    for (int step = 0; step < 5000; ++step) {
+        const auto choice = random() % 100;
+        if (choice < 3) {
+            const std::uint64_t rate = rates[random() % rates.size()];
+            owner.rate = static_cast<float>(rate);
+            listener->Start();
+            plain.Start(rate);
+        } else if (choice < 5) {
+            listener->Stop();
+            for (std::string& entry : plain.entries) entry.clear();
+        } else if (choice < 20) {
+            const std::uint64_t ms = random() % 2001;
+            listener->setDelay(ms);
+            plain.Delay(ms);
+        } else {
+            const int root = static_cast<int>(24 + random() % 12);
+            Play({root, root + 4, root + 7});
+            plain.Push(PitchNamesMixed[root % 12]);
+        }
+        ASSERT_EQ(Copied(), plain.Shown()) << "step " << step;
+        if (random() % 2 == 0) {  // which is not needed for copies to be right
+            ASSERT_EQ(Shown(), plain.Shown()) << "step " << step;
+        }
+        ASSERT_EQ(listener->writeIndex, plain.write);
+    }
+}
+
+TEST_F(ChordsListener, NothingIsAllocatedAfterConstruction) {
+    std::vector<int> all(84);
+    for (int band = 0; band < 84; ++band) all[static_cast<std::size_t>(band)] = band;
+    const std::vector<int> hard{19, 24, 27, 28, 30, 32, 55, 58, 61, 62, 69};  // both retries, in vain
+    const std::vector<std::vector<int>> played{cMajor, all, hard, none};
+    const std::size_t before = AllocationsOfThisThread();
+    for (int update = 0; update < 100; ++update) {
+        Play(played[static_cast<std::size_t>(update) % played.size()]);
+        if (update % 10 == 5) listener->setDelay(static_cast<std::uint64_t>(update) * 20);
+        if (update % 30 == 7) listener->Stop();
+        if (update % 40 == 9) listener->Start();
+        listener->currentChord();
+        listener->currentChordCopy();
+    }
+    EXPECT_EQ(AllocationsOfThisThread(), before);
+}
+
+}  // namespace
