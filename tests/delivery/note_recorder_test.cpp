@@ -57,15 +57,14 @@ TEST_F(Recorder, ADetectorWithoutArraysOrBandsGivesNoEventsAndNoneGivesMoreThan1
     }
 }
 
-// 72.5 ms x 48 samples a ms = 3480. The stated order, ms x 0.001 and then x rate in single precision, gives
-// that; the same in double precision falls just short of it.
-TEST_F(Recorder, BandDelaysAreSinglePrecisionSamples) {
-    static_assert(static_cast<int>(72.5 * 0.001 * 48000.0) == 3479);
-    FakeDetector other;
-    other.sampleRate = 48000;
-    other.delay = 72.5F;
-    recorder.Attach(&other);
-    EXPECT_EQ(recorder.BandDelaySamples(0), 3480);
+// 82.517 ms x 44.1 samples a ms = 3638.9997. In single precision, first x 0.001 and then x rate, that rounds
+// up to 3639; in double precision, or with the rate first, it does not.
+TEST_F(Recorder, BandDelaysAreSinglePrecisionSamplesInTheStatedOrder) {
+    constexpr float delay = 82.517F;
+    static_assert(static_cast<int>(delay * 0.001 * 44100) == 3638);
+    static_assert(static_cast<int>(delay * 44100.0F * 0.001F) == 3638);
+    detector.delay = delay;
+    EXPECT_EQ(recorder.BandDelaySamples(0), 3639);
     EXPECT_EQ(TNoteRecorder().BandDelaySamples(0), 0);  // no detector
 }
 

@@ -1,0 +1,217 @@
+#include "delivery/rt_recording.h"
+
+#include <algorithm>
+#include <cmath>
+#include <mutex>
+
+#include "base/truncate.h"
+#include "delivery/note_recorder.h"
+
+namespace {
+
+bool IsNoteOn(std::uint32_t message) {
+    return (message & 0xF0U) == 0x90U;
+}
+
+float FourthRoot(float power) {
+    return std::sqrt(std::sqrt(power));
+}
+
+// A band's two messages as they stood at one moment: a transposition may take the note away at any time.
+struct BandNote {
+    BandNote(const TNoteRecorder& from, std::int32_t band)
+        : on(from.messages[band].onMessage), off(from.messages[band].offMessage) {}
+    bool Exists() const { return on != 0 && off != 0; }  // a band without a MIDI note keeps no track
+
+    const std::uint32_t on;
+    const std::uint32_t off;
+};
+
+}  // namespace
+
+TRTRecording::TRTRecording() {
+    pending.reserve(firstRoom);
+    take.reserve(firstRoom);
+}
+
+std::int64_t TRTRecording::GetElapsed() const {
+    const TNoteRecorder* const from = recorder;
+    return from != nullptr ? from->GetTime() - origin : 0;
+}
+
+// Where the note began or ended in the sound, and not where that was recognised.
+std::int64_t TRTRecording::EventTime(std::int32_t band) const {
+    const TNoteRecorder* const from = recorder;
+    return std::max<std::int64_t>(from->GetTime() - origin - from->BandDelaySamples(band), 0);
+}
+
+void TRTRecording::NoteOn(std::int32_t band) {
+    const TNoteRecorder* const from = recorder;
+    if (from == nullptr) return;
+    const BandNote note(*from, band);
+    if (!note.Exists()) return;
+    const std::int64_t time = EventTime(band);
+    const float level = from->GetBandLevel(band);
+
+    const std::lock_guard<PriorityLock> held(leaf);
+    TBandTrack& track = bandTracks[band];
+    if (track.state == TBandTrack::idle) {
+        track.startTime = time;
+    } else if (track.state == TBandTrack::released && time - track.endTime > from->minNoteGap) {
+        if (track.endTime - track.startTime > from->minNoteLength)
+            PushNote(note.on, note.off, track.startTime, track.endTime, peakLevel[band]);
+        track.startTime = time;
+    }
+    peakLevel[band] = level;  // a note that resumes forgets its earlier peak, too
+    track.state = TBandTrack::on;
+}
+
+void TRTRecording::NoteOff(std::int32_t band) {
+    const TNoteRecorder* const from = recorder;
+    if (from == nullptr || !BandNote(*from, band).Exists()) return;
+    const std::int64_t time = EventTime(band);
+
+    const std::lock_guard<PriorityLock> held(leaf);
+    TBandTrack& track = bandTracks[band];
+    if (track.state != TBandTrack::on) return;
+    track.state = TBandTrack::released;
+    track.endTime = time;
+}
+
+void TRTRecording::Update() {
+    const TNoteRecorder* const from = recorder;
+    if (!running || from == nullptr) return;
+    TmtNoteOut::Update();
+    const std::lock_guard<PriorityLock> held(leaf);
+    for (std::int32_t band = 0; band < from->numBands; ++band)
+        if (from->BandSounds(band)) peakLevel[band] = std::max(peakLevel[band], from->GetBandLevel(band));
+}
+
+void TRTRecording::PushNote(std::uint32_t onMessage, std::uint32_t offMessage, std::int64_t start,
+                            std::int64_t end, float level) {
+    Push(pending, {start, onMessage, level});
+    Push(pending, {end, offMessage, level});
+}
+
+// A note that still sounds ends at the clock as it stands; unlike all other times, that takes no delay off.
+// One that is too short leaves no trace.
+void TRTRecording::FlushBand(const TNoteRecorder& from, std::int32_t band, std::int64_t now) {
+    TBandTrack& track = bandTracks[band];
+    const BandNote note(from, band);
+    const std::int64_t end = track.state == TBandTrack::on ? now : track.endTime;
+    if (note.Exists() && track.state != TBandTrack::idle && end - track.startTime > from.minNoteLength)
+        PushNote(note.on, note.off, track.startTime, end, peakLevel[band]);
+    track.state = TBandTrack::idle;
+}
+
+void TRTRecording::Silence() {
+    const TNoteRecorder* const from = recorder;
+    if (from == nullptr) return;
+    const std::int64_t now = GetElapsed();
+    const std::lock_guard<PriorityLock> held(leaf);
+    for (std::int32_t band = 0; band < from->numBands; ++band) FlushBand(*from, band, now);
+    if (from->dynamicVelocity) ScaleVelocities(from->velocity & 127);
+    for (const TRecordEvent& event : pending) Push(take, event);
+    if (!pending.empty()) ++clears;
+    pending.clear();
+}
+
+// The loudest note of a flush takes the velocity setting, others less by the fourth root of their power.
+void TRTRecording::ScaleVelocities(std::int32_t setting) {
+    float loudest = 1e-30F;  // so that silence divides by something
+    for (const TRecordEvent& event : pending)
+        if (IsNoteOn(event.message)) loudest = std::max(loudest, event.level);
+    const float scale = static_cast<float>(setting) / FourthRoot(loudest);
+    for (TRecordEvent& event : pending) {
+        if (!IsNoteOn(event.message)) continue;
+        // The product alone would come out one too low for the loudest, at every twelfth level or so.
+        const std::int32_t velocity =
+            event.level >= loudest ? setting
+                                   : std::clamp(TruncateToInt32(scale * FourthRoot(event.level)), 0, 127);
+        event.message = (event.message & 0xFFFFU) | static_cast<std::uint32_t>(velocity) << 16;
+    }
+}
+
+void TRTRecording::Send(std::uint32_t message) {
+    if (running) AppendToTake(message);
+}
+
+void TRTRecording::AppendToTake(std::uint32_t message) {
+    const std::int64_t now = GetElapsed();
+    const std::lock_guard<PriorityLock> held(leaf);
+    Push(take, {now, message, 0.0F});
+}
+
+void TRTRecording::StartNow() {
+    const TNoteRecorder* const from = recorder;
+    if (from != nullptr && from->active && !running) {
+        if (origin == 0) origin = from->GetTime();
+        {
+            const std::lock_guard<PriorityLock> held(leaf);
+            std::fill_n(bandTracks, from->numBands.load(), TBandTrack());
+        }
+        AppendToTake(from->ProgramMessage());  // each run of a take begins by stating its program
+    }
+    TmtNoteOut::StartNow();
+}
+
+// Here Silence does not ask whether the output runs, so that nothing new comes in behind the flush.
+void TRTRecording::StopNow() {
+    if (!running) return;
+    running = false;
+    Silence();
+}
+
+void TRTRecording::Clear() {
+    origin = 0;
+    const std::lock_guard<PriorityLock> held(leaf);
+    take.clear();
+    ++clears;
+}
+
+void TRTRecording::Push(std::vector<TRecordEvent>& list, const TRecordEvent& event) {
+    if (list.size() == list.capacity())
+        list.reserve(list.capacity() + std::max<std::size_t>(list.capacity() / 2, 1));
+    list.push_back(event);
+}
+
+void TRTRecording::Prepare() {
+    const std::lock_guard<PriorityLock> held(leaf);
+    pending.reserve(pending.size() + preparedRoom);
+    take.reserve(take.size() + pending.size() + 2 * preparedRoom);
+}
+
+void TRTRecording::TopUp() {
+    TopUpList(pending, 0);
+    std::size_t waiting = 0;
+    {
+        const std::lock_guard<PriorityLock> held(leaf);
+        waiting = pending.size();
+    }
+    TopUpList(take,
+              waiting + preparedRoom);  // what waits, and what `pending` may still take in, ends up here
+}
+
+// Copies into a larger list a piece at a time, and lets the audio thread in between. Lists only grow at their
+// end, so what was copied stays right until one is emptied, which `clears` tells.
+void TRTRecording::TopUpList(std::vector<TRecordEvent>& list, std::size_t needed) {
+    constexpr std::size_t piece = 512;  // events under one lock; 8 KiB
+    std::vector<TRecordEvent> larger;
+    std::size_t clearsSeen = 0;
+    {
+        const std::lock_guard<PriorityLock> held(leaf);
+        if (!running || list.capacity() - list.size() >= needed + preparedRoom / 2) return;
+        clearsSeen = clears;
+        needed += list.size() + preparedRoom;
+    }
+    larger.reserve(needed);
+    for (bool complete = false; !complete;) {
+        const std::lock_guard<PriorityLock> held(leaf);
+        if (!running || clears != clearsSeen || list.size() > larger.capacity()) return;
+        const auto next = list.begin() + static_cast<std::ptrdiff_t>(larger.size());
+        const std::size_t left = list.size() - larger.size();
+        larger.insert(larger.end(), next, next + static_cast<std::ptrdiff_t>(std::min(left, piece)));
+        complete = left <= piece;
+        if (complete) list.swap(larger);
+    }
+}

@@ -1,0 +1,438 @@
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <random>
+#include <sstream>
+#include <thread>
+
+#include "delivery/rt_recording.h"
+#include "tests/delivery/fakes.h"
+#include "tests/harmony/allocation_count.h"
+
+namespace {
+
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::Field;
+using testing::IsEmpty;
+using Events = std::vector<TRecordEvent>;
+
+static_assert(sizeof(TRecordEvent) == 16);  // bytes; two of them are what a note costs
+
+struct Sounding {
+    std::int64_t start = 0, end = 0;  // samples since the origin
+    int note = 0, velocity = 0;
+    float level = 0;
+};
+
+// The notes of a take, each of which must be a note on followed by its own note off.
+std::vector<Sounding> Soundings(Events events) {
+    std::erase_if(events, [](const TRecordEvent& event) { return (event.message & 0xF0) == 0xC0; });
+    EXPECT_EQ(events.size() % 2, 0U);
+    std::vector<Sounding> result;
+    for (std::size_t i = 0; i + 1 < events.size(); i += 2) {
+        const TRecordEvent &on = events[i], &off = events[i + 1];
+        EXPECT_EQ(on.message & 0xF0, 0x90U);
+        EXPECT_EQ(off.message, (on.message & 0xFFFF) - 0x10);  // same note and channel, velocity 0
+        EXPECT_EQ(off.level, on.level);
+        result.push_back({on.time, off.time, static_cast<int>(on.message >> 8 & 0xFF),
+                          static_cast<int>(on.message >> 16), on.level});
+    }
+    return result;
+}
+auto Spans(std::int64_t start, std::int64_t end) {
+    return AllOf(Field("start", &Sounding::start, start), Field("end", &Sounding::end, end));
+}
+auto Sounds(int velocity, float level) {
+    return AllOf(Field("velocity", &Sounding::velocity, velocity), Field("level", &Sounding::level, level));
+}
+auto Message(std::int64_t time, std::uint32_t message) {
+    return AllOf(Field("time", &TRecordEvent::time, time), Field("message", &TRecordEvent::message, message),
+                 Field("level", &TRecordEvent::level, 0.0F));
+}
+bool Same(const Events& a, const Events& b) {
+    return a.size() == b.size() && std::memcmp(a.data(), b.data(), a.size() * sizeof(TRecordEvent)) == 0;
+}
+
+// Tells what the audio thread's calls ask of the allocator, and how often a flush came while it was running.
+class Watched : public TRTRecording {
+public:
+    void Update() override {
+        Count([&] { TRTRecording::Update(); });
+    }
+    void StopNow() override {
+        Count([&] { TRTRecording::StopNow(); });
+    }
+    void Silence() override {
+        ++(running ? flushesRunning : flushesStopped);
+        TRTRecording::Silence();
+    }
+    std::size_t allocations = 0;
+    int flushesRunning = 0, flushesStopped = 0;
+
+private:
+    template <typename Call>
+    void Count(Call call) {
+        const std::size_t before = AllocationsOfThisThread();
+        call();
+        allocations += AllocationsOfThisThread() - before;
+    }
+};
+
+// 100 notes a second: each frame one band comes on and another goes off.
+void PlayScale(FakeDetector& detector, TNoteRecorder& recorder, int frame) {
+    detector.Set((frame + 83) % 84, false);
+    detector.Set(frame % 84, true);
+    detector.level[frame % 84] = static_cast<float>(frame % 1000);
+    recorder.OnFrame();
+}
+
+class Recording : public RecorderTest {
+protected:
+    static constexpr std::int64_t origin = 1000;  // of most takes, on the recorder's clock
+
+    Recording() {
+        detector.delay = 0;
+        recorder.AddOutput(recording);
+    }
+    void StartAt(std::int64_t time) {
+        recorder.SetTime(time);
+        recording->Start();
+    }
+    // At samples of the take: "+100" on of band 45, "-200/50" off of band 50, ".300" a flush.
+    void Play(const char* story) {
+        std::istringstream steps(story);
+        char what = 0;
+        for (std::int64_t sample = 0; steps >> what >> sample;) {
+            int band = 45;
+            if (steps.peek() == '/') steps.ignore() >> band;
+            recorder.SetTime(origin + sample);
+            if (what == '+') recording->NoteOn(band);
+            if (what == '-') recording->NoteOff(band);
+            if (what == '.') recording->Silence();
+        }
+    }
+    void FrameAt(float level, std::initializer_list<int> bandsOn) {  // this level in all bands
+        std::fill(std::begin(detector.level), std::end(detector.level), level);
+        Frame(bandsOn);
+    }
+    std::vector<Sounding> Take() { return Soundings(recording->GetTake()); }
+
+    Watched* const recording = new Watched;  // the recorder's, once attached
+};
+
+TEST_F(Recording, ABandsEventsBecomeItsNotes) {
+    const struct {
+        const char* name;
+        std::int64_t gap, shortest;  // samples: joined up to the one, dropped up to the other
+        const char* story;
+        std::vector<std::pair<std::int64_t, std::int64_t>> notes;
+    } rows[] = {
+        {"on and off", 0, 0, "+100 -200 .900", {{100, 200}}},
+        {"sounds on: ends at the flush", 0, 0, "+100 .900", {{100, 900}}},
+        {"a second on keeps the start", 0, 0, "+100 +150 -200 .900", {{100, 200}}},
+        {"a second off keeps the end", 0, 0, "+100 -200 -300 .900", {{100, 200}}},
+        {"off while idle", 0, 0, "-100 .900", {}},
+        {"off after a flush", 0, 0, "+100 .200 -300 .900", {{100, 200}}},
+        {"a flush tells once", 0, 0, "+100 -200 .300 .400", {{100, 200}}},
+        {"resumes at the release's own sample", 0, 0, "+100 -200 +200 -300 .900", {{100, 300}}},
+        {"not one sample later", 0, 0, "+100 -200 +201 -300 .900", {{100, 200}, {201, 300}}},
+        {"resumes before its release", 0, 0, "+100 -200 +150 -300 .900", {{100, 300}}},
+        {"resumes after just the gap", 50, 0, "+100 -200 +250 -300 .900", {{100, 300}}},
+        {"not one sample later", 50, 0, "+100 -200 +251 -300 .900", {{100, 200}, {251, 300}}},
+        {"each gap counts alone", 50, 0, "+100 -200 +250 -300 +350 .400", {{100, 400}}},
+        {"from the last release", 50, 0, "+100 -200 +240 -250 +301 .400", {{100, 250}, {301, 400}}},
+        {"a flush ends what might resume", 50, 0, "+100 -200 .210 +220 .300", {{100, 200}, {220, 300}}},
+        {"no length, no note", 0, 0, "+100 -100 +150 -150 .180 +200 .200", {}},
+        {"shortest is too short", 0, 30, "+100 -130 +200 -230 .300 +400 .430", {}},
+        {"but no more", 0, 30, "+1 -32 +200 -231 .300 +400 .431", {{1, 32}, {200, 231}, {400, 431}}},
+        {"what is dropped leaves no start", 0, 30, "+100 -110 +200 -300 .900", {{200, 300}}},
+        {"a joined note counts whole", 50, 150, "+100 -200 +230 -260 .900", {{100, 260}}},
+        {"past 32 bits", 0, 0, "+5000000000 -5000000001 .6000000000", {{5000000000, 5000000001}}},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        recording->Clear();
+        StartAt(origin);
+        recorder.minNoteGap = row.gap;
+        recorder.minNoteLength = row.shortest;
+        Play(row.story);
+        std::vector<std::pair<std::int64_t, std::int64_t>> notes;
+        for (const Sounding& note : Take()) notes.emplace_back(note.start, note.end);
+        EXPECT_EQ(notes, row.notes);
+        recording->Stop();
+    }
+}
+
+TEST_F(Recording, NotesAreFiledBackByTheirBandsDelayButEndAtTheFlushItself) {
+    struct : FakeDetector {
+        float GetBandDelay(std::int32_t band) override { return band == 45 ? 500.0F : 250.0F; }  // ms
+    } slow;
+    recorder.Attach(&slow);  // 22050 and 11025 samples
+    StartAt(origin);
+    Play("+15/50 -20/50 +10000 -30000 +41125/50 +52050 .52050");  // band 50's first has no length left at 0
+    EXPECT_THAT(Take(), ElementsAre(Spans(0, 7950), Spans(30000, 52050), Spans(30100, 52050)));
+    EXPECT_EQ(recording->GetElapsed(), 52050);
+}
+
+TEST_F(Recording, ANoteKeepsItsHighestLevelAndForgetsItWhenItResumes) {
+    recorder.minNoteGap = 441;
+    FrameAt(50, {45});  // not running: nobody looks
+    EXPECT_EQ(recording->peakLevel[45], 0.0F);
+    FrameAt(0, {});
+    recording->Start();
+    for (const float level : {4.0F, 16.0F, 9.0F}) FrameAt(level, {45, 50});
+    recorder.enabled[50] = false;
+    FrameAt(25, {50});  // heard neither in a band that is off nor in one that is masked
+    FrameAt(9, {45});   // resumes
+    FrameAt(2, {45});
+    recording->Stop();
+    EXPECT_THAT(Take(), ElementsAre(Sounds(86, 9), Sounds(100, 16)));  // 100 (9 / 16)^(1/4) = 86.6
+}
+
+// v = setting (level / highest)^(1/4), cut down; single precision may miss a whole number by a hair.
+TEST_F(Recording, TheLoudestOfAFlushTakesTheSettingAndOthersTheFourthRootOfTheirRatio) {
+    std::minstd_rand random(1);
+    std::uniform_real_distribution<double> decades(-20, 12), below(-8, 0);
+    for (int round = 0; round < 3000; ++round) {
+        const int setting = round % 128;
+        recorder.SetVelocity(setting + 128 * (round % 3));  // of which the low 7 bits count
+        const double top = std::pow(10, decades(random)), ratio = std::pow(10, below(random));
+        recording->Clear(), recording->Start();
+        FrameAt(static_cast<float>(top), {45, 47});
+        FrameAt(static_cast<float>(top * ratio), {46});
+        Frame({});
+        recording->Stop();
+        const auto notes = Take();
+        ASSERT_EQ(notes.size(), 3U);
+        EXPECT_EQ(notes[0].velocity, setting) << "level " << top;
+        EXPECT_EQ(notes[2].velocity, setting) << "level " << top;
+        const double exact = setting * std::pow(ratio, 0.25);
+        EXPECT_GE(notes[1].velocity, std::floor(exact - 1e-4));
+        EXPECT_LE(notes[1].velocity, exact + 1e-4);
+    }
+}
+
+TEST_F(Recording, EachFlushHasAScaleOfItsOwn) {
+    const auto play = [&](std::initializer_list<float> levels) {
+        recording->Start();
+        for (const float level : levels) FrameAt(level, {45}), FrameAt(level, {});
+        recording->Stop();
+        return Soundings(std::exchange(recording->take, {}));
+    };
+    EXPECT_THAT(play({16, 1, 0}), ElementsAre(Sounds(100, 16), Sounds(50, 1), Sounds(0, 0)));
+    EXPECT_THAT(play({1}), ElementsAre(Sounds(100, 1)));
+    EXPECT_THAT(play({0, 0}), ElementsAre(Sounds(0, 0), Sounds(0, 0)));
+    recorder.dynamicVelocity = false;
+    EXPECT_THAT(play({16, 1}), ElementsAre(Sounds(100, 16), Sounds(100, 1)));
+}
+
+TEST_F(Recording, EachRunStatesItsProgramAndTakesMessagesWhileItLasts) {
+    detector.delay = 500;  // of no concern to messages
+    recorder.SetMapping(0, 2, 100);
+    recorder.SetProgram(5);  // program changes are not being sent
+    recording->Send(0x01);
+    StartAt(origin);
+    recording->Start();  // runs already
+    recorder.SetTime(origin + 300);
+    recorder.Broadcast(0x07B2);
+    recording->Stop();
+    recording->Send(0x02);
+    StartAt(origin + 900);
+    recording->Stop();
+    recording->AppendToTake(0x03);  // runs or not
+    EXPECT_THAT(recording->GetTake(), ElementsAre(Message(0, 0x05C2), Message(300, 0x07B2),
+                                                  Message(900, 0x05C2), Message(900, 0x03)));
+}
+
+TEST_F(Recording, TheOriginOutlastsAStopButNotAClear) {
+    StartAt(origin);
+    Play("+0 -10 +20");  // one note is finished, but has not reached the take
+    recording->Clear();
+    EXPECT_EQ(recording->origin, 0);
+    EXPECT_THAT(recording->GetTake(), IsEmpty());
+    EXPECT_EQ(recording->pending.size(), 2U);
+    recording->Stop(), recording->Clear();
+    for (const std::int64_t start : {0, 5000, 8000}) {  // 0 counts as not begun, although the take has begun
+        StartAt(start);
+        recording->Stop();
+    }
+    EXPECT_THAT(recording->GetTake(), ElementsAre(Message(0, 0xC0), Message(0, 0xC0), Message(3000, 0xC0)));
+    EXPECT_EQ(recording->GetElapsed(), 3000);
+}
+
+TEST_F(Recording, StartsFreshWithTheBandsThatAreOnAndStopsFirstThenFlushesOnce) {
+    recording->bandTracks[50].state = TBandTrack::on;
+    FrameAt(7, {45});
+    StartAt(origin);
+    recorder.SetTime(origin + 100);
+    recording->Stop(), recording->Stop();
+    EXPECT_EQ(recording->flushesStopped, 1);
+    EXPECT_EQ(recording->flushesRunning, 0);
+    recorder.AllNotesOff();  // reaches a stopped recording too
+    EXPECT_THAT(Take(), ElementsAre(AllOf(Spans(0, 100), Sounds(100, 7))));
+    recording->Clear();
+    recorder.RemoveOutput(recording);
+    recording->Start(), recording->Stop();  // nobody to ask: no event, and no fall
+    recorder.AddOutput(recording);
+    recorder.Deactivate();
+    recording->Start();
+    EXPECT_TRUE(recording->running);
+    EXPECT_THAT(recording->GetTake(), IsEmpty());
+    EXPECT_EQ(recording->origin, 0);
+}
+
+TEST_F(Recording, ABandWithoutAMidiNoteNeverLeavesIdleAndLosesWhatItHad) {
+    StartAt(origin);
+    Play("+0 +0/46 +0/47");
+    recorder.messages[45].onMessage = 0U;  // in the middle of a note, as a change beside the frame may
+    recorder.messages[46].offMessage = 0U;
+    for (const int band : {44, 48}) recorder.messages[band] = {0U, 0U};
+    Play("+10/44 -10/45 -10/46 +10/48 -20/48");
+    EXPECT_EQ(recording->bandTracks[44].state, TBandTrack::idle);
+    EXPECT_EQ(recording->bandTracks[45].state, TBandTrack::on);
+    EXPECT_EQ(recording->bandTracks[48].state, TBandTrack::idle);
+    Play(".30");
+    EXPECT_THAT(Take(), ElementsAre(Field(&Sounding::note, 71)));
+    for (const TBandTrack& track : recording->bandTracks) EXPECT_EQ(track.state, TBandTrack::idle);
+}
+
+TEST_F(Recording, AChangeOfSettingsSplitsHeldNotes) {
+    StartAt(origin);
+    const auto hold = [&] { FrameAt(1, {45}), FrameAt(1, {45}); };  // 882 samples
+    hold();
+    recorder.ChangeVelocity(40);
+    hold();
+    recorder.ChangeTranspose(1);
+    hold();
+    recording->Stop();
+    EXPECT_THAT(Take(), ElementsAre(AllOf(Spans(441, 882), Sounds(100, 1), Field(&Sounding::note, 69)),
+                                    AllOf(Spans(1323, 1764), Sounds(40, 1), Field(&Sounding::note, 69)),
+                                    AllOf(Spans(2205, 2646), Sounds(40, 1), Field(&Sounding::note, 70))));
+}
+
+TEST_F(Recording, ListsGrowByHalfAndAreToppedUpWhileRunningOnceHalfTheRoomIsUsed) {
+    constexpr std::size_t room = TRTRecording::preparedRoom;
+    const Events& take = recording->take;
+    const auto fillTo = [&](std::size_t size) {
+        while (take.size() < size) recording->AppendToTake(0xC0);
+    };
+    EXPECT_GE(recording->pending.capacity(), 1024U);
+    for (const std::size_t capacity : {1024U, 1536U, 2304U}) {
+        EXPECT_EQ(take.capacity(), capacity);
+        fillTo(capacity + 1);
+    }
+    fillTo(3456);
+    recording->TopUp();  // stopped
+    EXPECT_EQ(take.capacity(), 3456U);
+    recording->Prepare();
+    recording->Start();
+    const std::size_t prepared = take.capacity(), used = take.size();
+    EXPECT_GE(prepared, used + room - 1);  // the program message
+    EXPECT_GE(recording->pending.capacity(), room);
+    fillTo(used + room / 2 - 2);
+    recording->TopUp();
+    EXPECT_EQ(take.capacity(), prepared);
+    fillTo(used + room / 2 + 1);
+    recording->TopUp();
+    EXPECT_GE(take.capacity(), take.size() + room);
+}
+
+TEST_F(Recording, AnHourLosesNothingAllocatesNothingAndTakesMemoryByItsEvents) {
+    auto* const plain = new TRTRecording;
+    recorder.AddOutput(plain);
+    recorder.SetTime(origin);
+    recording->Prepare();
+    constexpr int hour = 360000, runs = 3;  // frames of 10 ms
+    for (int frame = 0; frame < hour; ++frame) {
+        if (frame % (hour / runs) == 0) {  // as if silence had stopped the outputs
+            recording->Stop(), plain->Stop();
+            recording->Start(), plain->Start();
+        }
+        PlayScale(detector, recorder, frame);
+        // Idle calls, 50 ms apart; the first 60000 events must do with the room prepared.
+        if (frame > 30000 && frame % 5 == 0) recording->TopUp();
+    }
+    recording->Stop(), plain->Stop();
+    const Events& take = recording->GetTake();
+    EXPECT_TRUE(Same(take, plain->GetTake()));
+    EXPECT_EQ(take.size(), 2U * (hour - 1) + runs);  // no length yet for the last, and the programs
+    EXPECT_EQ(recording->allocations, 0U);
+    const auto bound = [](std::size_t events) { return (events + TRTRecording::preparedRoom) * 3 / 2; };
+    EXPECT_LE(take.capacity(), bound(take.size()));
+    EXPECT_LE(recording->pending.capacity(), bound(take.size() / runs));
+}
+
+// The thread sanitizer says what these claims leave out.
+class RecordingThreads : public RecorderTest {
+protected:
+    RecordingThreads() {
+        detector.delay = 0;
+        recorder.AddOutput(recording);
+        recording->Start();
+    }
+    template <typename Play, typename Work>
+    void Beside(int frames, Play play, int rounds, Work work) {  // at least so many of both, side by side
+        std::atomic<int> played{0}, worked{0};
+        std::thread audio([&] {
+            while (played < frames || worked < rounds) play(played++);
+        });
+        while (played < frames || worked < rounds) work(worked++);
+        audio.join();
+        recording->Stop();
+    }
+
+    TRTRecording* const recording = new TRTRecording;  // the recorder's
+};
+
+TEST_F(RecordingThreads, ToppingUpBesideFramesAndFlushesLosesNoEvent) {
+    auto* const plain = new TRTRecording;
+    recorder.AddOutput(plain);
+    plain->Start();
+    const auto play = [&](int frame) {
+        PlayScale(detector, recorder, frame);
+        if (frame % 20000 != 0) return;
+        for (TRTRecording* const out : {recording, plain}) out->Stop(), out->Start();
+    };
+    Beside(100000, play, 100, [&](int) { recording->TopUp(); });
+    plain->Stop();
+    EXPECT_GE(Soundings(plain->GetTake()).size(), 99999U);  // the last has no length yet
+    EXPECT_TRUE(Same(recording->GetTake(), plain->GetTake()));
+}
+
+// A note is filed under one table, the old or the new: its note off names no other note and is not missing.
+TEST_F(RecordingThreads, ChangesBesideFramesLeaveWholeNotes) {
+    const auto play = [&](int frame) {
+        for (int band = 0; band < 84; ++band) detector.Set(band, frame % 2 == 0);
+        recorder.OnFrame();
+    };
+    Beside(5000, play, 100000, [&](int round) {
+        recorder.SetTranspose(round % 2 == 0 ? 60 : 0);  // at 60 the upper bands have no note
+        if (round % 64 == 0) recording->TopUp(), recorder.ChangeVelocity(round / 64);
+        if (round % 1024 == 0) recording->Stop(), recording->Start();
+    });
+    const auto notes = Soundings(recording->GetTake());  // which looks at the pairs
+    EXPECT_GT(notes.size(), 0U);
+    for (const Sounding& note : notes) EXPECT_LT(note.start, note.end);
+}
+
+// The same, with the other thread's change put where it hurts: behind the look at the messages.
+TEST_F(RecordingThreads, ANoteThatIsTakenAwayWhileItIsFiledLeavesNoEmptyWord) {
+    struct Meddler : FakeDetector {
+        float GetBandDelay(std::int32_t) override {
+            if (target != nullptr) target->messages[45] = {0U, 0U};
+            return 0;
+        }
+        TNoteRecorder* target = nullptr;
+    } meddler;
+    recorder.Attach(&meddler);
+    for (const std::int64_t time : {1000, 2000, 3000}) {
+        recorder.SetTime(time);
+        if (time == 3000) meddler.target = &recorder;
+        time == 2000 ? recording->NoteOff(45) : recording->NoteOn(45);
+    }
+    recording->Stop();
+    EXPECT_LE(Soundings(recording->GetTake()).size(), 1U);
+}
+
+}  // namespace
