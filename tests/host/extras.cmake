@@ -1,6 +1,6 @@
 # The real program and the real module, and the recordings that the project ships.
 add_dependencies(test_host orva-host orva_vst)
-target_link_libraries(test_host PRIVATE nlohmann_json::nlohmann_json)
+target_link_libraries(test_host PRIVATE nlohmann_json::nlohmann_json orva_notes orva_midifile)
 target_compile_definitions(test_host PRIVATE
   ORVA_HOST_PROGRAM="$<TARGET_FILE:orva-host>"
   ORVA_MODULE="$<TARGET_FILE:orva_vst>"

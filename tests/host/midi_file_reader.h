@@ -1,11 +1,10 @@
 #pragma once
+#include <algorithm>
 #include <cstdint>
 #include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
-
-#include <algorithm>
 
 // A note-on of a Standard MIDI File.
 struct WrittenNote {

@@ -71,7 +71,12 @@ TEST(TakeOutput, TheTableHasARowForEachNote) {
               "a b.wav: 5.000 s at 1000 Hz, 2 notes\n"
               "  start    end  note  MIDI  velocity\n"
               "  0.100  2.500  C4      60        80\n"
-              "  2.400  5.000  E7     100       127\n");
+              "  2.400  5.000  E7     100       127\n"
+              "\n"
+              "  time  chord\n"
+              "   0.1  C\n"
+              "   2.5  E\n"
+              "   5.0  -\n");
     EXPECT_EQ(NoteTable("x", TakeOf({})), "x: 5.000 s at 1000 Hz, 0 notes\n");
 }
 
@@ -81,7 +86,7 @@ TEST(TakeOutput, JsonIsOneLineWhateverTheFileIsCalled) {
               R"({"file":"a\n\"b\"\\)"
               "\xC3\xA9\xEF\xBF\xBD"
               R"(","rate":1000,"seconds":5.0,"notes":[{"start":0.1,"end":2.5,"name":"C#4","midi":61,)"
-              R"("velocity":80,"channel":4}]})"
+              R"("velocity":80,"channel":4}],"chords":[{"time":0.1,"name":"C#"},{"time":2.5,"name":""}]})"
               "\n");
 }
 

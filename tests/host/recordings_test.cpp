@@ -52,9 +52,8 @@ Score Compare(const std::vector<WrittenNote>& written, const std::vector<Written
     return score;
 }
 
-// A recording, and the least that must be found of it: some 5 hundredths below what is measured, so that
-// better hearing passes and a loss is seen. Most of what is heard and was not written are overtones above the
-// fourth, which the separation of harmonics does not know.
+// A recording, and the least that must be found of it: some 5 hundredths below what is measured, which stands
+// beside it, so that better hearing passes and a loss is seen.
 struct Expected {
     const char* name;
     double recall;     // share of the written notes that were heard in time

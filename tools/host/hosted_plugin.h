@@ -12,9 +12,11 @@
 // the date of each event it sends.
 //
 // Order of calls: construction opens, Start sets rate and block size and resumes, Process any number of
-// times, Stop suspends, at which the plug-in ends the notes that still sound; destruction closes. Threads:
-// one thread an instance; the plug-in sends events from inside Process and Stop, and the sink is called
-// there. Errors: std::runtime_error when the plug-in refuses or cannot do what is asked of it here.
+// times, Stop suspends, at which the plug-in ends the notes that still sound; destruction closes.
+//
+// Threads: one thread an instance; the plug-in sends events from inside its construction, Process and Stop,
+// and the sink is called there. Errors: std::runtime_error when the plug-in refuses or cannot do what is
+// asked of it here.
 class HostedPlugin {
 public:
     using EventSink = std::function<void(const TimedEvent&)>;

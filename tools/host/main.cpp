@@ -4,10 +4,11 @@
 #include "tools/host/commands/command.h"
 #include "tools/host/commands/info.h"
 #include "tools/host/commands/render.h"
+#include "tools/host/commands/score.h"
 
 namespace {
 
-constexpr AddCommand commands[] = {AddRender, AddInfo};
+constexpr AddCommand commands[] = {AddRender, AddScore, AddInfo};
 
 int Run(int argc, char** argv) {
     CLI::App program("ORVA Audio To MIDI in a terminal", "orva-host");

@@ -64,6 +64,8 @@ std::vector<fs::path> OutputPaths(const std::vector<std::string>& inputs, const 
     if (inputs.size() > 1 && !isFolder)
         throw std::invalid_argument("several recordings need an existing folder, which \"" + target.string() +
                                     "\" is not");
+    std::set<fs::path> sources;  // as they really lie, links followed
+    for (const std::string& input : inputs) sources.insert(fs::weakly_canonical(input, unknown));
     std::vector<fs::path> paths;
     std::set<fs::path> taken;
     for (const std::string& input : inputs) {
@@ -71,9 +73,8 @@ std::vector<fs::path> OutputPaths(const std::vector<std::string>& inputs, const 
         if (isFolder) path = target / (fs::path(input).stem().string() + extension);
         if (!taken.insert(path).second)
             throw std::invalid_argument("two recordings would both write \"" + path.string() + "\"");
-        for (const std::string& other : inputs)
-            if (fs::is_regular_file(path, unknown) && fs::equivalent(path, other, unknown))
-                throw std::invalid_argument("\"" + path.string() + "\" is a recording to be heard");
+        if (fs::is_regular_file(path, unknown) && sources.count(fs::weakly_canonical(path, unknown)) > 0)
+            throw std::invalid_argument("\"" + path.string() + "\" is a recording to be heard");
         paths.push_back(path);
     }
     return paths;

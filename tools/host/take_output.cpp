@@ -7,6 +7,7 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
+#include "tools/host/chord_line.h"
 #include "tools/host/note_list.h"
 #include "tools/host/text_table.h"
 
@@ -51,6 +52,11 @@ std::string NoteTable(const std::string& file, const Take& take) {
     out << file << ": " << Fixed(Seconds(take, take.length), 3) << " s at " << take.rate << " Hz, "
         << table.rows.size() << (table.rows.size() == 1 ? " note\n" : " notes\n");
     if (!table.rows.empty()) out << table;
+    TextTable chords;
+    chords.columns = {{"time", true}, {"chord"}};
+    for (const ChordChange& change : ChordLine(take))
+        chords.rows.push_back({Fixed(change.time, 1), change.name.empty() ? "-" : change.name});
+    if (!chords.rows.empty()) out << '\n' << chords;
     return out.str();
 }
 
@@ -64,10 +70,14 @@ std::string NoteJson(const std::string& file, const Take& take) {
                          {"midi", note.pitch},
                          {"velocity", note.velocity},
                          {"channel", note.channel + 1}});
+    Json chords = Json::array();
+    for (const ChordChange& change : ChordLine(take))
+        chords.push_back({{"time", change.time}, {"name", change.name}});
     const Json all = {{"file", file},
                       {"rate", take.rate},
                       {"seconds", Microseconds(Seconds(take, take.length))},
-                      {"notes", std::move(notes)}};
+                      {"notes", std::move(notes)},
+                      {"chords", std::move(chords)}};
     return all.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 

@@ -6,10 +6,11 @@
 // What a take looks like outside: a table to read, one line of JSON, events as CSV. `file` is the recording's
 // name as it was given. Times are in seconds from the start of the audio.
 
-// A heading, and a row a note: start, end, name, MIDI number, velocity.
+// A heading, and a row a note: start, end, name, MIDI number, velocity; then a row a change of chord.
 std::string NoteTable(const std::string& file, const Take& take);
 
-// One object, one line: file, rate, seconds, notes. Bytes of the name that are no UTF-8 become U+FFFD.
+// One object, one line: file, rate, seconds, notes, chords. Bytes of the name that are no UTF-8 become
+// U+FFFD.
 std::string NoteJson(const std::string& file, const Take& take);
 
 // All messages by date, header first: time, sample, the three bytes, and what kind of message it is.

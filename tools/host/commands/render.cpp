@@ -5,17 +5,50 @@
 #include <memory>
 #include <vector>
 
+#include "notes/notes.h"
 #include "tools/host/output_file.h"
+#include "tools/host/picture.h"
 #include "tools/host/plugin_facts.h"
 #include "tools/host/progress.h"
 #include "tools/host/render_queue.h"
+#include "tools/host/score_output.h"
 #include "tools/host/take_output.h"
 
 namespace {
 
+// A kind of file that is left behind for each recording, if it is asked for.
+struct RenderOutput {
+    const char* option;
+    const char* extension;
+    const char* placeholder;
+    const char* help;
+    std::string (*make)(const Take& take);
+    std::string target = {};                        // empty: none is written
+    std::vector<std::filesystem::path> paths = {};  // one a recording
+};
+
+std::string MidiBytes(const Take& take) {
+    const auto score = std::make_unique<TNotes>();
+    TakeToScore(take, *score);
+    return MidiFileBytes(*score);
+}
+
+std::string ScoreBytes(const Take& take) {
+    const auto score = std::make_unique<TNotes>();
+    TakeToScore(take, *score);
+    return StoredScoreBytes(*score);
+}
+
+std::vector<RenderOutput> AllOutputs() {
+    return {{"--midi", ".mid", "OUT.mid", "also write the notes as a MIDI file", MidiBytes},
+            {"--score", ".tnotes", "OUT.tnotes", "also write the notes as a stored score", ScoreBytes},
+            {"--picture", ".png", "OUT.png", "also draw a piano roll", PianoRoll},
+            {"--events", ".csv", "OUT.csv", "also write all MIDI events as CSV", EventCsv}};
+}
+
 struct RenderOptions {
     std::vector<std::string> files;
-    std::string events;  // empty: none are written
+    std::vector<RenderOutput> outputs;
     bool json = false;
     bool mix = false;
     std::vector<std::string> parameters;  // NAME=VALUE
@@ -24,12 +57,12 @@ struct RenderOptions {
     RenderSettings settings;
 };
 
-std::vector<std::filesystem::path> EventPaths(const RenderOptions& options) {
-    if (options.events.empty()) return std::vector<std::filesystem::path>(options.files.size());
+void FindPaths(const std::vector<std::string>& files, RenderOutput& output) {
+    if (output.target.empty()) return;
     try {
-        return OutputPaths(options.files, options.events, ".csv");
+        output.paths = OutputPaths(files, output.target, output.extension);
     } catch (const std::invalid_argument& reason) {
-        throw UsageError(std::string("--events: ") + reason.what());
+        throw UsageError(std::string(output.option) + ": " + reason.what());
     }
 }
 
@@ -46,8 +79,7 @@ std::vector<ParameterSetting> Parameters(const RenderOptions& options, const Plu
 }
 
 // Prints what became of a file and writes what is asked for; false if anything failed.
-bool Deliver(const RenderOptions& options, std::size_t index, const Outcome& outcome,
-             const std::filesystem::path& events) {
+bool Deliver(const RenderOptions& options, std::size_t index, const Outcome& outcome) {
     const std::string& file = options.files[index];
     if (!outcome.fault.empty()) {
         ReportError(file, outcome.fault);
@@ -56,7 +88,8 @@ bool Deliver(const RenderOptions& options, std::size_t index, const Outcome& out
     if (!options.json && index > 0) std::cout << '\n';
     std::cout << (options.json ? NoteJson(file, outcome.take) : NoteTable(file, outcome.take)) << std::flush;
     try {
-        if (!events.empty()) WriteWhole(events, EventCsv(outcome.take));
+        for (const RenderOutput& output : options.outputs)
+            if (!output.paths.empty()) WriteWhole(output.paths[index], output.make(outcome.take));
     } catch (const std::exception& fault) {
         ReportError(fault.what());
         return false;
@@ -65,7 +98,7 @@ bool Deliver(const RenderOptions& options, std::size_t index, const Outcome& out
 }
 
 int RenderFiles(RenderOptions& options) {
-    const std::vector<std::filesystem::path> events = EventPaths(options);
+    for (RenderOutput& output : options.outputs) FindPaths(options.files, output);
     const PluginModule module(FindPlugin(options.plugin));
     options.settings.parameters = Parameters(options, module);
     options.settings.channel = options.mix ? AudioFile::Channel::mix : AudioFile::Channel::first;
@@ -75,7 +108,7 @@ int RenderFiles(RenderOptions& options) {
     RenderQueue queue(module, options.files, options.settings, options.jobs, progress);
     for (std::size_t file = 0; file < options.files.size(); ++file) {
         const Outcome outcome = queue.Wait(file);
-        progress.Aside([&] { allDone = Deliver(options, file, outcome, events[file]) && allDone; });
+        progress.Aside([&] { allDone = Deliver(options, file, outcome) && allDone; });
     }
     return allDone ? exitDone : exitFailed;
 }
@@ -90,11 +123,13 @@ void AddRender(CLI::App& program, Job& chosen) {
         "read. Any audio file that libsndfile reads, at 8000 to 192000 Hz.\n"
         "Exit code 0: all done; 1: a file failed; 2: wrong usage.\n");
     command->add_option("AUDIO", options->files, "recordings")->required()->type_name("FILE");
-    command
-        ->add_option("--events", options->events,
-                     "also write all MIDI events as CSV; an existing folder gets NAME.csv for each\n"
-                     "recording, and must be given when there are several")
-        ->type_name("OUT.csv");
+    options->outputs = AllOutputs();
+    for (RenderOutput& output : options->outputs)
+        command
+            ->add_option(output.option, output.target,
+                         std::string(output.help) + "; an existing folder gets NAME" + output.extension +
+                             " for each\nrecording, and must be given when there are several")
+            ->type_name(output.placeholder);
     command->add_flag("--json", options->json,
                       "one JSON object a line for each recording instead of the tables");
     command

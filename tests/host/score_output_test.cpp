@@ -1,0 +1,84 @@
+// What render leaves behind beside its table: a MIDI file, a stored score, the chord line, a picture.
+#include "tools/host/score_output.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <memory>
+
+#include "midi_file_reader.h"
+#include "notes/notes.h"
+#include "tools/host/chord_line.h"
+#include "tools/host/memory_stream.h"
+#include "tools/host/note_list.h"
+#include "tools/host/picture.h"
+
+namespace {
+
+constexpr std::int32_t rate = 48000;
+
+Take Chords(const std::vector<std::vector<std::uint8_t>>& chords) {  // a second each, MIDI notes
+    Take take;
+    take.rate = rate;
+    take.length = static_cast<std::int64_t>(chords.size()) * rate;
+    std::int64_t start = 0;
+    for (const auto& chord : chords) {
+        for (const std::uint8_t pitch : chord) take.events.push_back({start, {0x90, pitch, 100}});
+        for (const std::uint8_t pitch : chord) take.events.push_back({start + rate, {0x80, pitch, 0}});
+        start += rate;
+    }
+    return take;
+}
+
+}  // namespace
+
+TEST(ScoreOutput, AWrittenFileHoldsTheNotesAtTheirTimes) {
+    Take take = Chords({{60, 64, 67}, {65, 69, 72}, {}, {36}});
+    take.events.push_back({0, {0, 0, 0}});  // a band without a note: no note in the file either
+    const auto score = std::make_unique<TNotes>();
+    TakeToScore(take, *score);
+    const std::vector<WrittenNote> notes = MidiFileReader(MidiFileBytes(*score)).Notes();
+    const std::vector<std::pair<double, int>> expected = {{0, 60}, {0, 64}, {0, 67}, {1, 65},
+                                                          {1, 69}, {1, 72}, {3, 36}};
+    ASSERT_EQ(notes.size(), expected.size());
+    for (const auto& [onset, pitch] : expected)
+        EXPECT_TRUE(std::any_of(notes.begin(), notes.end(),
+                                [&, o = onset, p = pitch](const WrittenNote& note) {
+                                    return note.pitch == p &&
+                                           std::abs(note.onset - o) < 1.0 / 240;  // a tick of the file
+                                }))
+            << pitch;
+}
+
+TEST(ScoreOutput, AStoredScoreGivesTheSameFile) {
+    const auto score = std::make_unique<TNotes>(), again = std::make_unique<TNotes>();
+    TakeToScore(Chords({{60, 64, 67}, {62, 65, 69}}), *score);
+    MemoryStream stored;
+    stored.bytes = StoredScoreBytes(*score);
+    again->Read(stored);
+    EXPECT_EQ(MidiFileBytes(*again), MidiFileBytes(*score));
+}
+
+TEST(ChordLine, TellsChangesOnlyAndSilenceAsNoName) {
+    const Take take = Chords({{48, 60, 64, 67}, {48, 60, 64, 67}, {45, 57, 60, 64}, {}});
+    const std::vector<ChordChange> line = ChordLine(take);
+    ASSERT_EQ(line.size(), 3U);
+    EXPECT_EQ(line[0].name, "C");
+    EXPECT_DOUBLE_EQ(line[0].time, 0.1);  // the first look, ten a second
+    EXPECT_EQ(line[1].name, "Am");
+    EXPECT_DOUBLE_EQ(line[1].time, 2.0);
+    EXPECT_EQ(line[2].name, "");
+    EXPECT_DOUBLE_EQ(line[2].time, 3.0);
+    EXPECT_TRUE(ChordLine(Chords({})).empty());
+}
+
+TEST(Picture, IsAPngOfTheTakesLengthWhateverTheTake) {
+    for (const auto& chords : {std::vector<std::vector<std::uint8_t>>{}, {{0, 127}}, {{60}, {}, {64}}}) {
+        const std::string png = PianoRoll(Chords(chords));
+        ASSERT_GT(png.size(), 24U);
+        EXPECT_EQ(png.substr(1, 3), "PNG");
+        const auto byte = [&](std::size_t at) { return static_cast<unsigned char>(png[at]); };
+        // The header chunk's width. 44 + 8 pixels of margins, 80 a second, one second at least.
+        EXPECT_EQ(byte(18) * 256 + byte(19), 52 + 80 * std::max<int>(1, static_cast<int>(chords.size())));
+    }
+}

@@ -1,0 +1,46 @@
+#include "tools/host/chord_line.h"
+
+#include <algorithm>
+#include <memory>
+
+#include "harmony/chord.h"
+#include "harmony/chord_namer.h"
+#include "tools/host/note_list.h"
+
+namespace {
+
+constexpr std::int64_t looksPerSecond = 10;
+constexpr std::size_t mostNotes = 11;  // what the namer is sure to name
+constexpr int lowestNote = 24;         // MIDI; the pitch class of a pitch counts from here
+
+std::string NameOf(TChordNamer& namer, const std::vector<std::uint32_t>& pitches) {
+    if (pitches.empty()) return {};
+    const std::vector<std::uint32_t> same(pitches.size(),
+                                          100);  // velocity, start and duration tell it nothing
+    const TChordForm form = namer.chordOfPitches(150, static_cast<std::int32_t>(pitches.size()),
+                                                 pitches.data(), same.data(), same.data(), same.data());
+    return std::string(chordText(form).view());
+}
+
+}  // namespace
+
+std::vector<ChordChange> ChordLine(const Take& take) {
+    std::vector<ChordChange> line;
+    const std::vector<HeardNote> notes = PairNotes(take);
+    const auto namer = std::make_unique<TChordNamer>();
+    std::size_t first = 0;  // notes before it have ended
+    for (std::int64_t look = 1; look * take.rate <= take.length * looksPerSecond; ++look) {
+        const std::int64_t sample = look * take.rate / looksPerSecond;
+        std::vector<std::uint32_t> pitches;
+        while (first < notes.size() && notes[first].end <= sample) ++first;
+        for (std::size_t i = first; i < notes.size() && notes[i].begin <= sample; ++i)
+            if (notes[i].end > sample && notes[i].pitch >= lowestNote)
+                pitches.push_back(static_cast<std::uint32_t>(notes[i].pitch - lowestNote));
+        std::sort(pitches.begin(), pitches.end());
+        if (pitches.size() > mostNotes) pitches.resize(mostNotes);
+        const std::string name = NameOf(*namer, pitches);
+        if (name != (line.empty() ? std::string() : line.back().name))
+            line.push_back({static_cast<double>(look) / looksPerSecond, name});
+    }
+    return line;
+}

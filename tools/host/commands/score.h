@@ -1,0 +1,4 @@
+#pragma once
+#include "tools/host/commands/command.h"
+
+void AddScore(CLI::App& program, Job& chosen);

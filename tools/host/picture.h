@@ -1,0 +1,8 @@
+#pragma once
+#include <string>
+
+#include "tools/host/take.h"
+
+// A piano roll of a take as a PNG: time from left to right, a row a semitone, the colour a pitch class, the
+// chord names above. The bytes of the file. Errors: std::runtime_error. Threads: [any].
+std::string PianoRoll(const Take& take);
