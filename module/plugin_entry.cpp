@@ -11,6 +11,7 @@ AEffect* OpenPlugin(audioMasterCallback host) noexcept {
     try {
         if (host(nullptr, audioMasterVersion, 0, 0, nullptr, 0) == 0) return nullptr;
         auto effect = std::make_unique<CORVAguivstEx>(host);
+        if (editorCreationFailed) return nullptr;
         return effect.release()->getAeffect();
     } catch (...) {
         return nullptr;

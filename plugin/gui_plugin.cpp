@@ -1,30 +1,259 @@
 #include "plugin/gui_plugin.h"
 
-#include <cstdio>
+#include <algorithm>
+#include <cmath>
 
-CORVAguivst::CORVAguivst(audioMasterCallback host) : CORVA_vst(host, parameterCount) {
-    for (std::int32_t index = paramFirstBar; index < parameterCount; ++index)
-        furtherParameters[index] = ParameterInitialValue(index);
-    detector.equalizerEnabled = true;  // for good; the gains stay 1 until a bar is first changed
-    noteRecorder.SetSendProgramChange(false);
+#include "base/truncate.h"
+#include "delivery/rt_recording.h"
+#include "midifile/midi_exporter.h"
+#include "notes/notes.h"
+#include "notes/stream.h"
+#include "plugin/parameter_display.h"
+
+std::atomic<bool> editorCreationFailed{false};
+
+namespace {
+
+constexpr std::int32_t chordsPerSecond = 10;
+constexpr std::uint64_t patientSeconds = 3;  // of silence, before the further outputs stop
+constexpr char takeTitle[] = "Created with ORVA Audio To MIDI VST";
+
+std::uint32_t WholeRate(float rate) {
+    return TruncateToUint32(rate);
 }
 
+}  // namespace
+
+CORVAguivst::CORVAguivst(audioMasterCallback host, EditorFactory makeEditor)
+    : CORVA_vst(host, parameterCount), device(noteRecorder, messages, *this) {
+    if (makeEditor != nullptr) {
+        try {
+            editorObject = makeEditor(*this);
+        } catch (...) {  // told by the flag; the entry point refuses the object
+        }
+        if (editorObject == nullptr) editorCreationFailed = true;
+        setEditor(editorObject.get());
+    }
+    // No setter is called for the bars: the detector keeps its own gains until one is first changed.
+    for (Relaxed<float>& bar : equalizerBars) bar = 1.0F;
+    detector.equalizerEnabled = true;  // for good
+
+    auto take = std::make_unique<TRTRecording>();
+    recording = take.get();
+    noteRecorder.AddOutput(recording);
+    static_cast<void>(take.release());  // the recorder owns it from here on
+    applySendProgramChange(0.0F);
+
+    auto chords = std::make_unique<TChordsListener>(static_cast<IChordOwner*>(this), chordsPerSecond);
+    chordsListener = chords.get();
+    applyChordsDelay(0.0F);
+    noteRecorder.AddOutput(chordsListener);
+    static_cast<void>(chords.release());
+}
+
+CORVAguivst::~CORVAguivst() {
+    setEditor(nullptr);
+    editorObject.reset();
+}
+
+// --- parameters ---
+
 void CORVAguivst::setParameter(std::int32_t index, float value) {
+    if (inEditorChange == std::this_thread::get_id()) return;  // the host's echo of what is applied already
+    applyParameter(index, value);
+    notifyEditor(index, value);
+}
+
+void CORVAguivst::setParameterFromEditor(std::int32_t index, float value) {
+    applyParameter(index, value);
+    struct Change {
+        explicit Change(Relaxed<std::thread::id>& thread) : word(thread) {
+            word = std::this_thread::get_id();
+        }
+        ~Change() { word = std::thread::id(); }
+        Change(const Change&) = delete;
+        Change& operator=(const Change&) = delete;
+        Relaxed<std::thread::id>& word;
+    } const change(inEditorChange);
+    setParameterAutomated(index, value);
+}
+
+void CORVAguivst::notifyEditor(std::int32_t index, float value) {
+    if (editorObject != nullptr) editorObject->parameterChanged(index, value);
+}
+
+void CORVAguivst::applyParameter(std::int32_t index, float value) {
     if (index < paramFirstBar) return CORVA_vst::setParameter(index, value);
-    if (index < parameterCount) furtherParameters[index] = value;
+    if (index <= paramLastBar) {
+        equalizerBars[index - paramFirstBar] = value;
+        detector.SetBandGain(index - paramFirstBar, value);
+        return;
+    }
+    switch (index) {
+        case paramInstrument:
+            instrumentValue = value;
+            noteRecorder.SetProgram(ProgramOf(value));
+            break;
+        case paramDevice: device.SetDevice(value); break;
+        case paramDeviceEnabled: device.SetEnabled(IsOn(value)); break;
+        case paramChannel: applyChannel(value); break;
+        case paramOutputToHost:
+            outputToHost = IsOn(value);
+            outputToHost ? vstMidiOut->Start() : vstMidiOut->Stop();
+            break;
+        case paramActivePage: activePageValue = value; break;
+        case paramChordsEnabled: chordsEnabled = IsOn(value); break;
+        case paramChordsDelay: applyChordsDelay(value); break;
+        case paramSendProgramChange: applySendProgramChange(value); break;
+        default: break;
+    }
+}
+
+// A value above 1 would be channel 17; the editor's menu goes back to the one in force.
+void CORVAguivst::applyChannel(float value) {
+    const std::int32_t channel = ChannelOf(value);
+    if (channel >= 16) return notifyEditor(paramChannel, channelValue);
+    noteRecorder.ChangeChannel(channel);
+    channelValue = value;
+}
+
+void CORVAguivst::applyChordsDelay(float value) {
+    chordsDelayValue = value;
+    chordsListener->setDelay(TruncateToUint32(DelayOf(value)));
+}
+
+void CORVAguivst::applySendProgramChange(float value) {
+    noteRecorder.SetSendProgramChange(IsOn(value));
+    sendProgramChangeValue = value;
 }
 
 float CORVAguivst::getParameter(std::int32_t index) {
-    if (index < paramFirstBar || index >= parameterCount) return CORVA_vst::getParameter(index);
-    return furtherParameters[index];
+    if (index >= paramFirstBar && index <= paramLastBar) return equalizerBars[index - paramFirstBar];
+    switch (index) {
+        case paramInstrument: return instrumentValue;
+        case paramDevice: return device.midiDeviceValue;
+        case paramDeviceEnabled: return device.midiDeviceEnabled ? 1.0F : 0.0F;
+        case paramChannel: return channelValue;
+        case paramOutputToHost: return outputToHost ? 1.0F : 0.0F;
+        case paramActivePage: return activePageValue;
+        case paramChordsEnabled: return chordsEnabled ? 1.0F : 0.0F;
+        case paramChordsDelay: return chordsDelayValue;
+        case paramSendProgramChange: return sendProgramChangeValue;
+        default: return CORVA_vst::getParameter(index);
+    }
 }
 
 void CORVAguivst::getParameterDisplay(std::int32_t index, char* text) {
-    if (index < paramFirstBar) return CORVA_vst::getParameterDisplay(index, text);
+    if (index < paramFirstBar || index >= parameterCount) return CORVA_vst::getParameterDisplay(index, text);
     getParameterValueDisplay(getParameter(index), index, text);
 }
 
 void CORVAguivst::getParameterValueDisplay(float value, std::int32_t index, char* text) {
-    if (index < paramFirstBar) return CORVA_vst::getParameterValueDisplay(value, index, text);
-    std::snprintf(text, textRoom, "%.2f", static_cast<double>(value));
+    if (index < paramFirstBar || index >= parameterCount)
+        return CORVA_vst::getParameterValueDisplay(value, index, text);
+    ParameterDisplay(value, index, text);
+}
+
+// --- start and stop ---
+
+void CORVAguivst::startDetection() {
+    if (outputsIdle) {
+        outputsIdle = false;
+        device.Start();
+        if (recordingOn) recording->Start();
+    }
+    CORVA_vst::startDetection();
+}
+
+void CORVAguivst::stopDetection() {
+    CORVA_vst::stopDetection();
+    chordsListener->Update();  // so that chords keep being judged through silence
+    const std::uint64_t rate = WholeRate(getSampleRate());
+    if (!outputsIdle && rate != 0 && silentSamples / rate >= patientSeconds) stopOutputs();
+}
+
+void CORVAguivst::suspend() {
+    CORVA_vst::suspend();
+    stopOutputs();
+}
+
+void CORVAguivst::stopOutputs() {
+    outputsIdle = true;
+    device.Stop();
+    if (recordingOn) recording->Stop();
+    chordsListener->Stop();
+}
+
+std::intptr_t CORVAguivst::dispatcher(std::int32_t opcode, std::int32_t index, std::intptr_t value, void* ptr,
+                                      float opt) {
+    const std::intptr_t answer = CORVA_vst::dispatcher(opcode, index, value, ptr, opt);
+    if (!InsideBlock()) keepRoomAhead();
+    return answer;
+}
+
+void CORVAguivst::keepRoomAhead() {
+    recording->TopUp();
+    device.DeleteRetired();
+}
+
+void CORVAguivst::DeviceOpened() {
+    applyParameter(paramInstrument, instrumentValue);
+    applyParameter(paramChannel, channelValue);
+}
+
+void CORVAguivst::ChordChanged() {
+    if (chordsEnabled) notifyEditor(IPluginEditor::chordTextChanged, 0.0F);
+}
+
+// --- for the editor ---
+
+void CORVAguivst::startRecording() {
+    recording->Clear();
+    recording->Prepare();
+    recording->Start();
+    recordingOn = true;
+}
+
+void CORVAguivst::stopRecording() {
+    recording->Stop();
+    recordingOn = false;
+}
+
+bool CORVAguivst::nothingRecorded() {
+    if (recording->GetTake().empty()) return true;
+    const auto score = std::make_unique<TNotes>();
+    TakeToNotes(recording->GetTake(), *score, 1, WholeRate(getSampleRate()));
+    return score->notes.empty();
+}
+
+bool CORVAguivst::saveRecording(const std::string& path) {
+    if (recording->GetTake().empty()) return true;
+    const auto score = std::make_unique<TNotes>();
+    score->title = takeTitle;
+    TakeToNotes(recording->GetTake(), *score, 1, WholeRate(getSampleRate()));
+    if (score->notes.empty()) return true;
+    TFStream stream(path, std::ios::out | std::ios::binary | std::ios::trunc, TFStream::defaultBuffer);
+    if (!stream.IsOpen()) return false;
+    SaveScore(*score, stream, true);
+    return stream.Finish();
+}
+
+// The picture's contrast follows the loudness with a lag of some 14 calls.
+void CORVAguivst::buildLevels(std::vector<unsigned char>& levels) {
+    const auto bands = static_cast<std::size_t>(noteRecorder.GetBandCount());
+    levels.resize(bands);
+    float peak = 0.000001F;
+    for (std::size_t band = 0; band < bands; ++band)
+        peak = std::max(peak, noteRecorder.GetBandLevel(static_cast<std::int32_t>(band)));
+    levelAverage = 0.93F * levelAverage + 0.07F * std::log(peak);
+    for (std::size_t band = 0; band < bands; ++band) {
+        const float level = noteRecorder.GetBandLevel(static_cast<std::int32_t>(band));
+        const float height = level > 0.0F ? (std::log(level) - levelAverage) * 70.0F + 254.0F : 0.0F;
+        levels[band] = static_cast<unsigned char>(TruncateToInt32(std::clamp(height, 0.0F, 254.0F)));
+        if (noteRecorder.GetBandOn(static_cast<std::int32_t>(band))) levels[band] = 255;
+    }
+}
+
+std::string CORVAguivst::currentChordText() {
+    return std::string(chordsListener->currentChordCopy().view());
 }

@@ -1,8 +1,10 @@
 #include "plugin/gui_plugin_ex.h"
 
+#include "plugin/mem_log.h"
 #include "plugin/sample_conversion.h"
 
 void CORVAguivstEx::processSamples(const short* block, std::size_t count) {
+    if (!registration.LetsThrough(block, count)) return;
     if (!CanDetect() || SumIsZero(block, count)) {
         silentSamples = silentSamples + count;
         stopDetection();
@@ -11,4 +13,13 @@ void CORVAguivstEx::processSamples(const short* block, std::size_t count) {
     silentSamples = 0;
     startDetection();
     detector.Process(block, static_cast<unsigned>(count * sizeof(short)));
+}
+
+bool CORVAguivstEx::submitRegistration(const char* name, const char* code) {
+    return Registration::Submit(name, code);
+}
+
+void CORVAguivstEx::logHostInfo() {
+    if (registration.Registered()) getMemLog().append("Registered to: " + registration.Name() + "\n");
+    CORVAguivst::logHostInfo();
 }

@@ -72,7 +72,7 @@ CORVA_vst::CORVA_vst(audioMasterCallback host, std::int32_t numParams)
     noteRecorder.Attach(&detector);
     noteRecorder.Activate(0);
     noteRecorder.AddOutput(vstMidiOut);
-    output.release();  // the recorder owns it from here on
+    static_cast<void>(output.release());  // the recorder owns it from here on
 
     getMasterVersion();  // some hosts set themselves up by these two questions; the answers are not used
     canHostDo("receiveVstMidiEvent");

@@ -92,6 +92,8 @@ public:
 protected:
     // The detector works at the present rate; without it, audio passes and nothing is recognised.
     bool CanDetect() const { return detects; }
+    // The calling thread is in the middle of a block: it came here by way of a host that calls back.
+    bool InsideBlock() const { return gate.IsMine(); }
 
 private:
     enum Request : unsigned { requestStop = 1, requestRate = 2 };

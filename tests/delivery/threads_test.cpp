@@ -1,5 +1,6 @@
 // Two threads on one recorder. What the tests state holds in any build; the thread sanitizer says the rest.
 #include <atomic>
+#include <memory>
 #include <thread>
 
 #include "tests/delivery/fakes.h"

@@ -6,7 +6,7 @@
 
 namespace {
 
-// The three ways in. All take the same pointers here, so that one test serves them all.
+// The three ways in.
 enum Door { accumulating, replacing, doubleReplacing };
 
 class BlockPath : public PluginTest {
@@ -157,7 +157,7 @@ TEST_F(BlockPath, NoLengthOrLessTouchesNothingAndCountsAsSilent) {
 TEST_F(BlockPath, BlocksOfAnySizeFollowEachOtherUnannounced) {
     plug->Call(effSetBlockSize, 0, 64);
     std::uint64_t total = 0;
-    for (const std::size_t size : {1, 64, 3, 1 << 20, 7, 4096}) {
+    for (const std::size_t size : {1U, 64U, 3U, 1U << 20, 7U, 4096U}) {
         EXPECT_TRUE(Play(std::vector<float>(size, 0.25F), static_cast<int>(size)));
         EXPECT_EQ(Delivered(), std::vector<short>(size, 7500));
         EXPECT_EQ(Object().totalSamples, total += size);

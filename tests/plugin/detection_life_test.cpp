@@ -21,7 +21,8 @@ TEST_F(DetectionLife, ASilentBlockStopsWhatASignalStarted) {
     EXPECT_TRUE(Object().stopped);
     EXPECT_EQ(Sounding(host.events), -2);
     EXPECT_EQ(host.TakenEvents().size(), 2U);  // note by note, and no other message
-    Play(Silence(1000), 100);                  // more of it does no more than count
+    EXPECT_FALSE(Object().vstMidiOut->running);
+    Play(Silence(1000), 100);  // more of it does no more than count
     EXPECT_TRUE(host.events.empty());
     EXPECT_EQ(Object().silentSamples, 1064U);
     EXPECT_EQ(Object().totalSamples, tone.size() + 1064);
@@ -32,9 +33,18 @@ TEST_F(DetectionLife, ASilentBlockStopsWhatASignalStarted) {
 TEST_F(DetectionLife, TheRecordersClockCatchesUpInSilence) {
     Play(tone);
     Play(Silence(5000), 700);
-    plug->effect->processReplacing(plug->effect, nullptr, nullptr,
-                                   0);  // sees the clock behind the last block
+    // The clock is set at a block's begin; one without length shows where the last one ended.
+    plug->effect->processReplacing(plug->effect, nullptr, nullptr, 0);
     EXPECT_EQ(Object().noteRecorder.GetTime(), static_cast<std::int64_t>(Object().totalSamples.load()));
+}
+
+// The recorder took its frame of 441 samples at the first rate. At twice the rate frames come half as often,
+// and its clock would lag by half; each block catches up what is more than a frame.
+TEST_F(DetectionLife, TheRecordersClockKeepsUpWithAHigherRate) {
+    plug->Call(effSetSampleRate, 0, 0, nullptr, 88200);
+    Play(Sines({69}, 1.0, 88200), 512);
+    const auto total = static_cast<std::int64_t>(Object().totalSamples.load());
+    EXPECT_LE(total - Object().noteRecorder.GetTime(), 441 + 512);
 }
 
 // The detector forgets at a silent block, so a tone after any silence is the first tone once more, later.
@@ -79,17 +89,16 @@ TEST_F(DetectionLife, SuspendEndsTheNotesAndTheNextBlockStartsAgain) {
     EXPECT_EQ(Sounding(host.events), 0);
 }
 
-// The counter is set forward, since a day of audio would take its time.
+// The counter is set forward, since a day of audio would take its time. The notes begin before the edge and
+// are heard behind it.
 TEST_F(DetectionLife, DatesStayRightPastTheEdgesOf32BitClocks) {
     Play(tone);
     const std::vector<FakeHost::Event> first = host.TakenEvents();
     for (const int bit : {31, 32, 33}) {
         Play(Silence(64));
         host.TakenEvents();
-        host.clock =
-            (std::int64_t{1} << bit) - 4000;  // the notes begin before the edge and are heard behind it
-        Object().totalSamples = static_cast<std::uint64_t>(host.clock);
-        const std::int64_t begin = host.clock;
+        const std::int64_t begin = host.clock = (std::int64_t{1} << bit) - 1000;
+        Object().totalSamples = static_cast<std::uint64_t>(begin);
         Play(tone);
         EXPECT_EQ(host.TakenEvents(), Later(first, begin)) << "2^" << bit;
     }

@@ -41,7 +41,7 @@ public:
     const char* product = nullptr;  // likewise
     std::intptr_t sampleRate = 44100;
     bool unterminated = false;  // the host writes 64 bytes of 'x' for a text and no terminator
-    bool keepsEvents = true;    // not in tests with two threads: the lock would keep them apart
+    bool keepsEvents = true;    // not while two threads call: what is kept has no lock
     std::int64_t clock = 0;     // samples handed over before the block in progress
 
     std::function<void()> atNextEvent;  // what it does, once, from inside the plug-in's call

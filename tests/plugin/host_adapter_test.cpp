@@ -107,6 +107,7 @@ TEST_F(OlderHost, IsAskedForEventsAtTheFirstBlockAndAtEachLaterResume) {
     plug->Call(effMainsChanged, 0, 1);
     plug->Call(effMainsChanged, 0, 1);
     EXPECT_EQ(Wanted(), 3);
+    EXPECT_EQ(host.lastValue, 1);
     plug->Call(effCanDo, 0, 0, const_cast<char*>("sendVstMidiEvent"));
     plug->Call(effMainsChanged, 0, 1);
     EXPECT_EQ(Wanted(), 3);  // it knows by now
@@ -131,9 +132,9 @@ TEST_F(HostAdapter, AHostOfThisVersionIsNeverAskedForEvents) {
     EXPECT_EQ(host.Count(audioMasterWantMidi), 0);
 }
 
-// The sine begins at 0, so its note is dated near 0 where the detection delay is taken off, and at the frame
-// of its detection where it is not: 65 ms later, in the block, never before it.
-TEST_F(AbletonHost, GetsEachEventInsideItsBlock) {
+// With the detection delay taken off, a note would be dated near 0, where the sine begins. Without, it stands
+// at the frame in which it was decided.
+TEST_F(AbletonHost, GetsNotesAtTheFrameOfTheirDetection) {
     host.events.clear();
     Play(Sines({69}, 0.4), 4096);
     ASSERT_FALSE(host.events.empty());

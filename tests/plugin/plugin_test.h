@@ -5,6 +5,8 @@
 #include <cmath>
 #include <numbers>
 #include <optional>
+#include <string_view>
+#include <vector>
 
 #include "module/plugin_entry.h"
 #include "plugin/plugin_object.h"

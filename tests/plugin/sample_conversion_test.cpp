@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cfenv>
 #include <cstdint>
 #include <cstring>
 #include <limits>
@@ -54,12 +55,27 @@ TYPED_TEST(SampleConversion, TheVectorFormIsThePlainForm) {
     for (std::size_t shift = 0; shift <= sizeof(TypeParam); ++shift) {  // bytes
         std::memcpy(bytes.data() + shift, samples.data(), samples.size() * sizeof(TypeParam));
         const auto* const in = reinterpret_cast<const TypeParam*>(bytes.data() + shift);
-        for (std::size_t count : {0, 1, 2, 3, 5, 7, 8, 9, 15, 16, 17, 31, 33, 63, 65, 127, 255, 299}) {
+        for (const std::size_t count :
+             {0U, 1U, 2U, 3U, 5U, 7U, 8U, 9U, 15U, 16U, 17U, 31U, 33U, 63U, 65U, 127U, 255U, 299U}) {
             std::vector<short> vector(310, 77), scalar(310, 77);
             ConvertSamples(in, vector.data() + count % 5, count);
             plain::ConvertSamples(samples.data(), scalar.data() + count % 5, count);
             ASSERT_EQ(vector, scalar) << count << " samples, shifted by " << shift;
         }
+    }
+}
+
+// A host's rounding mode may not decide what is heard.
+TYPED_TEST(SampleConversion, TheHostsRoundingMakesNoDifference) {
+    std::vector<TypeParam> steps;
+    for (int k = -30000; k <= 30000; ++k) steps.push_back(TypeParam(k) / TypeParam(30000));
+    std::vector<short> expected(steps.size()), out(steps.size());
+    ConvertSamples(steps.data(), expected.data(), steps.size());
+    for (const int rounding : {FE_UPWARD, FE_DOWNWARD, FE_TOWARDZERO}) {
+        std::fesetround(rounding);
+        ConvertSamples(steps.data(), out.data(), steps.size());
+        std::fesetround(FE_TONEAREST);
+        EXPECT_EQ(out, expected);
     }
 }
 

@@ -1,0 +1,88 @@
+#pragma once
+#include <array>
+#include <atomic>
+#include <condition_variable>
+#include <cstdint>
+#include <map>
+#include <mutex>
+
+#include "base/relaxed.h"
+#include "platform/midi_out_devices.h"
+
+// A way to a device, for one output.
+struct TMidiPort {
+    Relaxed<MidiOutHandle> handle;          // copied from the open device
+    Relaxed<std::uint32_t> deviceIndex;     // of the device list
+    Relaxed<std::uint32_t> isFree;          // non-zero: nobody uses it, and an open may take it
+    Relaxed<std::uint8_t> noteOn[16][128];  // by channel, then note: switched on through here and not yet off
+};
+
+// The ports of all instances in the process, and the devices behind them. A device is opened by its first
+// port, counted, and closed by its last.
+//
+// Results are those of the device layer (platform/midi_out_devices.h); the table itself gives
+// MMSYSERR_ERROR for a closed table or a port number out of range, MMSYSERR_INVALHANDLE for a free port, and
+// MMSYSERR_NOMEM where it cannot grow. A layer that throws counts as having given MMSYSERR_ERROR.
+//
+// Threads: SendShort [audio], others [any]. Ports lie in segments that never move and are not given back, so
+// a send needs no lock and its work does not depend on the number of ports. A lock guards opening and
+// closing, but only their work on the table: while a layer opens, closes or sends, nothing is locked, and a
+// device that is just being opened or closed is marked as busy, for which only those wait who want the same
+// device.
+class MidiPortTable {
+public:
+    MidiPortTable() = default;
+    ~MidiPortTable();  // Unload; nobody may be using the table
+    MidiPortTable(const MidiPortTable&) = delete;
+    MidiPortTable& operator=(const MidiPortTable&) = delete;
+
+    std::uint32_t OpenPort(std::uint32_t& port, std::uint32_t index);  // on failure nothing has changed
+    // Gives the port back. The last user of a device ends the notes of this port and closes it; a port that
+    // leaves others on its device must have ended its notes before. Ports that are free: nothing.
+    void ClosePort(std::uint32_t port);
+    std::uint32_t SendShort(std::uint32_t port, std::uint32_t message);
+    std::uint32_t SendLong(std::uint32_t port, const MidiLongMessage& message);
+    void ResetPort(std::uint32_t port);    // all controllers and notes of all channels
+    void SilencePort(std::uint32_t port);  // a note off for each note left on, on a free port too
+    bool IsPortValid(std::uint32_t port) const { return tableClosed == 0 && port < portCount.load(); }
+    // The end of the program: from now on nothing is sent, and every device is given back once its notes are
+    // off.
+    void Unload();
+
+    Relaxed<bool> ignoreProgramChange = false;  // drops program changes on their way; nothing sets it
+
+private:
+    struct OpenDevice {
+        MidiOutHandle handle = 0;
+        std::uint32_t useCount = 0;  // ports
+        bool busy = false;           // being opened or closed, with the lock released
+    };
+    // Segment s holds 8 << s ports: the ports are numbered on from segment to segment.
+    static constexpr std::uint32_t firstSegment = 8;
+    static constexpr std::size_t segmentCount = 28;
+
+    struct Place;
+    TMidiPort* At(std::uint32_t port) const;      // null: out of range
+    TMidiPort* Usable(std::uint32_t port) const;  // null: out of range, or the table is closed
+    std::uint32_t Acquire(std::unique_lock<std::mutex>& hold, std::uint32_t index, MidiOutHandle& handle);
+    bool Release(std::unique_lock<std::mutex>& hold, std::uint32_t port, std::uint32_t index);
+    bool MakeRoom();  // for one port more; under lock
+    bool AnyBusy() const;
+
+    std::atomic<TMidiPort*> ports[segmentCount] = {};  // segments; grows under lock
+    std::atomic<std::uint32_t> portCount{0};  // ports below it are in use or free; changes under lock
+    Relaxed<std::uint32_t> tableClosed = 0;   // set at unload, under lock
+    std::mutex lock;
+    std::condition_variable busyEnded;
+    std::map<std::uint32_t, OpenDevice> openDevices;  // by device index; under lock
+};
+
+// The process's table. It is made when the program is loaded. When the process ends, its devices are closed;
+// its memory stays, for threads that are still sending then.
+std::uint32_t OpenPort(std::uint32_t& port, std::uint32_t index);
+void ClosePort(std::uint32_t port);
+std::uint32_t SendShort(std::uint32_t port, std::uint32_t message);
+std::uint32_t SendLong(std::uint32_t port, const MidiLongMessage& message);
+void ResetPort(std::uint32_t port);
+void SilencePort(std::uint32_t port);
+bool IsPortValid(std::uint32_t port);

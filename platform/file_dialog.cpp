@@ -1,0 +1,188 @@
+#include "platform/file_dialog.h"
+
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <string_view>
+#include <vector>
+
+#include "platform/programs.h"
+
+namespace {
+
+bool DesktopIsKde() {
+    const char* desktop =
+        std::getenv("XDG_CURRENT_DESKTOP");  // NOLINT(concurrency-mt-unsafe): a host does not change it
+    return desktop != nullptr && std::string_view(desktop).find("KDE") != std::string_view::npos;
+}
+
+std::vector<std::string> ZenityArguments(const std::string& program, const FileDialogRequest& request) {
+    std::vector<std::string> arguments = {program, "--file-selection", "--save", "--confirm-overwrite",
+                                          "--title=" + request.title};
+    if (!request.proposedName.empty()) arguments.push_back("--filename=" + request.proposedName);
+    arguments.push_back("--file-filter=" + request.filterName + " | *." + request.extension);
+    return arguments;
+}
+
+std::vector<std::string> KdialogArguments(const std::string& program, const FileDialogRequest& request) {
+    const std::string start = request.proposedName.empty() ? "." : request.proposedName;
+    const bool namesPattern = request.filterName.find("(*") != std::string::npos;
+    const std::string filter = request.filterName + (namesPattern ? "" : " (*." + request.extension + ")");
+    return {program, "--title", request.title, "--getsavefilename", start, filter};
+}
+
+// The desktop's own program first.
+std::vector<std::string> CommandFor(const FileDialogRequest& request) {
+    const std::string zenity = FindProgram("zenity"), kdialog = FindProgram("kdialog");
+    if (!kdialog.empty() && (DesktopIsKde() || zenity.empty())) return KdialogArguments(kdialog, request);
+    if (!zenity.empty()) return ZenityArguments(zenity, request);
+    return {};
+}
+
+// The environment without what a host that brings its own libraries sets for itself: the desktop's programs
+// do not run with those.
+std::vector<char*> Environment() {
+    std::vector<char*> variables;
+    for (char** variable = environ; variable != nullptr && *variable != nullptr; ++variable) {
+        const std::string_view text = *variable;
+        if (!text.starts_with("LD_LIBRARY_PATH=") && !text.starts_with("LD_PRELOAD="))
+            variables.push_back(*variable);
+    }
+    variables.push_back(nullptr);
+    return variables;
+}
+
+// Runs the command with its standard output in the pipe, in a process group of its own, with no signal
+// blocked or ignored that the host blocks or ignores. False when it cannot be run.
+bool Spawn(const std::vector<std::string>& command, int output, pid_t* program) {
+    std::vector<char*> arguments;
+    arguments.reserve(command.size() + 1);
+    for (const std::string& each : command)
+        arguments.push_back(
+            const_cast<char*>(each.c_str()));  // NOLINT(cppcoreguidelines-pro-type-const-cast)
+    arguments.push_back(nullptr);
+
+    posix_spawn_file_actions_t files;
+    if (posix_spawn_file_actions_init(&files) != 0) return false;
+    posix_spawn_file_actions_addopen(&files, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+    posix_spawn_file_actions_adddup2(&files, output, STDOUT_FILENO);
+    posix_spawn_file_actions_addopen(&files, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+    posix_spawn_file_actions_addclosefrom_np(&files, STDERR_FILENO + 1);
+
+    posix_spawnattr_t attributes;
+    posix_spawnattr_init(&attributes);
+    sigset_t none, all;
+    sigemptyset(&none);
+    sigfillset(&all);
+    posix_spawnattr_setsigmask(&attributes, &none);
+    posix_spawnattr_setsigdefault(&attributes, &all);
+    posix_spawnattr_setpgroup(&attributes, 0);
+    posix_spawnattr_setflags(&attributes,
+                             POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETPGROUP);
+
+    const int result =
+        posix_spawn(program, arguments[0], &files, &attributes, arguments.data(), Environment().data());
+    posix_spawnattr_destroy(&attributes);
+    posix_spawn_file_actions_destroy(&files);
+    return result == 0;
+}
+
+bool HasExtension(const std::string& path) {
+    const std::size_t dot = path.rfind('.');
+    const std::size_t slash = path.rfind('/');
+    const std::size_t nameBegins = slash == std::string::npos ? 0 : slash + 1;
+    return dot != std::string::npos && dot > nameBegins && dot + 1 < path.size();
+}
+
+}  // namespace
+
+bool FileDialog::Start(const FileDialogRequest& request) {
+    End();
+    state = State::failed;
+    const std::vector<std::string> command = CommandFor(request);
+    if (command.empty()) return false;
+    int ends[2];
+    if (pipe2(ends, O_CLOEXEC | O_NONBLOCK) != 0) return false;
+    fcntl(ends[1], F_SETFL, 0);  // the program may wait when it writes; we never wait when we read
+    const bool runs = Spawn(command, ends[1], &program);
+    close(ends[1]);
+    answerEnd = ends[0];
+    if (!runs) {
+        CloseAnswer();
+        program = -1;
+        return false;
+    }
+    extension = request.extension;
+    state = State::running;
+    return true;
+}
+
+FileDialog::State FileDialog::Poll() {
+    if (state != State::running) return state;
+    ReadAnswer();
+    int status = 0;
+    if (!HasEnded(&status)) return state;
+    ReadAnswer();  // what it wrote just before
+    CloseAnswer();
+
+    if (!answer.empty() && answer.back() == '\n') answer.pop_back();
+    if (WIFEXITED(status) && WEXITSTATUS(status) == 0 && !answer.empty()) {
+        path = answer;
+        if (!HasExtension(path)) path += "." + extension;
+        state = State::chosen;
+    } else {
+        state = WIFEXITED(status) && WEXITSTATUS(status) <= 1 ? State::cancelled : State::failed;
+    }
+    return state;
+}
+
+void FileDialog::ReadAnswer() {
+    char piece[4096];
+    for (;;) {
+        const ssize_t length = read(answerEnd, piece, sizeof piece);
+        if (length < 0 && errno == EINTR) continue;
+        if (length <= 0) return;  // nothing now, or nothing any more
+        answer.append(piece, std::min(static_cast<std::size_t>(length), answerRoom - answer.size()));
+    }
+}
+
+// Looks first and takes the status last: until then the process group keeps its number, and nobody of it is
+// left to hold the pipe. A host that gathers all ended processes itself leaves no status; an answer counts as
+// given then.
+bool FileDialog::HasEnded(int* status) {
+    siginfo_t info = {};
+    if (waitid(P_PID, static_cast<id_t>(program), &info, WEXITED | WNOHANG | WNOWAIT) == 0) {
+        if (info.si_pid == 0) return false;
+        kill(-program, SIGKILL);
+        if (waitpid(program, status, 0) < 0) *status = 0;
+    } else if (errno == EINTR) {
+        return false;
+    }
+    program = -1;
+    return true;
+}
+
+void FileDialog::CloseAnswer() {
+    if (answerEnd >= 0) close(answerEnd);
+    answerEnd = -1;
+}
+
+void FileDialog::End() {
+    if (program > 0) {
+        kill(-program, SIGKILL);
+        pid_t ended = 0;
+        do ended = waitpid(program, nullptr, 0);
+        while (ended < 0 && errno == EINTR);
+        program = -1;
+    }
+    CloseAnswer();
+    answer.clear();
+    path.clear();
+    state = State::idle;
+}

@@ -1,0 +1,225 @@
+#include "platform/system_midi_out.h"
+
+#include <algorithm>
+#include <chrono>
+#include <string_view>
+#include <thread>
+#include <utility>
+
+#include "platform/jack_out.h"
+#include "platform/sequencer_out.h"
+#include "platform/wide_text.h"
+
+namespace {
+
+std::vector<std::unique_ptr<MidiBackend>> SystemLayers() {
+    std::vector<std::unique_ptr<MidiBackend>> layers;
+    layers.push_back(std::make_unique<SequencerBackend>());
+    layers.push_back(std::make_unique<JackBackend>());
+    return layers;
+}
+
+// By code. A layer's own text comes before these.
+constexpr std::string_view texts[] = {
+    "No error.",
+    "The MIDI device does not take messages. Its server may have stopped.",
+    "There is no such MIDI device, or it has been removed.",
+    "The MIDI driver is not enabled.",
+    "The MIDI device refuses the connection. It may be in use.",
+    "The MIDI device is not open.",
+    "No MIDI driver was found.",
+    "There is not enough memory, or there are too many open MIDI devices.",
+    "The MIDI device does not support this.",
+    "Unknown error number.",
+    "A flag for the MIDI device is not valid.",
+    "This is not a MIDI message.",
+    "The MIDI device is in use by another part of the program.",
+    "The alias of the MIDI device was not found.",
+    "The settings of the MIDI driver are damaged.",
+    "A setting of the MIDI driver was not found.",
+    "The settings of the MIDI driver cannot be read.",
+    "The settings of the MIDI driver cannot be written.",
+    "A setting of the MIDI driver cannot be deleted.",
+    "A value of the MIDI driver was not found.",
+    "The MIDI driver does not answer.",
+};
+
+void CopyWide(std::string_view text, char16_t* field, std::size_t units) {
+    const std::u16string wide = WideText(text, units - 1);
+    *std::copy(wide.begin(), wide.end(), field) = u'\0';
+}
+
+}  // namespace
+
+SystemMidiOut::SystemMidiOut() : SystemMidiOut(SystemLayers()) {}
+
+std::vector<SystemMidiOut::Known> SystemMidiOut::Find() {
+    std::vector<Known> found;
+    for (const auto& backend : backends)
+        for (std::string& name : backend->DeviceNames()) found.push_back({backend.get(), std::move(name)});
+    return found;
+}
+
+// Under reading; takes listLock.
+void SystemMidiOut::Merge(std::vector<Known> found, bool fillGaps) {
+    const std::lock_guard<std::mutex> hold(listLock);
+    const bool anyOpen =
+        std::any_of(devices.begin(), devices.end(), [](const Known& d) { return d.opened > 0; });
+    if (!wasRead || (fillGaps && !anyOpen)) {
+        devices = std::move(found);
+        wasRead = true;
+        return;
+    }
+    for (Known& device : devices) device.there = false;
+    const auto isGap = [](const Known& device) { return !device.there && device.opened == 0; };
+    std::vector<Known> fresh;
+    for (Known& candidate : found) {
+        const auto same = std::find_if(devices.begin(), devices.end(), [&candidate](const Known& d) {
+            return !d.there && d.backend == candidate.backend && d.name == candidate.name;
+        });
+        if (same != devices.end())
+            same->there = true;
+        else
+            fresh.push_back(std::move(candidate));
+    }
+    for (Known& device : fresh) {
+        const auto gap = fillGaps ? std::find_if(devices.begin(), devices.end(), isGap) : devices.end();
+        if (gap != devices.end())
+            *gap = std::move(device);
+        else
+            devices.push_back(std::move(device));
+    }
+    while (fillGaps && !devices.empty() && isGap(devices.back())) devices.pop_back();
+}
+
+void SystemMidiOut::ReadDevices() {
+    const std::lock_guard<std::mutex> one(reading);
+    Merge(Find(), true);
+}
+
+void SystemMidiOut::ReadOnce() {
+    {
+        const std::lock_guard<std::mutex> hold(listLock);
+        if (wasRead) return;
+    }
+    const std::lock_guard<std::mutex> one(reading);
+    {
+        const std::lock_guard<std::mutex> hold(listLock);
+        if (wasRead) return;
+    }
+    Merge(Find(), true);
+}
+
+std::uint32_t SystemMidiOut::midiOutGetNumDevs() {
+    ReadOnce();
+    const std::lock_guard<std::mutex> hold(listLock);
+    return static_cast<std::uint32_t>(devices.size());
+}
+
+std::uint32_t SystemMidiOut::midiOutGetDevCapsW(std::uint32_t id, MidiOutCaps& caps) {
+    ReadOnce();
+    const std::lock_guard<std::mutex> hold(listLock);
+    if (id >= devices.size() || !devices[id].there) return MMSYSERR_BADDEVICEID;
+    CopyWide(devices[id].name, caps.name, MidiOutCaps::nameUnits);
+    return MMSYSERR_NOERROR;
+}
+
+std::uint32_t SystemMidiOut::midiOutOpen(MidiOutHandle& handle, std::uint32_t id) {
+    const std::lock_guard<std::mutex> one(reading);
+    Merge(Find(), false);
+    Known wanted = {};
+    std::size_t slot = 0;
+    {
+        const std::lock_guard<std::mutex> hold(listLock);
+        layerTexts.erase(MMSYSERR_BADDEVICEID);
+        if (id >= devices.size() || !devices[id].there) return MMSYSERR_BADDEVICEID;
+        while (slot < maxOpen && slots[slot].taken) ++slot;
+        if (slot == maxOpen) return MMSYSERR_NOMEM;
+        wanted = devices[id];
+    }
+    MidiOpening opening = wanted.backend->Open(wanted.name);
+    const std::lock_guard<std::mutex> hold(listLock);
+    if (opening.code != MMSYSERR_NOERROR) {
+        layerTexts[opening.code] = std::move(opening.text);
+        return opening.code;
+    }
+    ++devices[id].opened;  // ids hold while `reading` does
+    slots[slot].id = id;
+    handle = Admit(std::move(opening.device), slot);
+    return MMSYSERR_NOERROR;
+}
+
+// Under listLock.
+MidiOutHandle SystemMidiOut::Admit(std::unique_ptr<MidiDevice> device, std::size_t slot) {
+    const MidiOutHandle handle = ++generation * maxOpen + slot;
+    slots[slot].taken = true;
+    slots[slot].device = std::move(device);
+    slots[slot].handle.store(handle);
+    return handle;
+}
+
+// All accesses keep one total order: either the sender sees the handle gone, or the close sees the sender.
+template <typename Use>
+std::uint32_t SystemMidiOut::With(MidiOutHandle handle, Use use) {
+    struct Inside {
+        explicit Inside(Slot& entered) : slot(entered) { slot.inside.fetch_add(1); }
+        ~Inside() { slot.inside.fetch_sub(1); }
+        Inside(const Inside&) = delete;
+        Inside& operator=(const Inside&) = delete;
+        Slot& slot;
+    };
+    const Inside inside(slots[handle % maxOpen]);
+    if (handle == 0 || inside.slot.handle.load() != handle) return MMSYSERR_INVALHANDLE;
+    return use(*inside.slot.device);
+}
+
+std::uint32_t SystemMidiOut::midiOutClose(MidiOutHandle handle) {
+    Slot& slot = slots[handle % maxOpen];
+    MidiOutHandle expected = handle;
+    if (handle == 0 || !slot.handle.compare_exchange_strong(expected, 0)) return MMSYSERR_INVALHANDLE;
+    for (int turn = 0; slot.inside.load() != 0; ++turn)  // a send takes some microseconds
+        if (turn < 100)
+            std::this_thread::yield();
+        else
+            std::this_thread::sleep_for(std::chrono::microseconds(50));
+    slot.device.reset();
+    const std::lock_guard<std::mutex> hold(listLock);
+    --devices[slot.id].opened;
+    slot.taken = false;
+    return MMSYSERR_NOERROR;
+}
+
+std::uint32_t SystemMidiOut::midiOutShortMsg(MidiOutHandle handle, std::uint32_t message) {
+    const std::size_t length = ShortMessageLength(message);
+    return With(handle, [message, length](MidiDevice& device) {
+        return length == 0 ? MMSYSERR_INVALPARAM : device.Send(message, length);
+    });
+}
+
+std::uint32_t SystemMidiOut::midiOutReset(MidiOutHandle handle) {
+    return With(handle, [](MidiDevice& device) {
+        std::uint32_t result = MMSYSERR_NOERROR;
+        for (std::uint32_t channel = 0; channel < 16; ++channel)
+            for (const std::uint32_t controller : {64U, 123U}) {  // the sustain pedal up, all notes off
+                const std::uint32_t code = device.Send(0xB0U | channel | controller << 8, 3);
+                if (code != MMSYSERR_NOERROR) result = code;
+            }
+        return result;
+    });
+}
+
+std::uint32_t SystemMidiOut::midiOutLongMsg(MidiOutHandle handle, const MidiLongMessage& message) {
+    return With(handle, [&message](MidiDevice& device) {
+        return message.data == nullptr || message.length == 0 ? MMSYSERR_INVALPARAM
+                                                              : device.SendLong(message);
+    });
+}
+
+std::uint32_t SystemMidiOut::midiOutGetErrorTextW(std::uint32_t code, MidiOutErrorTextW& text) {
+    if (code >= std::size(texts)) return MMSYSERR_BADERRNUM;
+    const std::lock_guard<std::mutex> hold(listLock);
+    const auto own = layerTexts.find(code);
+    const bool layerHasOne = own != layerTexts.end() && !own->second.empty();
+    CopyWide(layerHasOne ? std::string_view(own->second) : texts[code], text.text, MidiOutErrorTextW::units);
+    return MMSYSERR_NOERROR;
+}

@@ -1,0 +1,73 @@
+#pragma once
+#include <array>
+#include <atomic>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "platform/midi_backend.h"
+#include "platform/midi_out_devices.h"
+
+// The system's MIDI outputs: the ALSA sequencer's devices, then a JACK server's. A layer that is absent has
+// no devices, which is no error.
+//
+// The list is read at its first use, when a device is opened, and by ReadDevices, and kept in between. An id
+// stands for the device that the list showed under it last: while devices come and go between showing and
+// opening, opening gives that device or none. ReadDevices takes the layers' own order where no device is
+// open; while one is, each device keeps its id, those that have gone leave a gap without a name, and new ones
+// fill the gaps.
+//
+// Threads: as the interface says. A send counts itself in at its slot and looks whether the slot still has
+// its handle; a close takes the handle away and waits until nobody is counted in. So no send waits, and none
+// reaches a device that was closed.
+class SystemMidiOut : public MidiOutDevices {
+public:
+    SystemMidiOut();
+    explicit SystemMidiOut(std::vector<std::unique_ptr<MidiBackend>> layers) : backends(std::move(layers)) {}
+
+    std::uint32_t midiOutGetNumDevs() override;
+    std::uint32_t midiOutGetDevCapsW(std::uint32_t id, MidiOutCaps& caps) override;
+    std::uint32_t midiOutOpen(MidiOutHandle& handle, std::uint32_t id) override;
+    std::uint32_t midiOutClose(MidiOutHandle handle) override;
+    std::uint32_t midiOutShortMsg(MidiOutHandle handle, std::uint32_t message) override;
+    std::uint32_t midiOutReset(MidiOutHandle handle) override;
+    std::uint32_t midiOutLongMsg(MidiOutHandle handle, const MidiLongMessage& message) override;
+    std::uint32_t midiOutGetErrorTextW(std::uint32_t code, MidiOutErrorTextW& text) override;
+    SystemVersion GetVersionExA() override { return {10, 0}; }  // of the kind that has no mapper
+    void ReadDevices() override;
+
+    static constexpr std::size_t maxOpen = 128;  // devices at once; a parameter can name 101
+
+private:
+    struct Known {
+        MidiBackend* backend;  // not owned
+        std::string name;      // as the layer spells it
+        bool there = true;     // when the list was read last
+        unsigned opened = 0;
+    };
+    struct Slot {
+        std::atomic<MidiOutHandle> handle{0};  // 0: nothing to send to
+        std::atomic<std::uint32_t> inside{0};  // senders that are looking at handle and device
+        std::unique_ptr<MidiDevice> device;    // changes only while handle is 0 and nobody is inside
+        bool taken = false;                    // under listLock
+        std::vector<Known>::size_type id = 0;  // under listLock
+    };
+
+    std::vector<Known> Find();  // asks the layers; under reading
+    void Merge(std::vector<Known> found, bool fillGaps);
+    void ReadOnce();
+    MidiOutHandle Admit(std::unique_ptr<MidiDevice> device, std::size_t slot);
+    template <typename Use>
+    std::uint32_t With(MidiOutHandle handle, Use use);
+
+    const std::vector<std::unique_ptr<MidiBackend>> backends;
+    std::mutex reading;   // whoever asks the layers for names or a device; taken before listLock
+    std::mutex listLock;  // short: guards what follows
+    bool wasRead = false;
+    std::vector<Known> devices;  // by id
+    MidiOutHandle generation = 0;
+    std::map<std::uint32_t, std::string> layerTexts;  // of the codes that the last failures to open gave
+    std::array<Slot, maxOpen> slots;
+};

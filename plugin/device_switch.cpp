@@ -1,0 +1,147 @@
+#include "plugin/device_switch.h"
+
+#include <stdexcept>
+#include <utility>
+
+#include "base/truncate.h"
+#include "delivery/note_recorder.h"
+#include "delivery/rt_midi_out.h"
+#include "platform/message_box.h"
+#include "plugin/parameter_table.h"
+
+namespace {
+
+constexpr char openingFailed[] = "Error opening MIDI device. It may be already opened by the host.";
+
+}  // namespace
+
+DeviceSwitch::DeviceSwitch(TNoteRecorder& noteRecorder, IMessageBox& messageBox,
+                           IDeviceSwitchOwner& switchOwner)
+    : recorder(noteRecorder), messages(messageBox), owner(switchOwner) {}
+
+DeviceSwitch::~DeviceSwitch() = default;
+
+std::uint32_t DeviceSwitch::DeviceIndex(float value) {
+    return static_cast<std::uint32_t>(TruncateToInt32(value * 100.0F));
+}
+
+void DeviceSwitch::SetDevice(float value) {
+    Ask({paramDevice, value});
+}
+void DeviceSwitch::SetEnabled(bool enabled) {
+    Ask({paramDeviceEnabled, enabled ? 1.0F : 0.0F});
+}
+
+void DeviceSwitch::Ask(Wish wish) {
+    {
+        const std::lock_guard<std::mutex> held(guard);
+        wishes.push_back(wish);
+        if (busy) return;
+        busy = true;
+    }
+    try {
+        for (Wish next; NextWish(next);) Fulfil(next);
+    } catch (...) {
+        const std::lock_guard<std::mutex> held(guard);
+        busy = false;
+        throw;
+    }
+}
+
+bool DeviceSwitch::NextWish(Wish& wish) {
+    const std::lock_guard<std::mutex> held(guard);
+    busy = !wishes.empty();
+    if (!busy) return false;
+    wish = wishes.front();
+    wishes.pop_front();
+    return true;
+}
+
+void DeviceSwitch::Fulfil(Wish wish) {
+    if (wish.index == paramDevice)
+        ApplyDevice(wish.value);
+    else
+        ApplyEnabled(IsOn(wish.value));
+}
+
+void DeviceSwitch::ApplyDevice(float value) {
+    if (!midiDeviceEnabled) {
+        midiDeviceValue = value;  // opened later
+        return;
+    }
+    closeMidiDevice();
+    if (openMidiDevice(value)) return;
+    const float old = midiDeviceValue;
+    if (openMidiDevice(old))
+        owner.DeviceFellBack(paramDevice, old);
+    else
+        owner.DeviceFellBack(paramDeviceEnabled, 0.0F);
+}
+
+void DeviceSwitch::ApplyEnabled(bool enabled) {
+    if (enabled == midiDeviceEnabled) return;
+    if (!enabled)
+        closeMidiDevice();
+    else if (!openMidiDevice(midiDeviceValue))
+        owner.DeviceFellBack(paramDeviceEnabled, 0.0F);
+}
+
+bool DeviceSwitch::openMidiDevice(float value) {
+    std::unique_ptr<TRTMidiOut> opened;
+    try {
+        opened = std::make_unique<TRTMidiOut>(DeviceIndex(value));
+    } catch (const std::runtime_error& error) {
+        messages.Show(error.what(), openingFailed);
+        return false;
+    }
+    closeMidiDevice();
+    midiDeviceValue = value;
+    TRTMidiOut* const output = opened.get();
+    recorder.AddOutput(output);
+    static_cast<void>(opened.release());  // the recorder owns it from here on
+    {
+        const std::lock_guard<TNoteRecorder> held(recorder);
+        midiDeviceOut = output;
+        output->Start();
+    }
+    midiDeviceEnabled = true;
+    owner.DeviceOpened();
+    return true;
+}
+
+void DeviceSwitch::closeMidiDevice() {
+    std::unique_ptr<TRTMidiOut> closed;
+    {
+        const std::lock_guard<TNoteRecorder> held(recorder);
+        if (midiDeviceOut == nullptr) return;
+        closed.reset(std::exchange(midiDeviceOut, nullptr));
+        closed->Stop();
+        recorder.RemoveOutput(closed.get());
+    }
+    midiDeviceEnabled = false;
+    {
+        const std::lock_guard<std::mutex> held(guard);
+        retired.push_back(std::move(closed));
+    }
+    DeleteRetired();
+}
+
+// A walk over the outputs that began before the removal may still be inside one; whoever comes by later
+// deletes it then. Devices close outside all locks, since that takes its time.
+void DeviceSwitch::DeleteRetired() {
+    std::vector<std::unique_ptr<TRTMidiOut>> gone;
+    {
+        const std::lock_guard<std::mutex> held(guard);
+        if (!retired.empty() && recorder.OutputsAreQuiet()) gone.swap(retired);
+    }
+}
+
+void DeviceSwitch::Start() {
+    const std::lock_guard<TNoteRecorder> held(recorder);
+    if (midiDeviceOut != nullptr) midiDeviceOut->Start();
+}
+
+void DeviceSwitch::Stop() {
+    const std::lock_guard<TNoteRecorder> held(recorder);
+    if (midiDeviceOut != nullptr) midiDeviceOut->Stop();
+}

@@ -1,0 +1,75 @@
+#pragma once
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+#include "base/relaxed.h"
+
+class IMessageBox;
+class TNoteRecorder;
+class TRTMidiOut;
+
+// What the device switch needs of the plug-in object.
+class IDeviceSwitchOwner {
+public:
+    // The editor shall show `value` for parameter `index`: the device that is really open, or the switch off.
+    virtual void DeviceFellBack(std::int32_t index, float value) = 0;
+    // A device has just been opened, and shall hear the program and channel in force.
+    virtual void DeviceOpened() = 0;
+
+protected:
+    ~IDeviceSwitchOwner() = default;
+};
+
+// Parameters 88 and 89: which MIDI device is wished for, and whether it is open. A device that cannot be
+// opened is told in a message, and the wish falls back to the device that was open, or to none.
+//
+// Threads: SetDevice and SetEnabled [any], though not for the audio thread's liking: a device takes its time
+// to open. Wishes are fulfilled one after the other, by whoever came first; a wish that comes while another
+// is being fulfilled (from another thread, or from a host that calls back) is left to that one. Start and
+// Stop [audio]. Lock: `midiDeviceOut` is read and replaced under the recorder's lock; devices open and close
+// outside it. Ownership: the recorder owns the output while it is attached.
+class DeviceSwitch {
+public:
+    DeviceSwitch(TNoteRecorder& noteRecorder, IMessageBox& messageBox, IDeviceSwitchOwner& switchOwner);
+    ~DeviceSwitch();
+    DeviceSwitch(const DeviceSwitch&) = delete;
+    DeviceSwitch& operator=(const DeviceSwitch&) = delete;
+
+    void SetDevice(float value);  // device int(value x 100) of the list
+    void SetEnabled(bool enabled);
+    void Start();  // the open device, if any, begins to deliver
+    void Stop();
+    void DeleteRetired();  // outputs that were still in use when they were switched off
+
+    static std::uint32_t DeviceIndex(float value);
+
+    Relaxed<float> midiDeviceValue = 0.0F;    // raw value of parameter 88
+    Relaxed<bool> midiDeviceEnabled = false;  // parameter 89: a device is open
+
+private:
+    struct Wish {
+        std::int32_t index;  // parameter 88 or 89
+        float value;
+    };
+
+    void Ask(Wish wish);
+    bool NextWish(Wish& wish);
+    void Fulfil(Wish wish);
+    void ApplyDevice(float value);
+    void ApplyEnabled(bool enabled);
+    bool openMidiDevice(float value);
+    void closeMidiDevice();
+
+    TNoteRecorder& recorder;
+    IMessageBox& messages;
+    IDeviceSwitchOwner& owner;
+    TRTMidiOut* midiDeviceOut = nullptr;  // under the recorder's lock; null while none is open
+
+    std::mutex guard;                                  // of what follows; held across no call
+    std::deque<Wish> wishes;                           // in the order in which they came
+    bool busy = false;                                 // somebody is fulfilling them
+    std::vector<std::unique_ptr<TRTMidiOut>> retired;  // detached; to be deleted once no thread is inside one
+};

@@ -1,0 +1,149 @@
+#include "platform/user_store.h"
+
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <thread>
+#include <vector>
+
+#include "gtest/gtest.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// A configuration folder of its own for each test.
+class UserStore : public testing::Test {
+protected:
+    UserStore() {
+        std::string made = testing::TempDir() + "store.XXXXXX";
+        base = mkdtemp(made.data());
+        setenv("XDG_CONFIG_HOME", base.c_str(), 1);
+        folder = base / "Software" / "ORVA Labs" / "ORVA Audio To MIDI VST 1.30";
+    }
+    ~UserStore() override {
+        fs::remove_all(base);
+        unsetenv("XDG_CONFIG_HOME");
+    }
+    std::size_t Files() const {
+        return static_cast<std::size_t>(
+            std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
+    }
+    fs::path base, folder;
+};
+
+TEST_F(UserStore, ASettingIsAFileForTheUserAlone) {
+    EXPECT_EQ(readRegistryString("Name"), "");
+    EXPECT_TRUE(writeRegistryString("Name", "Ada"));
+    EXPECT_EQ(readRegistryString("Name"), "Ada");
+    std::ifstream file(folder / "Name");
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}), "Ada");  // without a terminator
+    struct stat found = {};
+    ASSERT_EQ(stat((folder / "Name").c_str(), &found), 0);
+    EXPECT_EQ(found.st_mode & 0777U, 0600U);
+    EXPECT_TRUE(writeRegistryString("Name", ""));
+    EXPECT_EQ(readRegistryString("Name"), "");
+    EXPECT_EQ(Files(), 1U);  // and no draft is left
+}
+
+TEST_F(UserStore, AReaderHasRoomFor255Bytes) {
+    EXPECT_TRUE(writeRegistryString("Code", std::string(255, 'x')));
+    EXPECT_EQ(readRegistryString("Code"), std::string(255, 'x'));
+    EXPECT_TRUE(writeRegistryString("Code", std::string(256, 'x')));
+    EXPECT_EQ(readRegistryString("Code"), "");
+    EXPECT_TRUE(writeRegistryString("Code", std::string(1 << 20, 'x')));
+    EXPECT_EQ(readRegistryString("Code"), "");
+    EXPECT_TRUE(writeRegistryString("Code", std::string("ab\0cd", 5)));
+    EXPECT_EQ(readRegistryString("Code"), "ab");
+}
+
+TEST_F(UserStore, ANameIsNeverAPath) {
+    for (const std::string& name :
+         {std::string(), std::string("."), std::string(".."), std::string(".x"), std::string("a/b"),
+          std::string("../x"), std::string("a\\b"), std::string("a\0b", 3), std::string(201, 'n')}) {
+        EXPECT_FALSE(writeRegistryString(name, "text")) << name;
+        EXPECT_EQ(readRegistryString(name), "");
+    }
+    EXPECT_TRUE(writeRegistryString(std::string(200, 'n'), "text"));
+    EXPECT_EQ(readRegistryString(std::string(200, 'n')), "text");
+}
+
+TEST_F(UserStore, AFolderThatCannotBeWrittenIsNoError) {
+    std::ofstream(base / "file") << "in the way";
+    // A file in the folder's place; folders of the kernel, which refuse even the superuser; none at all.
+    for (const std::string& place :
+         {(base / "file").string(), std::string("/proc/self"), std::string("relative")}) {
+        setenv("XDG_CONFIG_HOME", place.c_str(), 1);
+        setenv("HOME", place.c_str(), 1);
+        EXPECT_FALSE(writeRegistryString("Name", "Ada")) << place;
+        EXPECT_EQ(readRegistryString("Name"), "") << place;
+    }
+    unsetenv("XDG_CONFIG_HOME");
+    unsetenv("HOME");
+    EXPECT_FALSE(writeRegistryString("Name", "Ada"));
+    EXPECT_EQ(readRegistryString("Name"), "");
+    setenv("HOME", base.c_str(), 1);
+    EXPECT_TRUE(writeRegistryString("Name", "Ada"));
+    EXPECT_TRUE(fs::exists(base / ".config" / "Software"));
+}
+
+TEST_F(UserStore, WhatIsNoFileReadsAsEmpty) {
+    ASSERT_TRUE(writeRegistryString("Name", "Ada"));
+    ASSERT_EQ(mkfifo((folder / "Pipe").c_str(), 0600), 0);
+    EXPECT_EQ(readRegistryString("Pipe"), "");  // and does not wait for a writer
+    fs::create_directory(folder / "Folder");
+    EXPECT_EQ(readRegistryString("Folder"), "");
+    EXPECT_FALSE(writeRegistryString("Folder", "text"));
+    EXPECT_EQ(Files(), 3U);
+}
+
+TEST_F(UserStore, AWriteThatBreaksOffLeavesTheOldText) {
+    ASSERT_TRUE(writeRegistryString("Name", "Ada"));
+    rlimit before = {};
+    getrlimit(RLIMIT_FSIZE, &before);
+    const auto handler = signal(SIGXFSZ, SIG_IGN);
+    const rlimit small = {100, before.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &small);  // bytes that a file may have
+    const bool stored = writeRegistryString("Name", std::string(200, 'x'));
+    setrlimit(RLIMIT_FSIZE, &before);
+    signal(SIGXFSZ, handler);
+    EXPECT_FALSE(stored);
+    EXPECT_EQ(readRegistryString("Name"), "Ada");
+    EXPECT_EQ(Files(), 1U);
+}
+
+bool IsOneLetter(const std::string& text) {
+    return text.size() == 255 && text.find_first_not_of(text[0]) == std::string::npos;
+}
+
+TEST_F(UserStore, WritersAtOnceGiveWholeTexts) {
+    ASSERT_TRUE(writeRegistryString("Name", std::string(255, '-')));
+    const pid_t other = fork();
+    if (other == 0) {  // another process
+        bool stored = true;
+        for (int i = 0; i < 100; ++i) stored = writeRegistryString("Name", std::string(255, 'p')) && stored;
+        _exit(stored ? 0 : 1);
+    }
+    std::vector<std::thread> writers;
+    for (const char letter : {'a', 'b', 'c'})
+        writers.emplace_back([letter] {
+            for (int i = 0; i < 100; ++i) EXPECT_TRUE(writeRegistryString("Name", std::string(255, letter)));
+        });
+    for (int i = 0; i < 2000; ++i) EXPECT_TRUE(IsOneLetter(readRegistryString("Name")));
+    for (std::thread& writer : writers) writer.join();
+    int status = -1;
+    ASSERT_EQ(waitpid(other, &status, 0), other);
+    EXPECT_EQ(status, 0);
+    EXPECT_TRUE(IsOneLetter(readRegistryString("Name")));
+    EXPECT_EQ(Files(), 1U);
+}
+
+}  // namespace
