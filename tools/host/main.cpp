@@ -2,13 +2,14 @@
 #include <iostream>
 
 #include "tools/host/commands/command.h"
+#include "tools/host/commands/devices.h"
 #include "tools/host/commands/info.h"
 #include "tools/host/commands/render.h"
 #include "tools/host/commands/score.h"
 
 namespace {
 
-constexpr AddCommand commands[] = {AddRender, AddScore, AddInfo};
+constexpr AddCommand commands[] = {AddRender, AddScore, AddDevices, AddInfo};
 
 int Run(int argc, char** argv) {
     CLI::App program("ORVA Audio To MIDI in a terminal", "orva-host");

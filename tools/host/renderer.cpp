@@ -4,8 +4,10 @@
 
 #include <algorithm>
 #include <charconv>
+#include <chrono>
 #include <cmath>
 #include <stdexcept>
+#include <thread>
 
 #include "tools/host/hosted_plugin.h"
 
@@ -33,9 +35,14 @@ Take Render(const PluginModule& module, const std::string& path, const RenderSet
         plugin.SetParameter(setting.index, setting.value);
 
     std::vector<float> block(static_cast<std::size_t>(settings.blockSize));
+    const auto start = std::chrono::steady_clock::now();
     while (const std::size_t count = audio.Read(block.data(), block.size())) {
         plugin.Process(block.data(), static_cast<std::int32_t>(count));
         progress(audio.Progress());
+        if (settings.realTime)
+            std::this_thread::sleep_until(
+                start + std::chrono::duration_cast<std::chrono::steady_clock::duration>(
+                            std::chrono::duration<double>(Seconds(take, plugin.SamplesDelivered()))));
     }
     plugin.Stop();
     take.length = plugin.SamplesDelivered();

@@ -18,6 +18,7 @@ struct RenderSettings {
     AudioFile::Channel channel = AudioFile::Channel::first;
     std::string hostVendor = "ORVA";
     std::vector<ParameterSetting> parameters;  // set in this order before the first block
+    bool realTime = false;                     // blocks at the pace of the audio, for a device that listens
 };
 
 // Plays one audio file through a fresh instance and returns what it sent. `progress` hears the share that is

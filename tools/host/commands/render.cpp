@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "notes/notes.h"
+#include "tools/host/commands/devices.h"
 #include "tools/host/output_file.h"
 #include "tools/host/picture.h"
 #include "tools/host/plugin_facts.h"
@@ -53,6 +54,7 @@ struct RenderOptions {
     bool mix = false;
     std::vector<std::string> parameters;  // NAME=VALUE
     std::string plugin;                   // empty: the usual places
+    std::string device;                   // empty: none
     unsigned jobs = 1;                    // 0: one for each core
     RenderSettings settings;
 };
@@ -97,10 +99,21 @@ bool Deliver(const RenderOptions& options, std::size_t index, const Outcome& out
     return true;
 }
 
+// The plug-in's own output to a device is switched on by its parameters, and the music plays in real time.
+void UseDevice(RenderOptions& options) {
+    if (options.device.empty()) return;
+    const std::uint32_t index = FindDevice(options.device);
+    options.settings.parameters.push_back({88, static_cast<float>(index) * 0.01F});
+    options.settings.parameters.push_back({89, 1.0F});
+    options.settings.realTime = true;
+    options.jobs = 1;
+}
+
 int RenderFiles(RenderOptions& options) {
     for (RenderOutput& output : options.outputs) FindPaths(options.files, output);
     const PluginModule module(FindPlugin(options.plugin));
     options.settings.parameters = Parameters(options, module);
+    UseDevice(options);
     options.settings.channel = options.mix ? AudioFile::Channel::mix : AudioFile::Channel::first;
 
     bool allDone = true;
@@ -145,6 +158,11 @@ void AddRender(CLI::App& program, Job& chosen) {
     command->add_option("--jobs", options->jobs, "files heard at a time; 0 for one on each core")
         ->type_name("N")
         ->capture_default_str();
+    command
+        ->add_option(
+            "--device", options->device,
+            "play in real time, and send the notes to this MIDI device; `orva-host devices` lists them")
+        ->type_name("NAME");
     command->add_option("--plugin", options->plugin, "the plug-in's file")->type_name("FILE");
     command
         ->add_option("--host-vendor", options->settings.hostVendor, "the maker that the plug-in is told of")
