@@ -53,7 +53,7 @@ bool DeviceSwitch::NextWish(Wish& wish) {
     busy = !wishes.empty();
     if (!busy) return false;
     wish = wishes.front();
-    wishes.pop_front();
+    wishes.erase(wishes.begin());
     return true;
 }
 

@@ -1,6 +1,5 @@
 #pragma once
 #include <cstdint>
-#include <deque>
 #include <memory>
 #include <mutex>
 #include <vector>
@@ -69,7 +68,7 @@ private:
     TRTMidiOut* midiDeviceOut = nullptr;  // under the recorder's lock; null while none is open
 
     std::mutex guard;                                  // of what follows; held across no call
-    std::deque<Wish> wishes;                           // in the order in which they came
+    std::vector<Wish> wishes;                          // in the order in which they came
     bool busy = false;                                 // somebody is fulfilling them
     std::vector<std::unique_ptr<TRTMidiOut>> retired;  // detached; to be deleted once no thread is inside one
 };
