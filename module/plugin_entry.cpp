@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "base/float_environment.h"
+#include "editor/editor_factory.h"
 #include "plugin/gui_plugin_ex.h"
 
 AEffect* OpenPlugin(audioMasterCallback host) noexcept {
@@ -10,7 +11,7 @@ AEffect* OpenPlugin(audioMasterCallback host) noexcept {
     const FloatEnvironment hosts;
     try {
         if (host(nullptr, audioMasterVersion, 0, 0, nullptr, 0) == 0) return nullptr;
-        auto effect = std::make_unique<CORVAguivstEx>(host);
+        auto effect = std::make_unique<CORVAguivstEx>(host, MakeGuiEditor);
         if (editorCreationFailed) return nullptr;
         return effect.release()->getAeffect();
     } catch (...) {

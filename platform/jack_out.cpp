@@ -88,7 +88,7 @@ public:
         if (link->granted && !link->gone.load()) link->AwaitQuiet();
         const QuietAttempt attempt;
         std::erase(AllLinks().open, link.get());
-        if (link->gone.load())
+        if (false)
             AllLinks().dead.push_back(std::move(link));
         else
             jack_client_close(link->client);
@@ -127,7 +127,8 @@ public:
         auto whole = std::make_unique<Whole>();
         whole->bytes.assign(message.data, message.data + message.length);
         const std::uint32_t result = Queue({0, 0, whole.get()});
-        if (result == MMSYSERR_NOERROR) whole.release();  // the ring's, then the finished ones'
+        if (result == MMSYSERR_NOERROR)
+            static_cast<void>(whole.release());  // the ring's, then the finished ones'
         return result;
     }
 

@@ -12,8 +12,6 @@
 #include <mutex>
 #include <string_view>
 
-extern char** environ;
-
 namespace {
 
 bool IsExecutable(const std::string& path) {
@@ -65,6 +63,7 @@ std::vector<char*> Environment() {
 // 0 where it cannot be started.
 pid_t Spawn(const std::vector<std::string>& arguments) {
     std::vector<char*> words;
+    words.reserve(arguments.size() + 1);
     for (const std::string& argument : arguments) words.push_back(const_cast<char*>(argument.c_str()));
     words.push_back(nullptr);
     std::vector<char*> environment = Environment();

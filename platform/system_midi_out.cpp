@@ -131,7 +131,7 @@ std::uint32_t SystemMidiOut::midiOutOpen(MidiOutHandle& handle, std::uint32_t id
     std::size_t slot = 0;
     {
         const std::lock_guard<std::mutex> hold(listLock);
-        layerTexts.erase(MMSYSERR_BADDEVICEID);
+        layerTexts.clear();
         if (id >= devices.size() || !devices[id].there) return MMSYSERR_BADDEVICEID;
         while (slot < maxOpen && slots[slot].taken) ++slot;
         if (slot == maxOpen) return MMSYSERR_NOMEM;

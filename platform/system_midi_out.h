@@ -68,6 +68,6 @@ private:
     bool wasRead = false;
     std::vector<Known> devices;  // by id
     MidiOutHandle generation = 0;
-    std::map<std::uint32_t, std::string> layerTexts;  // of the codes that the last failures to open gave
+    std::map<std::uint32_t, std::string> layerTexts;  // by code: of the last opening, if it failed
     std::array<Slot, maxOpen> slots;
 };

@@ -13,8 +13,9 @@ Bytes Delta(std::uint32_t ticks) {
 }
 
 // The meter, key and tempo of a new file, with their deltas.
-const Bytes plainConductor{0, 0xFF, 0x58, 4, 4,    2,    0x18, 8,    0,    0xFF, 0x59,
-                           2, 0,    0,    0, 0xFF, 0x51, 3,    0x07, 0xA1, 0x20};
+const Bytes plainConductor{0, 0xFF, 0x58, 4, 4,    2,    0x18, 8,  // meter: 4/4
+                           0, 0xFF, 0x59, 2, 0,    0,              // key: no sharps, major
+                           0, 0xFF, 0x51, 3, 0x07, 0xA1, 0x20};    // tempo: 500000
 
 Bytes Joined(std::initializer_list<Bytes> parts) {
     Bytes all;
@@ -27,15 +28,12 @@ const Bytes endOfTrack{0, 0xFF, 0x2F, 0};
 Bytes Header(std::uint8_t tracks) {
     return {'M', 'T', 'h', 'd', 0, 0, 0, 6, 0, 1, 0, tracks, 0, 120};
 }
+
 Bytes Chunk(std::uint32_t length) {
-    return {'M',
-            'T',
-            'r',
-            'k',
-            0,
-            static_cast<std::uint8_t>(length >> 16),
-            static_cast<std::uint8_t>(length >> 8),
-            static_cast<std::uint8_t>(length)};
+    MemoryStream stream;
+    PutTag(stream, "MTrk");
+    PutU32(stream, length);
+    return stream.data;
 }
 
 }  // namespace

@@ -9,6 +9,9 @@
 #include <filesystem>
 #include <memory>
 #include <numbers>
+#include <sstream>
+#include <string>
+#include <vector>
 #if defined(__SSE2__)
 #include <xmmintrin.h>
 #endif
@@ -92,7 +95,6 @@ TEST_F(Module, EachEntryPointOpensThePlugIn) {
     }
 }
 
-// The host's version is asked once per process, so this relies on the process of its own that ctest gives it.
 TEST_F(Module, TurnsASineIntoItsNote) {
     FakeHost host;
     Plug plug(Find("VSTPluginMain")(FakeHost::Callback));

@@ -4,6 +4,7 @@
 #include <jack/midiport.h>
 #include <semaphore.h>
 #include <signal.h>
+#include <sys/file.h>
 #include <sys/prctl.h>
 #include <sys/types.h>
 #include <sys/wait.h>
@@ -40,13 +41,11 @@ inline jack_client_t* QuietJackClient(const char* name) {
 // exception that tells what the server said.
 class JackServer {
 public:
-    JackServer() : name("orva-test-" + std::to_string(getpid())), log(testing::TempDir() + name + ".log") {
-        setenv("JACK_DEFAULT_SERVER", name.c_str(), 1);
-        Start();
+    JackServer() {
+        for (int number = 0; !StartAs(number); ++number) continue;
     }
     ~JackServer() {
-        // A server that was killed still has its place in a list of eight that all servers of the machine
-        // share. Only one of its name can give it back.
+        // A server that was killed keeps its place in the list; only one of its name can give it back.
         try {
             if (process <= 0) Start();
         } catch (const std::exception& fault) {
@@ -56,6 +55,7 @@ public:
         End(SIGTERM);
         std::filesystem::remove(log);
         unsetenv("JACK_DEFAULT_SERVER");
+        close(lock);
     }
     JackServer(const JackServer&) = delete;
     JackServer& operator=(const JackServer&) = delete;
@@ -69,9 +69,7 @@ public:
                 jack_client_close(client);
                 return;
             }
-            const bool ended = waitpid(process, nullptr, WNOHANG) == process;
-            if (ended) process = -1;
-            if (ended || std::chrono::steady_clock::now() > patience) {
+            if (HasEnded() || std::chrono::steady_clock::now() > patience) {
                 End(SIGKILL);
                 throw std::runtime_error("jackd does not start. It said:\n" + Said());
             }
@@ -84,10 +82,31 @@ public:
     }
 
 private:
+    // False where the name is taken: by another test, or by a server that was killed and whose end its parent
+    // has not seen yet. There are few names, since all servers of the machine share a list of eight, and one
+    // that was killed with its test keeps its place there until the next of its name.
+    bool StartAs(int number) {
+        name = "orva-test-" + std::to_string(number);
+        log = testing::TempDir() + name + ".log";
+        const std::string file = testing::TempDir() + name + ".lock";
+        lock = open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+        if (lock < 0) throw std::runtime_error(file + " cannot be opened");
+        setenv("JACK_DEFAULT_SERVER", name.c_str(), 1);
+        try {
+            if (flock(lock, LOCK_EX | LOCK_NB) == 0) {
+                Start();
+                return true;
+            }
+        } catch (const std::exception&) {
+            if (number == 7 || Said().find("already active") == std::string::npos) throw;
+        }
+        close(lock);
+        return false;
+    }
     void Run() {
         process = fork();
         if (process != 0) return;
-        prctl(PR_SET_PDEATHSIG, SIGTERM);  // a test that crashes takes its server along
+        prctl(PR_SET_PDEATHSIG, SIGKILL);  // a test that crashes takes its server along
         const int file = open(log.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
         dup2(file, STDOUT_FILENO);
         dup2(file, STDERR_FILENO);
@@ -97,11 +116,15 @@ private:
         perror("jackd");
         _exit(127);
     }
+    bool HasEnded() {
+        if (process > 0 && waitpid(process, nullptr, WNOHANG) == process) process = -1;
+        return process <= 0;
+    }
     void End(int signal) {
-        if (process > 0) {
-            kill(process, signal);
-            waitpid(process, nullptr, 0);
-            process = -1;
+        if (process > 0) kill(process, signal);
+        for (int turn = 0; !HasEnded(); ++turn) {
+            if (turn == 500) kill(process, SIGKILL);  // it may hang over clients that ended without a word
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
         }
         // A server that was killed leaves its semaphores and memory behind.
         std::error_code ignored;
@@ -115,6 +138,7 @@ private:
     }
 
     std::string name;
+    int lock = -1;       // file that stands for the name
     std::string log;     // file with what it writes
     pid_t process = -1;  // -1: none
 };

@@ -35,7 +35,7 @@ protected:
         unsetenv("WAYLAND_DISPLAY");
     }
     ~Programs() override {
-        setenv("PATH", "/usr/local/bin:/usr/bin:/bin", 1);
+        setenv("PATH", pathBefore.c_str(), 1);
         unsetenv("DISPLAY");
         fs::remove_all(folder);
     }
@@ -74,6 +74,7 @@ protected:
     static bool HasNoChildren() { return waitpid(-1, nullptr, WNOHANG) == -1 && errno == ECHILD; }
     std::string Path(const std::string& name) const { return folder / name; }
 
+    const std::string pathBefore = std::getenv("PATH");
     fs::path folder;
 };
 

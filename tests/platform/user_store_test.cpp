@@ -32,11 +32,13 @@ protected:
     ~UserStore() override {
         fs::remove_all(base);
         unsetenv("XDG_CONFIG_HOME");
+        setenv("HOME", homeBefore.c_str(), 1);
     }
     std::size_t Files() const {
         return static_cast<std::size_t>(
             std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
     }
+    const std::string homeBefore = std::getenv("HOME") != nullptr ? std::getenv("HOME") : "/";
     fs::path base, folder;
 };
 

@@ -1,0 +1,40 @@
+#pragma once
+#include <cstdint>
+#include <memory>
+
+#include "editor/holder_window.h"
+#include "editor/toolkit.h"
+#include "plugin/editor_interface.h"
+#include "vst2/records.h"
+#include "vstgui/lib/cframe.h"
+
+// An editor that lives in a frame of the toolkit: the frame's window within the host's, the event loop on the
+// host's idle calls, keys, and the way back for the toolkit.
+//
+// Life: open and close any number of times, in any order; close, idle and keys without a window do nothing.
+// Threads: [ui]; each entry holds the toolkit's lock. Nothing of a closed editor stays on the display.
+class AEffGUIEditor : public IPluginEditor, public VSTGUI::VSTGUIEditorInterface {
+public:
+    AEffGUIEditor(std::int32_t width, std::int32_t height);
+    ~AEffGUIEditor() override;
+
+    bool getRect(ERect** editorRect) override;  // fixed, known before the first open
+    bool open(void* parent) override;           // false without a display or a window `parent`
+    void close() override;
+    bool isOpen() const override { return frame != nullptr; }
+    void idle() override;  // shows what has become dirty
+    bool onKeyDown(const VstKeyCode& key) override;
+    bool onKeyUp(const VstKeyCode& key) override;
+
+protected:
+    void PumpEvents();         // one round of the toolkit's event loop, and what it made dirty
+    void FinishOpenedMenus();  // a menu that is down keeps its frame alive until it has gone
+
+    ERect rect;
+
+private:
+    bool dispatchKey(const VstKeyCode& key, bool down);
+
+    std::unique_ptr<ToolkitSession> session;  // while open
+    std::unique_ptr<HolderWindow> holder;     // while open
+};

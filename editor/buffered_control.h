@@ -1,0 +1,35 @@
+#pragma once
+#include "vst2/records.h"
+#include "vstgui/lib/cbitmap.h"
+#include "vstgui/lib/coffscreencontext.h"
+#include "vstgui/lib/controls/ccontrol.h"
+
+// A control that draws through a buffer of its own size: it repaints the buffer when something changed, and
+// the window takes its pixels from there.
+//
+// Threads: [ui], all of it.
+class CBufferedControl : public VSTGUI::CControl {
+public:
+    CBufferedControl(const VSTGUI::CRect& size, VSTGUI::IControlListener* controlListener,
+                     std::int32_t controlTag)
+        : CControl(size, controlListener, controlTag) {}
+
+    void draw(VSTGUI::CDrawContext* context) override;  // copies the buffer; without one, nothing
+    bool attached(VSTGUI::CView* parent) override;      // the first time, makes the buffers
+    void setDirty(bool dirty = true) override;
+
+    CLASS_METHODS_NOCOPY(CBufferedControl, CControl)
+
+    // Makes context and bitmap of the control's size, if they do not yet exist.
+    virtual void createBuffers();
+
+protected:
+    // Made together, kept until the control goes; `offscreenBitmap` is what `offscreen` draws into.
+    VSTGUI::SharedPointer<VSTGUI::COffscreenContext> offscreen;
+    VSTGUI::SharedPointer<VSTGUI::CBitmap> offscreenBitmap;
+
+    static VSTGUI::SharedPointer<VSTGUI::COffscreenContext> MakeContext(const VSTGUI::CPoint& size);
+
+    // Something changed since the buffer was painted. The toolkit's own mark is gone by the time draw runs.
+    bool bufferIsStale = true;
+};

@@ -1,0 +1,43 @@
+#pragma once
+#include <cstdint>
+#include <vector>
+
+#include "editor/buffered_control.h"
+#include "editor/equalizer_stroke.h"
+
+// The 84 bars of the equalizer, drawn like a freehand curve with the left mouse button held.
+//
+// The control's value is the index of the bar that changed; the listener reads its height from barHeights.
+// Threads: [ui].
+class CEqualizer : public CBufferedControl {
+public:
+    CEqualizer(const VSTGUI::CRect& size, VSTGUI::IControlListener* controlListener, std::int32_t controlTag);
+
+    // Stores the height, makes the bar the control's value, and tells the listener.
+    void setBarHeight(std::int32_t bar, std::int32_t pixels);
+
+    // Pixels of a bar of value 1.
+    std::int32_t HighestBar() const {
+        return static_cast<std::int32_t>(getHeight()) - EqualizerStroke::frame;
+    }
+
+    void draw(VSTGUI::CDrawContext* context) override;
+    void onMouseDownEvent(VSTGUI::MouseDownEvent& event) override;
+    void onMouseMoveEvent(VSTGUI::MouseMoveEvent& event) override;
+    void onMouseUpEvent(VSTGUI::MouseUpEvent& event) override;
+    void onMouseCancelEvent(VSTGUI::MouseCancelEvent& event) override;
+
+    CLASS_METHODS_NOCOPY(CEqualizer, CBufferedControl)
+
+    VSTGUI::CColor gridColor;
+    VSTGUI::CColor barColor;
+    std::vector<std::int32_t> barHeights;  // pixels, one a bar; who writes here marks the control dirty
+    std::int32_t barWidth;                 // pixels; a gap of one pixel follows each bar
+
+private:
+    void Redraw();
+    void Follow(const VSTGUI::MouseEvent& event);
+    void FinishStroke();
+
+    EqualizerStroke stroke;
+};

@@ -1,0 +1,62 @@
+#include "editor/equalizer_frame.h"
+
+#include "base/truncate.h"
+#include "editor/gui_editor.h"
+#include "editor/look.h"
+#include "vst2/records.h"
+#include "vstgui/lib/cbitmap.h"
+#include "vstgui/lib/controls/cbuttons.h"
+
+using namespace VSTGUI;
+
+namespace {
+
+constexpr std::int32_t tagEqualizer = 11;
+constexpr std::int32_t tagOff = 0, tagHalf = 5, tagFull = 10;  // tenths of a full bar
+constexpr std::int32_t firstBar = 3;                           // the lowest bar's parameter
+
+}  // namespace
+
+CEqualizerFrame::CEqualizerFrame(guiEditor* itsEditor) : CORVAFrame(itsEditor, 118) {
+    const CCoord height = getHeight();
+    equalizer = new CEqualizer(CRect(7, 10, 260, height - 47), this, tagEqualizer);
+    equalizer->gridColor = labelColor;
+    equalizer->barColor = barColorOfEqualizer;
+    addView(equalizer);
+
+    const auto add = [this, height](std::int32_t tag, CCoord left, std::int32_t id) {
+        addView(
+            new CKickButton(controls::HalfOf(getBitmap(id), {left, height - 30}), this, tag, getBitmap(id)));
+    };
+    add(tagOff, 7, 130);
+    add(tagHalf, 109, 131);
+    add(tagFull, 210, 132);
+}
+
+void CEqualizerFrame::valueChanged(CControl* control) {
+    const std::int32_t tag = control->getTag();
+    if (tag == tagEqualizer) {
+        const std::int32_t bar = TruncateToInt32(control->getValue());
+        const auto height = static_cast<float>(equalizer->barHeights[static_cast<std::size_t>(bar)]);
+        editor->valueChanged(bar + firstBar, height / static_cast<float>(equalizer->HighestBar()));
+    } else if (control->getValue() == 0) {  // released
+        SetAllBars(static_cast<float>(tag * 0.1));
+    }
+}
+
+void CEqualizerFrame::SetAllBars(float value) {
+    const std::int32_t height = TruncateToInt32(value * static_cast<float>(equalizer->HighestBar()));
+    for (std::int32_t bar = 0; bar < EqualizerStroke::bars; ++bar) {
+        equalizer->barHeights[static_cast<std::size_t>(bar)] = height;
+        editor->valueChanged(bar + firstBar, value);
+    }
+    equalizer->setDirty();
+    invalid();
+}
+
+void CEqualizerFrame::setParameter(std::int32_t index, float value) {
+    if (index < firstBar || index >= firstBar + EqualizerStroke::bars) return;
+    const auto bar = static_cast<std::size_t>(index - firstBar);
+    equalizer->barHeights[bar] = TruncateToInt32(value * static_cast<float>(equalizer->HighestBar()));
+    equalizer->setDirty();
+}

@@ -1,0 +1,21 @@
+#pragma once
+#include "editor/equalizer.h"
+#include "editor/orva_frame.h"
+
+// The equalizer page: 84 bars to be drawn with the mouse, parameters 3 to 86.
+//
+// Threads: [ui].
+class CEqualizerFrame : public CORVAFrame {
+public:
+    explicit CEqualizerFrame(guiEditor* itsEditor);
+
+    void valueChanged(VSTGUI::CControl* control) override;
+    void setParameter(std::int32_t index, float value) override;
+
+    CLASS_METHODS_NOCOPY(CEqualizerFrame, CORVAFrame)
+
+private:
+    void SetAllBars(float value);
+
+    CEqualizer* equalizer;
+};

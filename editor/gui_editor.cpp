@@ -1,0 +1,291 @@
+#include "editor/gui_editor.h"
+
+#include <dlfcn.h>
+
+#include <chrono>
+#include <filesystem>
+
+#include "delivery/midi_device_list.h"
+#include "editor/idle_clock.h"
+#include "editor/look.h"
+#include "editor/message_view.h"
+#include "editor/pictures.h"
+#include "editor/plug_window.h"
+#include "platform/shell.h"
+#include "vst2/records.h"
+#include "vstgui/lib/cresourcedescription.h"
+#include "vstgui/lib/platform/common/genericoptionmenu.h"
+#include "vstgui/lib/platform/iplatformbitmap.h"
+#include "vstgui/lib/platform/iplatformframe.h"
+#include "vstgui/lib/platform/platformfactory.h"
+
+namespace {
+
+constexpr std::int32_t backgroundId = 103;
+constexpr std::int32_t firstNoParameter = 99;  // tags from here on never reach the plug-in object
+
+// Menus within the window, in its colours; the toolkit's own are dark.
+VSTGUI::GenericOptionMenuTheme MenuTheme() {
+    VSTGUI::GenericOptionMenuTheme theme;
+    theme.font = EditorFont(11);  // the sixteen channels fit the window
+    theme.backgroundColor = menuColor;
+    theme.backgroundColor.alpha = 254;  // a wholly opaque one is not drawn
+    theme.textColor = labelColor;
+    theme.disabledTextColor = labelColor;
+    theme.selectedBackgroundColor = labelColor;
+    theme.selectedTextColor = menuFrameColor;
+    theme.menuAnimationTime = 40;  // ms
+    return theme;
+}
+
+// The folder that this module was loaded from.
+std::filesystem::path ModuleFolder() {
+    static const char here = 0;
+    Dl_info info = {};
+    if (dladdr(&here, &info) == 0 || info.dli_fname == nullptr) return {};
+    return std::filesystem::path(info.dli_fname).parent_path();
+}
+
+// Milliseconds, wrapping.
+std::uint32_t Ticks() {
+    const auto now = std::chrono::steady_clock::now().time_since_epoch();
+    return static_cast<std::uint32_t>(std::chrono::duration_cast<std::chrono::milliseconds>(now).count());
+}
+
+// Counts an entry of ours on the stack.
+class Busy {
+public:
+    explicit Busy(int& itsCount) : count(itsCount) { ++count; }
+    ~Busy() { --count; }
+    Busy(const Busy&) = delete;
+    Busy& operator=(const Busy&) = delete;
+
+private:
+    int& count;
+};
+
+}  // namespace
+
+guiEditor::guiEditor(CORVAguivst* plugin)
+    : AEffGUIEditor(SizeOfPicture(backgroundId).width, SizeOfPicture(backgroundId).height), effect(plugin) {}
+
+guiEditor::~guiEditor() {
+    const std::lock_guard locked(ToolkitLock());
+    CloseNow();
+}
+
+bool guiEditor::open(void* parent) {
+    const std::lock_guard locked(ToolkitLock());
+    if (busy > 0) return false;
+    CloseNow();
+    if (!AEffGUIEditor::open(parent)) return false;
+    auto theme = MenuTheme();
+    frame->getPlatformFrame()->setupGenericOptionMenu(true, &theme);
+    background = getBitmap(backgroundId);
+    window = new CPlugWindow(frame->getViewSize(), this, background);
+    frame->addView(window);
+
+    mailbox.drain([](std::int32_t, float) {});  // older than what is read now
+    for (std::int32_t i = 0; i < firstNoParameter; ++i) window->setParameter(i, effect->getParameter(i));
+    isEditorOpen = true;
+    lastIdleTick = Ticks();
+    effect->messages.SetWindow(this);
+    return true;
+}
+
+void guiEditor::close() {
+    const std::lock_guard locked(ToolkitLock());
+    if (busy > 0)
+        closeLater = true;
+    else
+        CloseNow();
+}
+
+void guiEditor::CloseNow() {
+    closeLater = false;
+    isEditorOpen = false;
+    if (effect != nullptr) effect->messages.SetWindow(nullptr);
+    fileDialog.End();
+    fileChosen = nullptr;
+    errands.clear();
+    std::deque<Message> unseen;
+    {
+        const std::lock_guard locked(messagesGuard);
+        unseen.swap(messages);
+    }
+    if (!messageIsUp) FinishOpenedMenus();
+    messageIsUp = false;
+    window = nullptr;
+    AEffGUIEditor::close();
+    for (const Message& each : unseen) SystemMessageBox().Show(each.text, each.caption);
+}
+
+void guiEditor::idle() {
+    const std::lock_guard locked(ToolkitLock());
+    if (busy > 0) return;
+    {
+        const Busy now(busy);
+        mailbox.drain([this](std::int32_t index, float value) {
+            if (isEditorOpen) window->setParameter(index, value);
+        });
+        PumpEvents();
+        RunErrands();
+        PollFileDialog();
+        ShowNextMessage();
+
+        const std::uint32_t steps = WholeIdleSteps(Ticks(), lastIdleTick);
+        if (steps > 0) {
+            if (window != nullptr) {
+                effect->buildLevels(levels);
+                window->update(levels);
+            }
+            AEffGUIEditor::idle();
+            lastIdleTick = AdvanceIdleTick(lastIdleTick, steps);
+        }
+    }
+    if (closeLater || (isEditorOpen && ToolkitSession::ConnectionLost())) CloseNow();
+}
+
+bool guiEditor::onKeyDown(const VstKeyCode& key) {
+    const std::lock_guard locked(ToolkitLock());
+    if (window == nullptr || busy > 0) return false;
+    if (key.virt == VKEY_F1) {
+        OpenHelp();
+        return true;
+    }
+    bool used = false;
+    {
+        const Busy now(busy);
+        used = AEffGUIEditor::onKeyDown(key);
+    }
+    if (closeLater) CloseNow();
+    return used;
+}
+
+void guiEditor::parameterChanged(std::int32_t index, float value) {
+    mailbox.post(index, value);
+}
+
+VSTGUI::CBitmap* guiEditor::getBitmap(std::int32_t id) {
+    auto& bitmap = bitmaps[id];
+    if (!bitmap) {
+        VSTGUI::PlatformBitmapPtr picture;
+        if (const Picture* bytes = FindPicture(id))
+            picture = VSTGUI::getPlatformFactory().createBitmapFromMemory(
+                bytes->begin, static_cast<std::uint32_t>(bytes->Size()));
+        bitmap = picture ? VSTGUI::makeOwned<VSTGUI::CBitmap>(picture)
+                         : VSTGUI::makeOwned<VSTGUI::CBitmap>(VSTGUI::CResourceDescription(id));
+    }
+    return bitmap;
+}
+
+void guiEditor::valueChanged(std::int32_t tag, float value) {
+    if (tag < firstNoParameter) effect->setParameterFromEditor(tag, value);
+    if (window != nullptr) window->onValueChanged(tag, value);
+}
+
+bool guiEditor::canSendToHost() const {
+    return effect->canHostDo("receiveVstMidiEvent") == 1;
+}
+
+bool guiEditor::hostAsked() const {
+    return effect->hostAskedMidiOut;
+}
+
+std::string guiEditor::ParameterDisplay(std::int32_t index) const {
+    char text[256] = {};
+    effect->getParameterDisplay(index, text);
+    return text;
+}
+
+std::vector<std::string> guiEditor::MidiDeviceNames() const {
+    ReadMidiOutDevices();
+    std::vector<std::string> names;
+    const std::uint32_t count = MidiOutDeviceCount();
+    for (std::uint32_t i = 0; i < count; ++i) names.push_back(MidiOutDeviceName(i));
+    return names;
+}
+
+bool guiEditor::TakeMessage(const std::string& text, const std::string& caption) {
+    if (!isEditorOpen) return false;
+    const std::lock_guard locked(messagesGuard);
+    messages.push_back({text, caption});
+    return true;
+}
+
+void guiEditor::ShowMessage(const std::string& text, const std::string& caption) {
+    effect->messages.Show(text, caption);
+}
+
+// One after another: the next one comes up when the user has closed the last.
+void guiEditor::ShowNextMessage() {
+    if (window == nullptr || messageIsUp || frame->getModalView() != nullptr) return;
+    Message next;
+    {
+        const std::lock_guard locked(messagesGuard);
+        if (messages.empty()) return;
+        next = std::move(messages.front());
+        messages.pop_front();
+    }
+    const auto dismissed = [this] {  // comes from the view itself, which must outlive the call
+        errands.emplace_back([this] {
+            frame->endModalViewSession(messageSession);
+            messageIsUp = false;
+        });
+    };
+    auto* view = new CMessageView(frame->getViewSize(), next.text, next.caption, dismissed);
+    if (const auto shown = frame->beginModalViewSession(view)) {
+        messageSession = *shown;
+        messageIsUp = true;
+    }
+}
+
+void guiEditor::AskForFile(const FileDialogRequest& request,
+                           std::function<void(const std::string&)> whenChosen) {
+    errands.emplace_back([this, request, call = std::move(whenChosen)] {
+        if (fileDialog.Poll() == FileDialog::State::running) return;  // the user still has one to answer
+        if (fileDialog.Start(request)) {
+            fileChosen = call;
+        } else {
+            fileDialog.End();
+            ShowMessage("No file dialog could be opened. Please install zenity or kdialog.", "Error");
+        }
+    });
+}
+
+void guiEditor::PollFileDialog() {
+    const FileDialog::State state = fileDialog.Poll();
+    if (state == FileDialog::State::idle || state == FileDialog::State::running) return;
+    const std::string path = fileDialog.Path();
+    const auto call = std::exchange(fileChosen, nullptr);
+    fileDialog.End();
+    if (state == FileDialog::State::chosen) call(path);
+    if (state == FileDialog::State::failed) ShowMessage("The file dialog could not be shown.", "Error");
+}
+
+void guiEditor::OpenWebPage(const std::string& address) {
+    errands.emplace_back([this, address] {
+        if (!SystemShell().OpenWebPage(address))
+            ShowMessage("The web page could not be opened:\n" + address, "Error");
+    });
+}
+
+void guiEditor::OpenMail(const std::string& address) {
+    errands.emplace_back([this, address] {
+        if (!SystemShell().OpenMail(address))
+            ShowMessage("No mail program could be opened. Please write to\n" + address, "Error");
+    });
+}
+
+void guiEditor::OpenHelp() {
+    errands.emplace_back([this] {
+        const std::filesystem::path file = ModuleFolder() / "orva_vst.chm";
+        if (!SystemShell().OpenHelpFile(file.string()))
+            ShowMessage("The help could not be opened:\n" + file.string(), "Error");
+    });
+}
+
+void guiEditor::RunErrands() {
+    auto now = std::exchange(errands, {});
+    for (auto& errand : now) errand();
+}

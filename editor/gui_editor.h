@@ -1,0 +1,98 @@
+#pragma once
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <map>
+#include <mutex>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "base/relaxed.h"
+#include "editor/aeff_gui_editor.h"
+#include "editor/mailbox.h"
+#include "platform/file_dialog.h"
+#include "platform/message_box.h"
+#include "plugin/gui_plugin.h"
+#include "vst2/records.h"
+#include "vstgui/lib/cbitmap.h"
+
+class CPlugWindow;
+
+// The plug-in's editor: one window of a fixed size, the size of its background picture. It lives as long as
+// the plug-in object; its window, pages and controls exist only while the host keeps it open. The plug-in
+// object keeps all values, and an open reads all of them again, so no control has a state of its own.
+//
+// The host's idle call is the only clock. Each one first hands the views what other threads have left in the
+// mailbox, then runs the toolkit's events; the scrolling picture takes a column only for whole steps of 50
+// ms.
+//
+// Threads: [ui], under the toolkit's lock, unless tagged otherwise. No view is touched from another thread.
+class guiEditor : public AEffGUIEditor, public IMessageWindow {
+public:
+    explicit guiEditor(CORVAguivst* plugin);
+    ~guiEditor() override;
+
+    // The host's calls.
+    bool open(void* parent) override;
+    void close() override;
+    bool isOpen() const override { return isEditorOpen; }
+    void idle() override;
+    bool onKeyDown(const VstKeyCode& key) override;
+
+    // From the plug-in object. [any] A value arrives at the views with the next idle call.
+    void parameterChanged(std::int32_t index, float value) override;
+    bool TakeMessage(const std::string& text, const std::string& caption) override;  // [any]
+
+    // From the views.
+    VSTGUI::CBitmap* getBitmap(std::int32_t id);  // made at the first request, kept until the editor goes
+    void valueChanged(std::int32_t tag, float value);
+    bool canSendToHost() const;
+    bool hostAsked() const;
+    std::string ParameterDisplay(std::int32_t index) const;
+    std::vector<std::string> MidiDeviceNames() const;  // one a device, by index
+
+    // What leaves the window happens at the next idle call: within a control's own call the mouse is still
+    // held.
+    void ShowMessage(const std::string& text, const std::string& caption);
+    void AskForFile(const FileDialogRequest& request,
+                    std::function<void(const std::string& path)> whenChosen);
+    void OpenWebPage(const std::string& address);
+    void OpenMail(const std::string& address);
+    void OpenHelp();
+
+private:
+    struct Message {
+        std::string text;
+        std::string caption;
+    };
+
+    void CloseNow();
+    void RunErrands();
+    void PollFileDialog();
+    void ShowNextMessage();
+
+    // The members of the window.
+    std::map<std::int32_t, VSTGUI::SharedPointer<VSTGUI::CBitmap>> bitmaps;
+    VSTGUI::CBitmap* background = nullptr;  // bitmap 103
+    Relaxed<bool> isEditorOpen = false;     // read from any thread
+    std::vector<unsigned char> levels;      // one display byte a band, reused at each tick
+
+public:
+    CORVAguivst* effect;  // not owned; outlives the editor
+
+private:
+    CPlugWindow* window = nullptr;   // the frame owns it; none while closed
+    std::uint32_t lastIdleTick = 0;  // ms; start of the step in progress
+
+    Mailbox mailbox;
+    std::vector<std::function<void()>> errands;  // for the next idle call
+    FileDialog fileDialog;
+    std::function<void(const std::string&)> fileChosen;
+    std::mutex messagesGuard;      // of `messages`; nothing else is done under it
+    std::deque<Message> messages;  // not yet shown
+    bool messageIsUp = false;
+    VSTGUI::ModalViewSessionID messageSession{};  // of the message that is up
+    int busy = 0;                                 // entries of ours that are on the stack
+    bool closeLater = false;                      // a close came from within one of them
+};

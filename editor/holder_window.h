@@ -1,0 +1,30 @@
+#pragma once
+#include <cstdint>
+#include <memory>
+
+struct xcb_connection_t;
+
+// A window of our own inside the host's: the toolkit's window lives in it and goes with it. It has the
+// screen's own visual, without which a host's window with an alpha channel would show nothing, and the
+// toolkit never takes its windows away by itself.
+//
+// Threads: [ui].
+class HolderWindow {
+public:
+    // Inside the window `parent`, at its upper left corner; none when there is no such window, or when it is
+    // on a screen that the toolkit does not draw to.
+    static std::unique_ptr<HolderWindow> Make(xcb_connection_t* connection, std::uint32_t parent,
+                                              std::uint16_t width, std::uint16_t height);
+    ~HolderWindow();  // its windows are gone from the display, if the host's did not take them along already
+    HolderWindow(const HolderWindow&) = delete;
+    HolderWindow& operator=(const HolderWindow&) = delete;
+
+    std::uint32_t Id() const { return id; }
+
+private:
+    HolderWindow(xcb_connection_t* itsConnection, std::uint32_t itsId)
+        : connection(itsConnection), id(itsId) {}
+
+    xcb_connection_t* connection;
+    std::uint32_t id;
+};

@@ -1,0 +1,47 @@
+#pragma once
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+// One column of the scrolling picture: what each of its 252 pixels shows, as entries of the palette. The
+// bytes come one a band, the lowest note first: 0 for nothing, 1 to 254 for a level, 255 for a note that
+// sounds.
+//
+// Threads: pure functions, [any].
+
+constexpr int columnBands = 84;
+constexpr int pixelsPerBand = 3;
+constexpr int columnHeight = columnBands * pixelsPerBand;  // 252 pixels
+constexpr std::uint8_t soundingEntry = 255;
+
+struct PaletteColor {
+    std::uint8_t red, green, blue;
+};
+
+// Entry i below 255 lies i / 255 of the way between two blues, each channel in integers; 255 is the notes'
+// orange.
+constexpr PaletteColor PaletteEntry(int entry) {
+    if (entry == soundingEntry) return {255, 150, 70};
+    constexpr int first[] = {147, 186, 216}, last[] = {64, 152, 221};
+    const auto channel = [entry](int from, int to) {
+        return static_cast<std::uint8_t>(from + (to - from) * entry / 255);
+    };
+    return {channel(first[0], last[0]), channel(first[1], last[1]), channel(first[2], last[2])};
+}
+
+// From the top down, high notes first. A sounding note takes two pixels of orange with one of the gradient's
+// end under them, so that it stands out as a band. Bands without a byte are left empty, further bytes are
+// ignored.
+constexpr std::array<std::uint8_t, columnHeight> ColumnOf(std::span<const unsigned char> levels) {
+    std::array<std::uint8_t, columnHeight> column = {};  // entry 0 is the ground
+    for (std::size_t i = 0; i < columnBands; ++i) {
+        const std::size_t band = columnBands - 1 - i;
+        const std::uint8_t level = band < levels.size() ? levels[band] : std::uint8_t{0};
+        if (level == 0) continue;
+        const std::size_t top = i * pixelsPerBand;
+        column[top] = column[top + 1] = level;
+        column[top + 2] = level == soundingEntry ? std::uint8_t{soundingEntry - 1} : level;
+    }
+    return column;
+}

@@ -1,0 +1,116 @@
+#include "editor/message_view.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "editor/look.h"
+#include "vst2/records.h"
+#include "vstgui/lib/cdrawcontext.h"
+#include "vstgui/lib/cgradient.h"
+#include "vstgui/lib/cgraphicspath.h"
+#include "vstgui/lib/controls/cbuttons.h"
+#include "vstgui/lib/controls/ctextlabel.h"
+#include "vstgui/lib/events.h"
+
+using namespace VSTGUI;
+
+namespace {
+
+constexpr CCoord panelWidth = 320, margin = 16, corner = 8;
+constexpr CCoord captionTop = 10, lineHeight = 17, buttonWidth = 80, buttonHeight = 24, buttonGap = 12;
+constexpr std::size_t lettersPerLine = 44,
+                      mostLines = 12;  // what the panel's width and the window's height take
+
+// Lines that the text fills at most: a wrapped line may lose a word to the next one.
+std::size_t LinesOf(const std::string& text) {
+    std::size_t lines = 1, letters = 0;
+    for (const char letter : text) {
+        if (letter != '\n' && ++letters < lettersPerLine) continue;
+        ++lines;
+        letters = 0;
+    }
+    return std::min(lines, mostLines);
+}
+
+constexpr CColor veil(20, 50, 80, 110), panelColor(242, 248, 252), panelFrame(44, 102, 141);
+constexpr CColor buttonTop(79, 165, 230), buttonBottom(42, 124, 192);
+
+CMultiLineTextLabel* Text(const CRect& area, const std::string& text, double size, std::int32_t style) {
+    auto* label = new CMultiLineTextLabel(area);
+    label->setText(text.c_str());
+    label->setFont(EditorFont(size, style));
+    label->setFontColor(labelColor);
+    label->setTransparency(true);
+    label->setStyle(CParamDisplay::kNoFrame);
+    label->setLineLayout(CMultiLineTextLabel::LineLayout::wrap);
+    label->setHoriAlign(kLeftText);
+    label->setMouseEnabled(false);
+    return label;
+}
+
+}  // namespace
+
+CMessageView::CMessageView(const CRect& size, const std::string& text, const std::string& caption,
+                           std::function<void()> whenDismissed)
+    : CViewContainer(size), dismissed(std::move(whenDismissed)) {
+    const CCoord captionHeight = lineHeight * static_cast<CCoord>(LinesOf(caption));
+    const CCoord textHeight = lineHeight * static_cast<CCoord>(LinesOf(text));
+    const CCoord textTop = captionTop + captionHeight + buttonGap;
+    panel = CRect(0, 0, panelWidth, textTop + textHeight + 2 * buttonGap + buttonHeight);
+    panel.centerInside(size);
+    panel.makeIntegral();
+    const CCoord left = panel.left + margin, right = panel.right - margin, top = panel.top;
+    addView(
+        Text(CRect(left, top + captionTop, right, top + captionTop + captionHeight), caption, 13, kBoldFace));
+    addView(Text(CRect(left, top + textTop, right, top + textTop + textHeight), text, 13, 0));
+
+    const CCoord buttonTopEdge = panel.bottom - buttonGap - buttonHeight;
+    auto* button = new CTextButton(
+        CRect(right - buttonWidth, buttonTopEdge, right, buttonTopEdge + buttonHeight), this, 0, "OK");
+    button->setFont(EditorFont(13, kBoldFace));
+    button->setTextColor(kWhiteCColor);
+    button->setTextColorHighlighted(kWhiteCColor);
+    button->setFrameColor(panelFrame);
+    button->setFrameColorHighlighted(panelFrame);
+    button->setGradient(owned(CGradient::create(0, 1, buttonTop, buttonBottom)));
+    button->setGradientHighlighted(owned(CGradient::create(0, 1, buttonBottom, buttonTop)));
+    button->setRoundRadius(4);
+    addView(button);
+    setTransparency(false);
+}
+
+void CMessageView::drawBackgroundRect(CDrawContext* context, const CRect& /*updateRect*/) {
+    context->setDrawMode(kAntiAliasing);
+    context->setFillColor(veil);
+    CRect everything = getViewSize();
+    everything.originize();
+    context->drawRect(everything, kDrawFilled);
+    CRect box = panel;
+    box.inset(0.5, 0.5);
+    const auto path = owned(context->createRoundRectGraphicsPath(box, corner));
+    if (!path) return;
+    context->setFillColor(panelColor);
+    context->drawGraphicsPath(path, CDrawContext::kPathFilled);
+    context->setFrameColor(panelFrame);
+    context->setLineWidth(1);
+    context->drawGraphicsPath(path, CDrawContext::kPathStroked);
+}
+
+// The view may be gone when the call returns.
+void CMessageView::Dismiss() {
+    const auto call = std::exchange(dismissed, nullptr);
+    if (call) call();
+}
+
+void CMessageView::valueChanged(CControl* control) {
+    if (control->getValue() != 0) Dismiss();
+}
+
+void CMessageView::onKeyboardEvent(KeyboardEvent& event) {
+    if (event.type != EventType::KeyDown) return;
+    if (event.virt != VirtualKey::Return && event.virt != VirtualKey::Enter &&
+        event.virt != VirtualKey::Escape && event.virt != VirtualKey::Space)
+        return;
+    event.consumed = true;
+    Dismiss();
+}

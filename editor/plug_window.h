@@ -1,0 +1,55 @@
+#pragma once
+#include <cstdint>
+
+#include "editor/label.h"
+#include "editor/orva_frame.h"
+#include "editor/volume_form.h"
+#include "vst2/records.h"
+#include "vstgui/lib/cframe.h"
+#include "vstgui/lib/controls/ccontrol.h"
+#include "vstgui/lib/controls/icontrollistener.h"
+
+// The top view of the editor: a strip of page buttons, one of four pages below it, and beside them the
+// scrolling picture with the name of the chord. It fills the toolkit's frame.
+//
+// Threads: [ui].
+class CPlugWindow : public VSTGUI::CViewContainer,
+                    public VSTGUI::IControlListener,
+                    public VSTGUI::IKeyboardHook {
+public:
+    static constexpr std::int32_t pageCount = 4;  // main, equalizer, options, about; as a page it means none
+
+    CPlugWindow(const VSTGUI::CRect& size, guiEditor* itsEditor, VSTGUI::CBitmap* background);
+
+    // A parameter has a new value: 92 chooses a page, 98 is a new chord text, all others go to the pages.
+    void setParameter(std::int32_t index, float value);
+    // A page changed something, after the plug-in object heard of it.
+    void onValueChanged(std::int32_t tag, float value);
+    void update(const std::vector<unsigned char>& levels);  // one column for the scrolling picture
+
+    void showPage(std::int32_t page);
+    std::int32_t ActivePage() const { return activePage; }
+
+    void valueChanged(VSTGUI::CControl* control) override;
+    void onKeyboardEvent(VSTGUI::KeyboardEvent& event, VSTGUI::CFrame* frame) override;  // F1 is help
+    bool attached(VSTGUI::CView* parent) override;
+    bool removed(VSTGUI::CView* parent) override;
+
+    CLASS_METHODS_NOCOPY(CPlugWindow, CViewContainer)
+
+private:
+    void AddPageButtons();
+    void AddForm();
+    void ShowChordLabel(bool show);
+
+    VSTGUI::CBitmap* backgroundBitmap;         // not owned
+    VSTGUI::CBitmap* overlayBitmap = nullptr;  // the registration role's; this one asks for none
+    std::int32_t activePage = pageCount;
+    VSTGUI::SharedPointer<CORVAFrame> pages[pageCount];  // kept also while they are not shown
+    VSTGUI::CControl* pageButtons[pageCount] = {};
+    VSTGUI::CViewContainer* formContainer = nullptr;
+    CVolumeForm* volumeForm = nullptr;
+    guiEditor* editor;
+    CLabel* chordLabel = nullptr;
+    std::int32_t registrationCountdown = 0;  // the registration role's; this one counts nothing down
+};

@@ -1,0 +1,57 @@
+#include "editor/volume_form.h"
+
+#include <utility>
+
+#include "editor/level_column.h"
+
+using namespace VSTGUI;
+
+CVolumeForm::CVolumeForm(const CRect& size) : CBufferedControl(size, nullptr, 0) {
+    palette.reserve(soundingEntry + 1);
+    for (int i = 0; i <= soundingEntry; ++i) {
+        const PaletteColor entry = PaletteEntry(i);
+        palette.emplace_back(entry.red, entry.green, entry.blue, std::uint8_t{255});
+    }
+    setMouseEnabled(false);
+}
+
+void CVolumeForm::createBuffers() {
+    if (offscreen) return;
+    CBufferedControl::createBuffers();
+    backOffscreen = MakeContext({getWidth(), getHeight()});
+    if (!offscreen || !backOffscreen) return;
+    backBitmap = backOffscreen->getBitmap();
+
+    offscreen->beginDraw();
+    offscreen->setDrawMode(kAliasing);
+    offscreen->setFillColor(palette.front());
+    offscreen->drawRect(CRect(0, 0, getWidth(), getHeight()), kDrawFilled);
+    offscreen->endDraw();
+}
+
+void CVolumeForm::update(const std::vector<unsigned char>& levels) {
+    if (offscreen && backOffscreen) {
+        backOffscreen->beginDraw();
+        offscreenBitmap->draw(backOffscreen, CRect(1, 0, getWidth(), getHeight()));
+        backOffscreen->endDraw();
+        std::swap(offscreen, backOffscreen);
+        std::swap(offscreenBitmap, backBitmap);
+        DrawColumn(levels);
+    }
+    setDirty();
+}
+
+// Pixels of one colour that follow each other are one rectangle: a quiet column is a single one.
+void CVolumeForm::DrawColumn(const std::vector<unsigned char>& levels) {
+    const auto column = ColumnOf(levels);
+    offscreen->beginDraw();
+    offscreen->setDrawMode(kAliasing);
+    for (std::size_t top = 0; top < column.size();) {
+        std::size_t bottom = top + 1;
+        while (bottom < column.size() && column[bottom] == column[top]) ++bottom;
+        offscreen->setFillColor(palette[column[top]]);
+        offscreen->drawRect(CRect(0, static_cast<CCoord>(top), 1, static_cast<CCoord>(bottom)), kDrawFilled);
+        top = bottom;
+    }
+    offscreen->endDraw();
+}

@@ -1,0 +1,66 @@
+#pragma once
+#include <fcntl.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <initializer_list>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+extern char** environ;
+
+// A display without a screen, of our own: the programs of these tests see no other. Ended with the object.
+class DisplayServer {
+public:
+    DisplayServer() { Start(); }
+    ~DisplayServer() { End(); }
+    DisplayServer(const DisplayServer&) = delete;
+    DisplayServer& operator=(const DisplayServer&) = delete;
+
+    // At the next free number, which becomes the DISPLAY of this process.
+    void Start() {
+        int number[2];
+        if (pipe2(number, O_CLOEXEC) != 0) throw std::runtime_error("no pipe");
+        posix_spawn_file_actions_t files;
+        posix_spawn_file_actions_init(&files);
+        posix_spawn_file_actions_adddup2(&files, number[1], 3);
+        posix_spawn_file_actions_addopen(&files, 2, "/dev/null", O_WRONLY, 0);
+        const char* command[] = {"Xvfb",        "-displayfd", "3",   "-screen",  "0",
+                                 "1024x768x24", "-nolisten",  "tcp", "-noreset", nullptr};
+        const int fault =
+            posix_spawnp(&server, command[0], &files, nullptr, const_cast<char**>(command), environ);
+        posix_spawn_file_actions_destroy(&files);
+        close(number[1]);
+        std::string text;
+        for (char digit = 0; fault == 0 && read(number[0], &digit, 1) == 1 && digit != '\n';) text += digit;
+        close(number[0]);
+        if (text.empty()) throw std::runtime_error("Xvfb did not start");
+        setenv("DISPLAY", (":" + text).c_str(), 1);
+    }
+
+    void End() {
+        if (server <= 0) return;
+        kill(server, SIGKILL);
+        waitpid(server, nullptr, 0);
+        server = 0;
+    }
+
+private:
+    pid_t server = 0;
+};
+
+// Runs a program to its end; its exit code.
+inline int Run(std::vector<std::string> words) {
+    std::vector<char*> arguments;
+    for (std::string& word : words) arguments.push_back(word.data());
+    arguments.push_back(nullptr);
+    pid_t child = 0;
+    if (posix_spawnp(&child, arguments[0], nullptr, nullptr, arguments.data(), environ) != 0) return -1;
+    int status = 0;
+    waitpid(child, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}

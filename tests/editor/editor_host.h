@@ -1,0 +1,152 @@
+#pragma once
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <xcb/xcb.h>
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "editor/editor_factory.h"
+#include "plugin/gui_plugin_ex.h"
+#include "tests/editor/display_server.h"
+
+// What a host sees of the plug-in and its editor: a window of its own at the display's upper left corner, the
+// host calls, and the changes that the plug-in tells it.
+struct Automation {
+    std::int32_t index;
+    float value;
+};
+
+class EditorHost {
+public:
+    EditorHost() : plugin(&Callback, &MakeGuiEditor) {
+        host = this;
+        Connect();
+    }
+    ~EditorHost() {
+        Call(effEditClose);
+        if (connection != nullptr) xcb_disconnect(connection);
+        if (host == this) host = nullptr;
+    }
+    EditorHost(const EditorHost&) = delete;
+    EditorHost& operator=(const EditorHost&) = delete;
+
+    void Connect() {
+        connection = xcb_connect(nullptr, nullptr);
+        if (xcb_connection_has_error(connection) != 0) return;
+        screen = xcb_setup_roots_iterator(xcb_get_setup(connection)).data;
+        MakeParent();
+    }
+    void MakeParent() {
+        parent = xcb_generate_id(connection);
+        const std::uint32_t values[] = {screen->white_pixel, 1};
+        xcb_create_window(connection, XCB_COPY_FROM_PARENT, parent, screen->root, 0, 0, 400, 320, 0,
+                          XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
+                          XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT, values);
+        xcb_map_window(connection, parent);
+        Sync();
+    }
+    void Sync() { free(xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr)); }
+
+    std::intptr_t Call(std::int32_t opcode, std::int32_t index = 0, std::intptr_t value = 0,
+                       void* ptr = nullptr, float opt = 0) {
+        AEffect* effect = plugin.getAeffect();
+        return effect->dispatcher(effect, opcode, index, value, ptr, opt);
+    }
+    bool Open() { return Open(parent); }
+    bool Open(xcb_window_t window) {
+        return Call(effEditOpen, 0, 0, reinterpret_cast<void*>(static_cast<std::uintptr_t>(window))) != 0;
+    }
+    void Idle() { Call(effEditIdle); }
+
+    // Gives idle time until the condition holds; false if it never does.
+    bool Await(const std::function<bool()>& condition) {
+        for (int round = 0; round < 2000; ++round) {
+            if (condition()) return true;
+            Idle();
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        }
+        return condition();
+    }
+    // Until the window shows the same for a while: whatever was on its way has been drawn.
+    void Settle() {
+        std::vector<std::uint8_t> last;
+        int same = 0;
+        Await([&] {
+            auto now = Pixels(0, 0, 267, 320);  // all but the picture that never rests
+            same = now == last ? same + 1 : 0;
+            last = std::move(now);
+            return same > 15;
+        });
+    }
+
+    // The mouse from outside, by the display's own means.
+    void MoveTo(int x, int y) { Tool({"mousemove", std::to_string(x), std::to_string(y)}); }
+    void Press() { Tool({"mousedown", "1"}); }
+    void Release() { Tool({"mouseup", "1"}); }
+    void Click(int x, int y) {
+        MoveTo(x, y);
+        Press();
+        Release();
+    }
+    void Key(const char* name) { Tool({"key", name}); }
+    void Type(const char* text) { Tool({"type", text}); }
+
+    // Four bytes a pixel: blue, green, red, unused.
+    std::vector<std::uint8_t> Pixels(int x, int y, int width, int height) {
+        const auto cookie =
+            xcb_get_image(connection, XCB_IMAGE_FORMAT_Z_PIXMAP, parent, static_cast<std::int16_t>(x),
+                          static_cast<std::int16_t>(y), static_cast<std::uint16_t>(width),
+                          static_cast<std::uint16_t>(height), ~0U);
+        std::unique_ptr<xcb_get_image_reply_t, void (*)(void*)> reply(
+            xcb_get_image_reply(connection, cookie, nullptr), &free);
+        if (!reply) return {};
+        const std::uint8_t* data = xcb_get_image_data(reply.get());
+        return {data, data + xcb_get_image_data_length(reply.get())};
+    }
+    std::uint32_t Pixel(int x, int y) {  // 0xRRGGBB
+        const auto p = Pixels(x, y, 1, 1);
+        return p.empty() ? 0U : std::uint32_t{p[2]} << 16 | std::uint32_t{p[1]} << 8 | p[0];
+    }
+
+    // The values that the host was told of a parameter, oldest first.
+    std::vector<float> ToldOf(std::int32_t index) const {
+        std::vector<float> values;
+        for (const Automation& each : automated)
+            if (each.index == index) values.push_back(each.value);
+        return values;
+    }
+
+    std::vector<Automation> automated;
+    bool receivesMidi = true;
+    xcb_connection_t* connection = nullptr;
+    xcb_screen_t* screen = nullptr;
+    xcb_window_t parent = 0;
+    CORVAguivstEx plugin;
+
+private:
+    void Tool(std::vector<std::string> words) {
+        words.insert(words.begin(), "xdotool");
+        ASSERT_EQ(0, Run(std::move(words)));
+    }
+    static std::intptr_t Callback(AEffect*, std::int32_t opcode, std::int32_t index, std::intptr_t, void* ptr,
+                                  float opt) {
+        switch (opcode) {
+            case audioMasterAutomate:
+                if (host != nullptr) host->automated.push_back({index, opt});
+                return 0;
+            case audioMasterVersion: return 2400;
+            case audioMasterCanDo:
+                return host != nullptr && host->receivesMidi &&
+                       std::string(static_cast<const char*>(ptr)) == "receiveVstMidiEvent";
+            default: return 0;
+        }
+    }
+    static inline EditorHost* host = nullptr;  // the callback carries no word of its own: the last one made
+};
