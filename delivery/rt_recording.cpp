@@ -17,10 +17,12 @@ float FourthRoot(float power) {
     return std::sqrt(std::sqrt(power));
 }
 
-// A band's two messages as they stood at one moment: a transposition may take the note away at any time.
+// A band's two messages, always of one note: a transposition on another thread may replace them between two
+// looks, so the second is made from the first as the recorder makes it.
 struct BandNote {
     BandNote(const TNoteRecorder& from, std::int32_t band)
-        : on(from.messages[band].onMessage), off(from.messages[band].offMessage) {}
+        : on(from.messages[band].onMessage),
+          off(from.messages[band].offMessage == 0 ? 0 : (on & 0xFF0FU) | 0x80U) {}
     bool Exists() const { return on != 0 && off != 0; }  // a band without a MIDI note keeps no track
 
     const std::uint32_t on;
@@ -137,7 +139,7 @@ void TRTRecording::Send(std::uint32_t message) {
 }
 
 void TRTRecording::AppendToTake(std::uint32_t message) {
-    const std::int64_t now = GetElapsed();
+    const std::int64_t now = std::max<std::int64_t>(GetElapsed(), 0);
     const std::lock_guard<PriorityLock> held(leaf);
     Push(take, {now, message, 0.0F});
 }

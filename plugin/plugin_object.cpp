@@ -26,6 +26,15 @@ constexpr float fastestRate = 10'000'000;
 // Longer than any block lasts; bounded, since a host may hold a lock of its own that the block waits for.
 constexpr auto patience = std::chrono::milliseconds(100);
 
+bool CanDetectAt(float rate) {
+    return rate >= slowestRate && rate <= fastestRate;
+}
+
+// The rate to build the detector for: a host's odd one is no reason for tables without bound.
+std::int32_t DetectorRate(float rate) {
+    return CanDetectAt(rate) ? TruncateToInt32(rate) : 44100;
+}
+
 // The first channel, or null.
 template <typename Sample>
 Sample* FirstChannel(Sample** channels) {
@@ -52,7 +61,7 @@ void Accumulate(const float* in, float* out, std::size_t count) {
 }  // namespace
 
 CORVA_vst::CORVA_vst(audioMasterCallback host, std::int32_t numParams)
-    : AudioEffectX(host, 1, numParams), detector(TruncateToInt32(getSampleRate()), bandOf440, bandCount) {
+    : AudioEffectX(host, 1, numParams), detector(DetectorRate(getSampleRate()), bandOf440, bandCount) {
     setNumInputs(1);
     setNumOutputs(1);
     setUniqueID(FourCharacters('O', 'R', 'V', '1'));
@@ -80,7 +89,7 @@ CORVA_vst::CORVA_vst(audioMasterCallback host, std::int32_t numParams)
     CORVA_vst::setParameter(2, 0.79F);
     CORVA_vst::setParameter(1, 0.875F);
     CORVA_vst::setParameter(0, 0.87F);
-    detects = TruncateToInt32(getSampleRate()) <= TruncateToInt32(fastestRate);
+    detects = CanDetectAt(getSampleRate());
 }
 
 CORVA_vst::~CORVA_vst() {
@@ -109,7 +118,7 @@ void CORVA_vst::FeedBlock(const Sample* in, std::size_t count) {
         ConvertSamples(in, samples.data(), count);
         deliverBlock(count);
     }
-    if (requests.load() != 0) ServeRequests();
+    if (leftToBlock.exchange(false)) ServeRequests();
 }
 
 void CORVA_vst::deliverBlock(std::size_t count) {
@@ -197,7 +206,7 @@ void CORVA_vst::setSampleRate(float rate) {
 // --- what other threads want done to the detector ---
 
 // Done at once where the gate is free or this thread's own (hosts call back from within a block). Otherwise
-// the block in flight ends first; should it last, it does the work itself when it leaves.
+// the block in flight ends first; should it last too long, the work is left to it for when it leaves.
 void CORVA_vst::Ask(Request request) {
     if (gate.IsMine()) {
         Serve(request);
@@ -205,8 +214,14 @@ void CORVA_vst::Ask(Request request) {
     }
     requests.fetch_or(request);
     const auto until = std::chrono::steady_clock::now() + patience;
-    while (!ServeRequests() && std::chrono::steady_clock::now() < until)
+    while (!ServeRequests()) {
+        if (std::chrono::steady_clock::now() >= until) {
+            leftToBlock = true;
+            ServeRequests();  // the block may have left just before it could see that
+            return;
+        }
         std::this_thread::sleep_for(std::chrono::microseconds(100));
+    }
 }
 
 // False when another thread is inside; it looks for requests again once it has left.
@@ -224,8 +239,8 @@ void CORVA_vst::Serve(unsigned wanted) {
     if ((wanted & requestRate) != 0) {
         const float rate = getSampleRate();
         detects = false;
-        if (!(rate >= slowestRate && rate <= fastestRate)) return;
-        detector.SetSampleRate(TruncateToInt32(rate));
+        if (!CanDetectAt(rate)) return;
+        detector.SetSampleRate(DetectorRate(rate));
         detects = true;
     }
 }

@@ -109,8 +109,9 @@ private:
     void Serve(unsigned requests);
 
     BlockGate gate;
-    std::atomic<unsigned> requests{0};  // what other threads want done to the detector
-    Relaxed<bool> detects = true;       // written behind the gate
-    std::mutex programNameGuard;        // never taken by a process call
+    std::atomic<unsigned> requests{0};     // what other threads want done to the detector
+    std::atomic<bool> leftToBlock{false};  // who asked has given up waiting: the block in flight serves
+    Relaxed<bool> detects = true;          // written behind the gate
+    std::mutex programNameGuard;           // never taken by a process call
     char programName[kVstMaxProgNameLen];
 };
