@@ -274,3 +274,14 @@ TEST_F(Program, InfoTellsAllThatThePluginSays) {
     for (const Json& parameter : facts["parameters"])
         EXPECT_THAT(table, HasSubstr(parameter["name"].get<std::string>()));
 }
+
+TEST_F(Program, WithoutADisplayTheWindowSaysSo) {
+    unsetenv("DISPLAY");
+    for (const auto& arguments : {std::vector<std::string>{"edit"}, {"shot", "main", folder / "main.png"}}) {
+        const Ended ended = RunHost(arguments);
+        EXPECT_EQ(ended.code, 1);
+        EXPECT_THAT(ended.err, HasSubstr("there is no X display"));
+        EXPECT_EQ(Lines(ended.err), 1);
+    }
+    EXPECT_EQ(RunHost({"shot", "garden", folder / "main.png"}).code, 2);
+}

@@ -1,0 +1,115 @@
+#include "tools/host/commands/edit.h"
+
+#include <algorithm>
+#include <chrono>
+#include <iostream>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "tools/host/audio_file.h"
+#include "tools/host/editor_window.h"
+#include "tools/host/hosted_plugin.h"
+#include "tools/host/output_file.h"
+
+namespace {
+
+constexpr std::int32_t usualRate = 48000;  // Hz, where nothing is played
+constexpr std::size_t block = 512;         // samples
+constexpr std::int32_t paramActivePage = 92;
+constexpr std::int32_t paramChordsEnabled = 93;
+const std::vector<std::string> pages = {"main", "equalizer", "options", "about"};
+
+struct EditOptions {
+    std::string plugin;
+    std::string audio;   // empty: silence
+    std::string page;    // of shot
+    std::string target;  // of shot
+    double at = 3;       // s of music before the picture is taken
+    bool chords = false;
+};
+
+// Plays a file through an instance in real time, a little whenever it is asked to.
+class Player {
+public:
+    explicit Player(const EditOptions& options) : module(FindPlugin(options.plugin)) {
+        if (!options.audio.empty()) audio.emplace(options.audio, AudioFile::Channel::first);
+        plugin.emplace(module, audio ? audio->Rate() : usualRate, "ORVA", nullptr);
+        plugin->Start(static_cast<std::int32_t>(block));
+    }
+    HostedPlugin& Plugin() { return *plugin; }
+    double Time() const {
+        return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    }
+
+    // What has become due since the last call; after the end of the file, silence.
+    void Continue() {
+        const std::int32_t rate = audio ? audio->Rate() : usualRate;
+        while (static_cast<double>(plugin->SamplesDelivered()) < Time() * rate) {
+            std::vector<float> samples(block);
+            if (audio) audio->Read(samples.data(), block);
+            plugin->Process(samples.data(), static_cast<std::int32_t>(block));
+        }
+    }
+
+private:
+    const PluginModule module;
+    std::optional<AudioFile> audio;
+    std::optional<HostedPlugin> plugin;
+    const std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
+};
+
+int Edit(const EditOptions& options) {
+    Player player(options);
+    if (options.chords) player.Plugin().SetParameter(paramChordsEnabled, 1.0F);
+    EditorWindow window(player.Plugin(), "ORVA Audio To MIDI");
+    window.Run([&] {
+        player.Continue();
+        return true;
+    });
+    return exitDone;
+}
+
+int Shot(const EditOptions& options) {
+    const auto page = std::find(pages.begin(), pages.end(), options.page);
+    Player player(options);
+    player.Plugin().SetParameter(paramActivePage, static_cast<float>(page - pages.begin()) + 2.0F);
+    if (options.chords) player.Plugin().SetParameter(paramChordsEnabled, 1.0F);
+    EditorWindow window(player.Plugin(), "ORVA Audio To MIDI");
+    window.Run([&] {
+        player.Continue();
+        return player.Time() < options.at;
+    });
+    WriteWhole(options.target, window.Picture());
+    return exitDone;
+}
+
+void AddCommon(CLI::App& command, EditOptions& options) {
+    command.add_option("--play", options.audio, "a recording to hear, in real time")->type_name("AUDIO");
+    command.add_flag("--chords", options.chords, "with the chord display on");
+    command.add_option("--plugin", options.plugin, "the plug-in's file")->type_name("FILE");
+}
+
+}  // namespace
+
+void AddEdit(CLI::App& program, Job& chosen) {
+    const auto options = std::make_shared<EditOptions>();
+    CLI::App* const command = program.add_subcommand("edit", "the plug-in's window");
+    AddCommon(*command, *options);
+    command->callback([options, &chosen] { chosen = [options] { return Edit(*options); }; });
+}
+
+void AddShot(CLI::App& program, Job& chosen) {
+    const auto options = std::make_shared<EditOptions>();
+    CLI::App* const command = program.add_subcommand("shot", "a picture of a page of the plug-in's window");
+    command->add_option("PAGE", options->page, "main, equalizer, options or about")
+        ->required()
+        ->check(CLI::IsMember(pages));
+    command->add_option("OUT", options->target, "the picture to write")->required()->type_name("OUT.png");
+    AddCommon(*command, *options);
+    command->add_option("--at", options->at, "seconds of music before it is taken")
+        ->check(CLI::Range(0.0, 3600.0).description(""))
+        ->type_name("SECONDS")
+        ->capture_default_str();
+    command->callback([options, &chosen] { chosen = [options] { return Shot(*options); }; });
+}

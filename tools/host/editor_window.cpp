@@ -1,0 +1,106 @@
+#include "tools/host/editor_window.h"
+
+#include <X11/Xlib.h>
+#include <X11/Xutil.h>
+#include <cairo.h>
+
+#include <chrono>
+#include <memory>
+#include <stdexcept>
+#include <thread>
+
+#include "tools/host/hosted_plugin.h"
+
+namespace {
+
+constexpr auto idlePause = std::chrono::milliseconds(33);
+
+cairo_status_t Append(void* bytes, const unsigned char* data, unsigned length) {
+    static_cast<std::string*>(bytes)->append(reinterpret_cast<const char*>(data), length);
+    return CAIRO_STATUS_SUCCESS;
+}
+
+}  // namespace
+
+struct EditorWindow::Window {
+    Display* display = nullptr;
+    ::Window id = 0;
+    Atom closing = 0;
+    int width = 0;
+    int height = 0;
+
+    ~Window() {
+        if (display == nullptr) return;
+        if (id != 0) XDestroyWindow(display, id);
+        XCloseDisplay(display);
+    }
+};
+
+EditorWindow::EditorWindow(HostedPlugin& edited, const std::string& title)
+    : plugin(edited), window(std::make_unique<Window>()) {
+    window->display = XOpenDisplay(nullptr);
+    if (window->display == nullptr) throw std::runtime_error("no window: there is no X display");
+    ERect* rect = nullptr;
+    if (plugin.Dispatch(effEditGetRect, 0, 0, &rect) == 0 || rect == nullptr)
+        throw std::runtime_error("the plug-in has no window");
+    window->width = rect->right - rect->left;
+    window->height = rect->bottom - rect->top;
+    Display* const display = window->display;
+    window->id =
+        XCreateSimpleWindow(display, DefaultRootWindow(display), 0, 0, static_cast<unsigned>(window->width),
+                            static_cast<unsigned>(window->height), 0, 0, 0);
+    XStoreName(display, window->id, title.c_str());
+    XSizeHints hints{};
+    hints.flags = PMinSize | PMaxSize;
+    hints.min_width = hints.max_width = window->width;
+    hints.min_height = hints.max_height = window->height;
+    XSetWMNormalHints(display, window->id, &hints);
+    window->closing = XInternAtom(display, "WM_DELETE_WINDOW", False);
+    XSetWMProtocols(display, window->id, &window->closing, 1);
+    XMapWindow(display, window->id);
+    XSync(display, False);
+    // A window's number is what hosts hand over as a pointer.
+    if (plugin.Dispatch(effEditOpen, 0, 0, reinterpret_cast<void*>(window->id)) == 0)  // NOLINT
+        throw std::runtime_error("the plug-in's window does not open");
+}
+
+EditorWindow::~EditorWindow() {
+    plugin.Dispatch(effEditClose);
+}
+
+bool EditorWindow::UserHasClosed() {
+    bool closed = false;
+    while (XPending(window->display) > 0) {
+        XEvent event;
+        XNextEvent(window->display, &event);
+        closed = closed || (event.type == ClientMessage &&
+                            static_cast<Atom>(event.xclient.data.l[0]) == window->closing);
+    }
+    return closed;
+}
+
+void EditorWindow::Run(const std::function<bool()>& step) {
+    while (!UserHasClosed() && step()) {
+        plugin.Dispatch(effEditIdle);
+        std::this_thread::sleep_for(idlePause);
+    }
+}
+
+std::string EditorWindow::Picture() {
+    const std::unique_ptr<XImage, void (*)(XImage*)> image(
+        XGetImage(window->display, window->id, 0, 0, static_cast<unsigned>(window->width),
+                  static_cast<unsigned>(window->height), AllPlanes, ZPixmap),
+        [](XImage* gone) {
+            if (gone != nullptr) XDestroyImage(gone);
+        });
+    if (image == nullptr || image->bits_per_pixel != 32)
+        throw std::runtime_error("the window cannot be read from this display");
+    const std::unique_ptr<cairo_surface_t, void (*)(cairo_surface_t*)> surface(
+        cairo_image_surface_create_for_data(reinterpret_cast<unsigned char*>(image->data), CAIRO_FORMAT_RGB24,
+                                            image->width, image->height, image->bytes_per_line),
+        cairo_surface_destroy);
+    std::string bytes;
+    if (cairo_surface_write_to_png_stream(surface.get(), Append, &bytes) != CAIRO_STATUS_SUCCESS)
+        throw std::runtime_error("the picture cannot be written");
+    return bytes;
+}
