@@ -88,7 +88,7 @@ public:
         if (link->granted && !link->gone.load()) link->AwaitQuiet();
         const QuietAttempt attempt;
         std::erase(AllLinks().open, link.get());
-        if (false)
+        if (link->gone.load())
             AllLinks().dead.push_back(std::move(link));
         else
             jack_client_close(link->client);
