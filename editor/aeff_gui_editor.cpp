@@ -62,6 +62,7 @@ bool AEffGUIEditor::open(void* parent) {
     frame = new VSTGUI::CFrame(VSTGUI::CRect(0, 0, rect.right, rect.bottom), this);
     VSTGUI::X11::FrameConfig config;
     config.runLoop = VSTGUI::shared(static_cast<VSTGUI::X11::IRunLoop*>(&ToolkitSession::Loop()));
+    // The toolkit takes a window's number as a pointer. NOLINTNEXTLINE(performance-no-int-to-ptr)
     const auto place = reinterpret_cast<void*>(static_cast<std::uintptr_t>(holder->Id()));
     if (!frame->open(place, VSTGUI::PlatformType::kX11EmbedWindowID, &config)) {
         frame->forget();

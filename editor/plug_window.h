@@ -31,6 +31,7 @@ public:
     std::int32_t ActivePage() const { return activePage; }
 
     void valueChanged(VSTGUI::CControl* control) override;
+    using CViewContainer::onKeyboardEvent;
     void onKeyboardEvent(VSTGUI::KeyboardEvent& event, VSTGUI::CFrame* frame) override;  // F1 is help
     bool attached(VSTGUI::CView* parent) override;
     bool removed(VSTGUI::CView* parent) override;

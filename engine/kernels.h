@@ -1,4 +1,5 @@
 #pragma once
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -49,6 +50,7 @@ struct ResonatorBank {
 // longest partial distance, in whole vectors. The array of FitPartials holds that many zeros on either side,
 // so that no row needs a test.
 constexpr std::int32_t fitMargin = 32;
+constexpr std::size_t fitMargins = std::size_t{2} * fitMargin;
 constexpr std::int32_t fitSweeps = 10;  // part of the behaviour: the fit stops before it has converged
 
 // Pre-multiplied coefficients of the least-squares rows, by how many partials lie below the top band.
@@ -61,7 +63,8 @@ struct FitCoefficients {
 };
 // clang-format on
 
-// The first half of the separation. Arrays hold PaddedBands(bands) elements.
+// The first half of the separation. Arrays hold PaddedBands(bands) elements, amplitude and levelCap a
+// bandStep of zeros behind them.
 struct PartialLimit {
     const float* energy;
     float* amplitude;           // out: square root of energy

@@ -16,8 +16,6 @@ HWY_BEFORE_NAMESPACE();
 namespace vectors {
 namespace HWY_NAMESPACE {
 
-namespace hn = hwy::HWY_NAMESPACE;
-
 // Below SSSE3 there is no shift across two vectors and no fast 32-bit multiply: the plain form serves as
 // well.
 #if HWY_TARGET == HWY_SCALAR || HWY_TARGET == HWY_EMU128 || HWY_TARGET == HWY_SSE2
@@ -27,6 +25,8 @@ DetectorKernels Kernels() {
 }
 
 #else
+
+namespace hn = hwy::HWY_NAMESPACE;
 
 using Wide = hn::CappedTag<float, bandStep>;  // bands along the vector
 using WideInt = hn::RebindToSigned<Wide>;

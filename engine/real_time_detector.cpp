@@ -27,20 +27,23 @@ TRealTimeTS107::TRealTimeTS107(Bands bands)
       energyPrev2(bands.padded),
       energyPrev1(bands.padded),
       energy(bands.padded),
-      amplitude(bands.padded),
+      amplitude(bands.padded + bandStep),
       eqAmplitude(bands.padded),
       separated(bands.padded),
       noteOn(bands.padded),
       eqGain(bands.padded),
       eqGainSq(bands.padded),
-      levelCap(bands.padded),
+      levelCap(bands.padded + bandStep),
       rhs(bands.padded),
       kernels(BestKernels()),
-      fitted(bands.padded + 2 * fitMargin) {
+      fitted(bands.padded + fitMargins) {
     numBands = bands.count;
     bandOn = noteOn.Data();
     bandLevel = separated.Data();
-    // What lies past the last band stays zero, in the tables too: whole vectors are computed.
+    // What lies past the last band stays zero, in the tables too: whole vectors are computed. The limit by
+    // partials reads on from there, by as far as a partial lies above the last full vector.
+    std::fill_n(amplitude.Data() + bands.padded, bandStep, 0.0F);
+    std::fill_n(levelCap.Data() + bands.padded, bandStep, 0.0F);
     for (TAutoArray<float>* array : {&stateA, &stateB, &feedAA, &feedAB, &feedBA, &feedBB, &inputAR, &inputAI,
                                      &inputBR, &inputBI, &dipScale, &energyPrev2, &energyPrev1, &energy,
                                      &amplitude, &eqAmplitude, &separated, &levelCap, &rhs})
@@ -49,7 +52,7 @@ TRealTimeTS107::TRealTimeTS107(Bands bands)
         std::fill_n(array->Data(), bands.padded, 0);
     for (TAutoArray<bool>* array : {&rising, &peakOlder, &peakOld, &peakNow, &noteOn})
         std::fill_n(array->Data(), bands.padded, false);
-    std::fill_n(fitted.Data(), bands.padded + 2 * fitMargin, 0.0F);
+    std::fill_n(fitted.Data(), bands.padded + fitMargins, 0.0F);
 }
 
 TRealTimeTS107::TRealTimeTS107(std::int32_t rate, std::int32_t reference, std::int32_t bands)
