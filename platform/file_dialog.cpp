@@ -45,19 +45,6 @@ std::vector<std::string> CommandFor(const FileDialogRequest& request) {
     return {};
 }
 
-// The environment without what a host that brings its own libraries sets for itself: the desktop's programs
-// do not run with those.
-std::vector<char*> Environment() {
-    std::vector<char*> variables;
-    for (char** variable = environ; variable != nullptr && *variable != nullptr; ++variable) {
-        const std::string_view text = *variable;
-        if (!text.starts_with("LD_LIBRARY_PATH=") && !text.starts_with("LD_PRELOAD="))
-            variables.push_back(*variable);
-    }
-    variables.push_back(nullptr);
-    return variables;
-}
-
 // Runs the command with its standard output in the pipe, in a process group of its own, with no signal
 // blocked or ignored that the host blocks or ignores. False when it cannot be run.
 bool Spawn(const std::vector<std::string>& command, int output, pid_t* program) {
@@ -86,8 +73,8 @@ bool Spawn(const std::vector<std::string>& command, int output, pid_t* program) 
     posix_spawnattr_setflags(&attributes,
                              POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETPGROUP);
 
-    const int result =
-        posix_spawn(program, arguments[0], &files, &attributes, arguments.data(), Environment().data());
+    const int result = posix_spawn(program, arguments[0], &files, &attributes, arguments.data(),
+                                   ProgramEnvironment().data());
     posix_spawnattr_destroy(&attributes);
     posix_spawn_file_actions_destroy(&files);
     return result == 0;

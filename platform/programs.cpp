@@ -47,26 +47,13 @@ struct Attributes {
     posix_spawnattr_t settings;
 };
 
-// The environment but for what a host that brings its own libraries sets for itself: the system's programs do
-// not run with those.
-std::vector<char*> Environment() {
-    std::vector<char*> variables;
-    for (char** variable = environ; variable != nullptr && *variable != nullptr; ++variable) {
-        const std::string_view text = *variable;
-        if (text.rfind("LD_LIBRARY_PATH=", 0) != 0 && text.rfind("LD_PRELOAD=", 0) != 0)
-            variables.push_back(*variable);
-    }
-    variables.push_back(nullptr);
-    return variables;
-}
-
 // 0 where it cannot be started.
 pid_t Spawn(const std::vector<std::string>& arguments) {
     std::vector<char*> words;
     words.reserve(arguments.size() + 1);
     for (const std::string& argument : arguments) words.push_back(const_cast<char*>(argument.c_str()));
     words.push_back(nullptr);
-    std::vector<char*> environment = Environment();
+    std::vector<char*> environment = ProgramEnvironment();
     const Attributes with;
     pid_t child = 0;
     const int fault =
@@ -96,6 +83,17 @@ OwnChildren& Children() {
 }
 
 }  // namespace
+
+std::vector<char*> ProgramEnvironment() {
+    std::vector<char*> variables;
+    for (char** variable = environ; variable != nullptr && *variable != nullptr; ++variable) {
+        const std::string_view text = *variable;
+        if (!text.starts_with("LD_LIBRARY_PATH=") && !text.starts_with("LD_PRELOAD="))
+            variables.push_back(*variable);
+    }
+    variables.push_back(nullptr);
+    return variables;
+}
 
 std::string FindProgram(const std::string& name) {
     const char* const path = std::getenv("PATH");  // NOLINT(concurrency-mt-unsafe): a host does not change it

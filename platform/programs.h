@@ -14,3 +14,7 @@ std::string FindProgram(const std::string& name);
 // output are empty, and it lives in a session of its own. Nobody waits for its end, and nothing is left here
 // when it comes.
 bool StartProgram(const std::vector<std::string>& arguments);
+
+// The environment for such a program, ended by a null: ours, without what a host that brings its own
+// libraries sets for itself. Points into it, so it stands until somebody changes it.
+std::vector<char*> ProgramEnvironment();
