@@ -18,9 +18,16 @@ public:
 protected:
     std::uint64_t found;
 
+    // What is flushed differs in detail between architectures. A build that compares them keeps denormals.
+#if defined(ORVA_KEEP_DENORMALS)
+    static constexpr bool flush = false;
+#else
+    static constexpr bool flush = true;
+#endif
+
 #if defined(__SSE2__)
     // Flush-to-zero (bit 15), denormals-are-zero (bit 6), all exceptions masked (bits 7 to 12), nearest.
-    static constexpr std::uint64_t arithmetic = 0x9FC0;
+    static constexpr std::uint64_t arithmetic = flush ? 0x9FC0 : 0x1F80;
     static std::uint64_t Read() {
         return _mm_getcsr();
     }
@@ -28,7 +35,7 @@ protected:
         _mm_setcsr(static_cast<unsigned>(word));
     }
 #elif defined(__aarch64__)
-    static constexpr std::uint64_t arithmetic = std::uint64_t{1} << 24;  // FPCR.FZ, nearest
+    static constexpr std::uint64_t arithmetic = flush ? std::uint64_t{1} << 24 : 0;  // FPCR.FZ, nearest
     static std::uint64_t Read() {
         std::uint64_t word;
         __asm__ __volatile__("mrs %0, fpcr" : "=r"(word));

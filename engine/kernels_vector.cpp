@@ -424,12 +424,21 @@ namespace vectors {
 
 HWY_EXPORT(Kernels);
 
+DetectorKernels ChosenKernels() {
+    return HWY_DYNAMIC_DISPATCH(Kernels)();
+}
+
 }  // namespace vectors
 
 DetectorKernels BestKernels() {
-    return HWY_DYNAMIC_DISPATCH(vectors::Kernels)();
+    return vectors::ChosenKernels();
 }
 
+#ifdef HWY_COMPILE_ONLY_STATIC  // one set, named on the compiler's command line: a build for another machine
+std::vector<DetectorKernels> AllKernels() {
+    return {PlainKernels(), BestKernels()};
+}
+#else
 std::vector<DetectorKernels> AllKernels() {
     std::vector<DetectorKernels> all = {PlainKernels()};
     for (const std::int64_t target : hwy::SupportedAndGeneratedTargets()) {
@@ -442,4 +451,5 @@ std::vector<DetectorKernels> AllKernels() {
     hwy::GetChosenTarget().Update(hwy::SupportedTargets());
     return all;
 }
+#endif
 #endif
