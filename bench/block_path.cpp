@@ -103,4 +103,25 @@ void OneInstance(benchmark::State& state) {
 }
 BENCHMARK(OneInstance)->ArgName("rate")->Arg(44100)->Arg(48000)->Arg(96000)->Unit(benchmark::kMillisecond);
 
+// Many instances in one process, each in turn for a block of 512, so that none finds its tables in the
+// nearest cache. Told as the number that one core could carry in real time.
+void ManyInstances(benchmark::State& state) {
+    sampleRate = 44100;
+    std::vector<float> in = Audio(music), out(512);
+    std::vector<AEffect*> effects(static_cast<std::size_t>(state.range(0)));
+    for (AEffect*& effect : effects) effect = OpenPlugin(Host);
+    std::size_t at = 0;
+    for (auto step : state) {
+        float* from = in.data() + at;
+        float* to = out.data();
+        for (AEffect* const effect : effects) effect->processReplacing(effect, &from, &to, 512);
+        at = at + 1024 <= in.size() ? at + 512 : 0;
+    }
+    for (AEffect* const effect : effects) effect->dispatcher(effect, effClose, 0, 0, nullptr, 0);
+    const double seconds = static_cast<double>(state.iterations()) * 512 / static_cast<double>(sampleRate);
+    state.counters["instances_per_core"] =
+        benchmark::Counter(seconds * static_cast<double>(effects.size()), benchmark::Counter::kIsRate);
+}
+BENCHMARK(ManyInstances)->ArgName("instances")->Arg(1)->Arg(500)->Unit(benchmark::kMillisecond);
+
 }  // namespace
