@@ -1,12 +1,11 @@
 #pragma once
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <xcb/xcb.h>
 
 #include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <utility>
@@ -133,7 +132,7 @@ public:
 private:
     void Tool(std::vector<std::string> words) {
         words.insert(words.begin(), "xdotool");
-        ASSERT_EQ(0, Run(std::move(words)));
+        if (Run(std::move(words)) != 0) throw std::runtime_error("xdotool failed");
     }
     static std::intptr_t Callback(AEffect*, std::int32_t opcode, std::int32_t index, std::intptr_t, void* ptr,
                                   float opt) {

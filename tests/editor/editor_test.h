@@ -1,4 +1,7 @@
 #pragma once
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
 #include <cmath>
 #include <memory>
 #include <numbers>

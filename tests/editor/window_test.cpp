@@ -1,5 +1,9 @@
 #include <dirent.h>
 
+#include <algorithm>
+#include <cmath>
+
+#include "editor/level_column.h"
 #include "tests/editor/editor_test.h"
 
 namespace {
@@ -84,7 +88,7 @@ TEST_F(Window, WithoutAWindowEveryCallDoesNothing) {
 // Nothing of a closed editor stays: no window in the host's, no open file, no thread.
 TEST_F(Window, CyclesOfOpenAndCloseLeaveNothing) {
     int files = 0, threads = 0;
-    for (int cycle = 0; cycle < 40; ++cycle) {
+    for (int cycle = 0; cycle < 200; ++cycle) {
         ASSERT_TRUE(host->Open());
         EXPECT_EQ(Children(), 1);
         for (int i = 0; i < 4; ++i) host->Idle();
@@ -226,6 +230,49 @@ TEST_F(Window, NotesRunByFromLeftToRight) {
     EXPECT_TRUE(host->Await([&] { return host->Pixel(275, row) == 0xFF9646U; }));  // moved on
     EXPECT_EQ(host->Pixel(270, row + 1), 0xFF9646U);
     EXPECT_EQ(host->Pixel(270, row + 2), 0x4199DCU);  // entry 254: 65, 153, 220
+}
+
+// Between two notes nothing is heard, so a column differs from the one before by the running average alone,
+// which the plug-in shows: byte = (ln(level) - average) * 70 + 254, or 255 for a note, and its colour, 3
+// pixels a band.
+TEST_F(Window, EachColumnOfThePictureShowsTheLevelsPixelByPixel) {
+    ASSERT_TRUE(host->Open());
+    host->plugin.resume();
+    Play({220.0, 277.2, 329.6}, 0.5);
+    const auto expected = [&] {
+        std::vector<unsigned char> levels(84);
+        const TNoteRecorder& heard = host->plugin.noteRecorder;
+        for (std::int32_t band = 0; band < 84; ++band) {
+            const float level = heard.GetBandLevel(band);
+            const float height =
+                level > 0 ? (std::log(level) - host->plugin.levelAverage) * 70.0F + 254.0F : 0.0F;
+            levels[static_cast<std::size_t>(band)] =
+                heard.GetBandOn(band) ? 255 : static_cast<unsigned char>(std::clamp(height, 0.0F, 254.0F));
+        }
+        std::vector<std::uint32_t> pixels;
+        for (const int byte : ColumnOf(levels)) {
+            const PaletteColor color = PaletteEntry(byte);
+            pixels.push_back(std::uint32_t{color.red} << 16 | std::uint32_t{color.green} << 8 | color.blue);
+        }
+        return pixels;
+    };
+    const auto column = [&](int age) {  // the picture's upper left corner is at 269, 48
+        std::vector<std::uint32_t> pixels;
+        for (const auto bytes = host->Pixels(269 + age, 48, 1, 252); pixels.size() < bytes.size() / 4;) {
+            const std::uint8_t* p = &bytes[4 * pixels.size()];
+            pixels.push_back(std::uint32_t{p[2]} << 16 | std::uint32_t{p[1]} << 8 | p[0]);
+        }
+        return pixels;
+    };
+    // What a call draws may reach the screen with the next, so each is awaited.
+    for (int tick = 0; tick < 3; ++tick) {
+        const float average = host->plugin.levelAverage;
+        ASSERT_TRUE(host->Await([&] { return host->plugin.levelAverage != average; }));
+        std::vector<std::uint32_t> newest;
+        ASSERT_TRUE(host->Await([&] { return (newest = column(0)) == expected(); }));
+        EXPECT_THAT(newest, testing::Contains(0xFF9646U));  // a note sounds
+        EXPECT_TRUE(host->Await([&] { return column(1) == newest; }));
+    }
 }
 
 TEST_F(Window, TwoInstancesShowTheirOwnValues) {

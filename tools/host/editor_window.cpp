@@ -2,6 +2,7 @@
 
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
+#include <X11/extensions/Xcomposite.h>
 #include <cairo.h>
 
 #include <chrono>
@@ -26,6 +27,7 @@ struct EditorWindow::Window {
     Display* display = nullptr;
     ::Window id = 0;
     Atom closing = 0;
+    bool ownPixels = false;  // what is drawn is kept, seen or not
     int width = 0;
     int height = 0;
 
@@ -57,6 +59,10 @@ EditorWindow::EditorWindow(HostedPlugin& edited, const std::string& title)
     XSetWMNormalHints(display, window->id, &hints);
     window->closing = XInternAtom(display, "WM_DELETE_WINDOW", False);
     XSetWMProtocols(display, window->id, &window->closing, 1);
+    // Else a picture of a window that is covered, or not quite on the screen, could not be taken.
+    int event = 0, error = 0;
+    window->ownPixels = XCompositeQueryExtension(display, &event, &error) != 0;
+    if (window->ownPixels) XCompositeRedirectWindow(display, window->id, CompositeRedirectAutomatic);
     XMapWindow(display, window->id);
     XSync(display, False);
     // A window's number is what hosts hand over as a pointer.
@@ -87,12 +93,15 @@ void EditorWindow::Run(const std::function<bool()>& step) {
 }
 
 std::string EditorWindow::Picture() {
+    const Drawable drawn =
+        window->ownPixels ? XCompositeNameWindowPixmap(window->display, window->id) : window->id;
     const std::unique_ptr<XImage, void (*)(XImage*)> image(
-        XGetImage(window->display, window->id, 0, 0, static_cast<unsigned>(window->width),
+        XGetImage(window->display, drawn, 0, 0, static_cast<unsigned>(window->width),
                   static_cast<unsigned>(window->height), AllPlanes, ZPixmap),
         [](XImage* gone) {
             if (gone != nullptr) XDestroyImage(gone);
         });
+    if (window->ownPixels) XFreePixmap(window->display, drawn);
     if (image == nullptr || image->bits_per_pixel != 32)
         throw std::runtime_error("the window cannot be read from this display");
     const std::unique_ptr<cairo_surface_t, void (*)(cairo_surface_t*)> surface(

@@ -1,0 +1,56 @@
+// rooms: module
+// What the open window costs its host: processor time of one idle call, at the host's usual pace, on a
+// display without a screen. `per_column_us` is for the calls that draw a column of the picture, some 20 a
+// second.
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <ctime>
+
+#include "tests/editor/editor_host.h"
+
+namespace {
+
+double ProcessorSeconds() {
+    timespec time{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
+}
+
+// All 84 bands on, or none. The detector's flags and levels stand still; the picture runs.
+void Idle(benchmark::State& state) {
+    const DisplayServer display;
+    EditorHost host;
+    if (!host.Open()) return state.SkipWithError("no window");
+    TRealTimeTS107& detector = host.plugin.detector;
+    for (int band = 0; band < detector.numBands; ++band) {
+        detector.noteOn[band] = state.range(0) != 0;
+        detector.separated[band] = state.range(0) != 0 ? 0.01F * static_cast<float>(1 + band % 7) : 0.0F;
+    }
+    host.plugin.noteRecorder.OnFrame();
+    for (int i = 0; i < 30; ++i) host.Idle();  // the first pictures
+    double columns = 0, most = 0, spent = 0;
+    for ([[maybe_unused]] auto iteration : state) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(33));
+        const float average = host.plugin.levelAverage;
+        const double begin = ProcessorSeconds();
+        host.Idle();
+        const double cost = ProcessorSeconds() - begin;
+        state.SetIterationTime(cost);
+        if (host.plugin.levelAverage == average) continue;
+        ++columns;
+        spent += cost;
+        most = std::max(most, cost);
+    }
+    state.counters["per_column_us"] = 1e6 * spent / std::max(1.0, columns);
+    state.counters["most_us"] = 1e6 * most;
+}
+BENCHMARK(Idle)
+    ->ArgName("bands_on")
+    ->Arg(0)
+    ->Arg(1)
+    ->Iterations(200)
+    ->UseManualTime()
+    ->Unit(benchmark::kMicrosecond);
+
+}  // namespace
