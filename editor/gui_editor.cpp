@@ -279,9 +279,12 @@ void guiEditor::OpenMail(const std::string& address) {
 
 void guiEditor::OpenHelp() {
     errands.emplace_back([this] {
-        const std::filesystem::path file = ModuleFolder() / "orva_vst.chm";
-        if (!SystemShell().OpenHelpFile(file.string()))
-            ShowMessage("The help could not be opened:\n" + file.string(), "Error");
+        const std::filesystem::path folder = ModuleFolder(), file = folder / "orva_vst.chm";
+        // Or else the manual: beside the module, as in a home folder, or where a package puts it.
+        for (const auto& manual :
+             {file, folder / "orva_vst.html", folder / "../../share/doc/orva-vst/manual.html"})
+            if (SystemShell().OpenHelpFile(manual.string())) return;
+        ShowMessage("The help could not be opened:\n" + file.string(), "Error");
     });
 }
 

@@ -380,6 +380,7 @@ TEST_F(Controls, HelpComesByItsButtonAndByF1) {
     shell.works = false;
     Click(helpButton);
     EXPECT_TRUE(host->Await([&] { return MessageIsUp(); }));
+    EXPECT_THAT(shell.opened.back(), EndsWith("/share/doc/orva-vst/manual.html"));  // tried after the rest
 }
 
 TEST_F(Controls, MessagesComeOneAfterAnother) {

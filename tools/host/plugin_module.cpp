@@ -22,7 +22,10 @@ std::vector<fs::path> PluginFolders() {
     std::vector<fs::path> folders;
     std::error_code unknown;
     const fs::path program = fs::read_symlink("/proc/self/exe", unknown);
-    if (!unknown) folders.push_back(program.parent_path());
+    if (!unknown) {
+        folders.push_back(program.parent_path());
+        folders.push_back(program.parent_path().parent_path() / "lib/vst");  // installed together
+    }
     std::istringstream listed(Environment("VST_PATH"));
     for (std::string folder; std::getline(listed, folder, ':');)
         if (!folder.empty()) folders.emplace_back(folder);
