@@ -108,7 +108,7 @@ void guiEditor::CloseNow() {
     fileDialog.End();
     fileChosen = nullptr;
     errands.clear();
-    std::deque<Message> unseen;
+    std::vector<Message> unseen;
     {
         const std::lock_guard locked(messagesGuard);
         unseen.swap(messages);
@@ -225,7 +225,7 @@ void guiEditor::ShowNextMessage() {
         const std::lock_guard locked(messagesGuard);
         if (messages.empty()) return;
         next = std::move(messages.front());
-        messages.pop_front();
+        messages.erase(messages.begin());
     }
     const auto dismissed = [this] {  // comes from the view itself, which must outlive the call
         errands.emplace_back([this] {

@@ -1,6 +1,5 @@
 #pragma once
 #include <cstdint>
-#include <deque>
 #include <functional>
 #include <map>
 #include <mutex>
@@ -89,8 +88,8 @@ private:
     std::vector<std::function<void()>> errands;  // for the next idle call
     FileDialog fileDialog;
     std::function<void(const std::string&)> fileChosen;
-    std::mutex messagesGuard;      // of `messages`; nothing else is done under it
-    std::deque<Message> messages;  // not yet shown
+    std::mutex messagesGuard;       // of `messages`; nothing else is done under it
+    std::vector<Message> messages;  // not yet shown, oldest first
     bool messageIsUp = false;
     VSTGUI::ModalViewSessionID messageSession{};  // of the message that is up
     int busy = 0;                                 // entries of ours that are on the stack
