@@ -6,6 +6,7 @@
 #include <filesystem>
 
 #include "delivery/midi_device_list.h"
+#include "editor/help_file.h"
 #include "editor/idle_clock.h"
 #include "editor/look.h"
 #include "editor/message_view.h"
@@ -279,12 +280,11 @@ void guiEditor::OpenMail(const std::string& address) {
 
 void guiEditor::OpenHelp() {
     errands.emplace_back([this] {
-        const std::filesystem::path folder = ModuleFolder(), file = folder / "orva_vst.chm";
-        // Or else the manual: beside the module, as in a home folder, or where a package puts it.
-        for (const auto& manual :
-             {file, folder / "orva_vst.html", folder / "../../share/doc/orva-vst/manual.html"})
-            if (SystemShell().OpenHelpFile(manual.string())) return;
-        ShowMessage("The help could not be opened:\n" + file.string(), "Error");
+        const std::filesystem::path file = ModuleFolder() / "orva_vst.chm";
+        if (SystemShell().OpenHelpFile(file.string())) return;
+        const std::filesystem::path manual = ManualOf(ModuleFolder());
+        if (!manual.empty() && SystemShell().OpenHelpFile(manual.string())) return;
+        ShowMessage("The help could not be opened:\n" + (manual.empty() ? file : manual).string(), "Error");
     });
 }
 

@@ -75,12 +75,29 @@ public:
 
     std::vector<std::string> opened;
     bool works = true;
+    std::string absent = "?";  // what ends so cannot be opened
 
 private:
     bool Note(const std::string& what) {
         opened.push_back(what);
-        return works;
+        return works && !what.ends_with(absent);
     }
+};
+
+// A manual beside this program, in which the window is a part of the program.
+class ManualBesideUs {
+public:
+    ManualBesideUs() { std::ofstream(file) << "<!DOCTYPE html>"; }
+    ~ManualBesideUs() {
+        std::error_code ignored;
+        std::filesystem::remove(file, ignored);
+    }
+    ManualBesideUs(const ManualBesideUs&) = delete;
+    ManualBesideUs& operator=(const ManualBesideUs&) = delete;
+
+private:
+    const std::filesystem::path file =
+        std::filesystem::read_symlink("/proc/self/exe").parent_path() / "orva_vst.html";
 };
 
 }  // namespace
@@ -380,7 +397,17 @@ TEST_F(Controls, HelpComesByItsButtonAndByF1) {
     shell.works = false;
     Click(helpButton);
     EXPECT_TRUE(host->Await([&] { return MessageIsUp(); }));
-    EXPECT_THAT(shell.opened.back(), EndsWith("/share/doc/orva-vst/manual.html"));  // tried after the rest
+}
+
+TEST_F(Controls, HelpIsTheManualWhereTheHelpFileIsNotThere) {
+    const ManualBesideUs manual;
+    FakeShell shell;
+    shell.absent = ".chm";
+    Open();
+    NotePlain();
+    Click(helpButton);
+    EXPECT_THAT(shell.opened, ElementsAre(EndsWith("/orva_vst.chm"), EndsWith("/orva_vst.html")));
+    EXPECT_FALSE(MessageIsUp());
 }
 
 TEST_F(Controls, MessagesComeOneAfterAnother) {
