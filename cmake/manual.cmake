@@ -7,7 +7,8 @@ find_program(PANDOC pandoc)
 function(orva_manual)
   if(NOT PANDOC)
     add_custom_target(manual
-      COMMAND ${CMAKE_COMMAND} -E echo "The manual is made by pandoc, which is missing: run `scripts/setup package`, then `cmake --preset NAME` once more."
+      COMMAND ${CMAKE_COMMAND} -E echo
+        "The manual is made by pandoc, which is missing: scripts/setup package, then cmake --preset NAME once more"
       COMMAND ${CMAKE_COMMAND} -E false VERBATIM)
     return()
   endif()
@@ -26,12 +27,12 @@ function(orva_manual)
   file(MAKE_DIRECTORY ${made})
 
   add_custom_command(OUTPUT ${made}/manual.html DEPENDS ${page} ${pictures} VERBATIM
-    COMMAND ${PANDOC} manual.md --output=${made}/manual.html --from=markdown-smart --to=html5 ${embed} --fail-if-warnings
-      --template=page.html --css=manual.css --toc --toc-depth=2 --metadata=subtitle:Version\ ${PROJECT_VERSION}
+    COMMAND ${PANDOC} manual.md --output=${made}/manual.html --from=markdown-smart --to=html5 ${embed}
+      --fail-if-warnings --template=page.html --css=manual.css --toc --toc-depth=2 --metadata=subtitle:Version\ ${PROJECT_VERSION}
     WORKING_DIRECTORY ${sources} COMMENT "Making the manual")
   add_custom_command(OUTPUT ${made}/orva-host.1 DEPENDS ${sources}/orva-host.1.md VERBATIM
-    COMMAND ${PANDOC} orva-host.1.md --output=${made}/orva-host.1 --from=markdown-smart --to=man --standalone --fail-if-warnings
-      --variable=footer:ORVA\ ${PROJECT_VERSION}
+    COMMAND ${PANDOC} orva-host.1.md --output=${made}/orva-host.1 --from=markdown-smart --to=man --standalone
+      --fail-if-warnings --variable=footer:ORVA\ ${PROJECT_VERSION}
     WORKING_DIRECTORY ${sources} COMMENT "Making the man page of orva-host")
   # Without name and time inside, so that it is the same tomorrow.
   add_custom_command(OUTPUT ${made}/orva-host.1.gz DEPENDS ${made}/orva-host.1 VERBATIM
