@@ -16,19 +16,41 @@ function(orva_room name)
   endif()
 endfunction()
 
-# The plug-in module: every room in one file that exports the three entry points and nothing else.
+# orva_plugin_file(TARGET ENTRY EXPORTS ROOM): a file that hosts load, made of the source ENTRY and the static
+# library ROOM; it exports the names of the version script EXPORTS and nothing else.
 # It stays mapped once loaded (-z nodelete): the editor's text library does not survive a second load.
-# The entry symbols, `main` among them, exist in the module only, never in a static library.
-function(orva_module)
-  add_library(orva_vst MODULE ${PROJECT_SOURCE_DIR}/module/entry/entry_points.cpp)
-  set_target_properties(orva_vst PROPERTIES PREFIX "" LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR})
-  target_link_libraries(orva_vst PRIVATE orva_module Threads::Threads)
-  set(exports ${PROJECT_SOURCE_DIR}/module/exports.map)
-  target_link_options(orva_vst PRIVATE
+# The entry symbols exist in the file only, never in a static library.
+function(orva_plugin_file target entry exports room)
+  add_library(${target} MODULE ${PROJECT_SOURCE_DIR}/${entry})
+  set_target_properties(${target} PROPERTIES PREFIX "" LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR})
+  target_link_libraries(${target} PRIVATE ${room} Threads::Threads)
+  set(exports ${PROJECT_SOURCE_DIR}/${exports})
+  target_link_options(${target} PRIVATE
     -Wl,--version-script=${exports} -Wl,-Bsymbolic -Wl,--exclude-libs,ALL
     -Wl,-z,nodelete -Wl,-z,now -Wl,-z,relro -Wl,-z,noexecstack)
   if(NOT ORVA_SANITIZE)
-    target_link_options(orva_vst PRIVATE -Wl,-z,defs)
+    target_link_options(${target} PRIVATE -Wl,-z,defs)
   endif()
-  set_target_properties(orva_vst PROPERTIES LINK_DEPENDS ${exports})
+  set_target_properties(${target} PROPERTIES LINK_DEPENDS ${exports})
+endfunction()
+
+# The plug-in for VST 2 hosts: every room in one file with three entry points, `main` among them.
+function(orva_module)
+  orva_plugin_file(orva_vst module/entry/entry_points.cpp module/exports.map orva_module)
+endfunction()
+
+# The plug-in for LV2 hosts: a folder with the file that they load and its description, which is written by a
+# program that knows the same tables as the plug-in.
+function(orva_lv2_bundle)
+  set(bundle ${PROJECT_BINARY_DIR}/orva.lv2)
+  orva_plugin_file(orva_lv2_file lv2/entry/entry_points.cpp lv2/exports.map orva_lv2)
+  set_target_properties(orva_lv2_file PROPERTIES OUTPUT_NAME orva_lv2 LIBRARY_OUTPUT_DIRECTORY ${bundle})
+  file(GLOB sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/lv2/describe/*.cpp)
+  add_executable(orva_lv2_describe ${sources})
+  target_link_libraries(orva_lv2_describe PRIVATE orva_lv2 Threads::Threads)
+  add_custom_command(OUTPUT ${bundle}/manifest.ttl ${bundle}/orva.ttl
+    COMMAND orva_lv2_describe ${bundle} $<TARGET_FILE_NAME:orva_lv2_file> ${PROJECT_VERSION_MINOR}
+    VERBATIM COMMENT "Describing the LV2 plug-in")
+  add_custom_target(orva_lv2_bundle ALL DEPENDS ${bundle}/manifest.ttl ${bundle}/orva.ttl)
+  add_dependencies(orva_lv2_bundle orva_lv2_file)
 endfunction()

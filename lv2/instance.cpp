@@ -1,0 +1,156 @@
+#include "lv2/instance.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+#include <map>
+#include <mutex>
+
+#include <lv2/midi/midi.h>
+
+#include "lv2/features.h"
+
+namespace {
+
+constexpr double echoSeconds = 0.5;
+constexpr double slowest = 1, fastest = 1e9;  // Hz; the patience is a whole number for any host's rate
+
+std::int64_t Patience(double rate) {
+    return static_cast<std::int64_t>(echoSeconds * (rate > slowest && rate < fastest ? rate : slowest));
+}
+
+// The instances that hosts hold. Never destroyed: a host may clean up while the process already ends.
+struct Instances {
+    std::mutex guard;
+    std::map<LV2_Handle, std::shared_ptr<Instance>> held;
+};
+
+Instances& All() {
+    static Instances& all = *new Instances;
+    return all;
+}
+
+bool SameBits(float a, float b) {
+    return std::bit_cast<std::uint32_t>(a) == std::bit_cast<std::uint32_t>(b);
+}
+
+}  // namespace
+
+LV2_Handle Instance::Make(double rate, const LV2_Feature* const* features) noexcept {
+    try {
+        const auto* map = Feature<LV2_URID_Map>(features, LV2_URID__map);
+        if (map == nullptr) return nullptr;
+        auto made = std::make_shared<Instance>(rate, map->map(map->handle, LV2_ATOM__Sequence),
+                                               map->map(map->handle, LV2_MIDI__MidiEvent),
+                                               Feature<LV2_Worker_Schedule>(features, LV2_WORKER__schedule));
+        const LV2_Handle handle = made.get();
+        const std::lock_guard<std::mutex> held(All().guard);
+        All().held.emplace(handle, std::move(made));
+        return handle;
+    } catch (...) {
+        return nullptr;
+    }
+}
+
+std::shared_ptr<Instance> Instance::Find(LV2_Handle handle) {
+    const std::lock_guard<std::mutex> held(All().guard);
+    const auto found = All().held.find(handle);
+    return found != All().held.end() ? found->second : nullptr;
+}
+
+void Instance::Forget(LV2_Handle handle) {
+    std::shared_ptr<Instance> last;  // ends outside the lock
+    {
+        const std::lock_guard<std::mutex> held(All().guard);
+        const auto found = All().held.find(handle);
+        if (found == All().held.end()) return;
+        last = std::move(found->second);
+        All().held.erase(found);
+    }
+    last->hostHasLeft = true;
+}
+
+Instance::Instance(double rate, LV2_URID sequence, LV2_URID midiEvent, const LV2_Worker_Schedule* schedule)
+    : patience(Patience(rate)),
+      gatherer(sequence, midiEvent),
+      object(rate, *this),
+      worker(object, *this, schedule) {
+    for (std::int32_t i = 0; i < parameterCount; ++i) {
+        const auto at = static_cast<std::size_t>(i);
+        controls[at].applied = object.Get(i);
+        known[at] = controls[at].applied;
+    }
+}
+
+void Instance::Connect(std::uint32_t port, void* place) {
+    if (port == portAudioIn)
+        audioIn = static_cast<const float*>(place);
+    else if (port == portAudioOut)
+        audioOut = static_cast<float*>(place);
+    else if (port == portMidi)
+        midi = static_cast<LV2_Atom_Sequence*>(place);
+    else if (port < portCount)
+        controls[port - portFirstControl].port = static_cast<const float*>(place);
+}
+
+void Instance::Run(std::uint32_t frames) {
+    gatherer.BeginRun();
+    TakeChangesOfTheWindow();
+    TakePorts();
+    worker.Kick();
+    for (std::uint32_t done = 0; done < frames;) {
+        const std::uint32_t block = std::min(frames - done, HostedObject::longestBlock);
+        gatherer.BeginBlock(done);
+        object.Process(audioIn != nullptr ? audioIn + done : nullptr,
+                       audioOut != nullptr ? audioOut + done : nullptr, block);
+        done += block;
+    }
+    gatherer.EndRun(frames, midi);
+    clock += frames;
+}
+
+void Instance::TakeChangesOfTheWindow() {
+    forRun.drain([this](std::int32_t index, float value) {
+        Control& control = controls[static_cast<std::size_t>(index)];
+        control.applied = value;
+        control.echo.Await(value, clock + patience);
+    });
+}
+
+void Instance::TakePorts() {
+    for (std::int32_t i = 0; i < parameterCount; ++i) {
+        Control& control = controls[static_cast<std::size_t>(i)];
+        if (control.port == nullptr) continue;
+        const float value = *control.port;
+        if (!control.echo.Counts(value, clock) || SameBits(value, control.applied)) continue;
+        control.applied = value;
+        known[static_cast<std::size_t>(i)] = value;
+        if (DeviceWorker::Takes(i))
+            worker.Wish(i, value);
+        else
+            object.Set(i, value);
+    }
+}
+
+void Instance::ParameterEdited(std::int32_t index, float value) {
+    if (index < 0 || index >= parameterCount) return;  // the window's own tags
+    known[static_cast<std::size_t>(index)] = value;
+    forRun.post(index, value);
+    forHost.post(index, value);
+    if (DeviceWorker::Takes(index)) worker.WishedInWindow(index, value);
+}
+
+// The run is not told: it goes by the wish until the port changes, or a device that is not to be had would be
+// asked for again and again.
+bool Instance::FellBack(std::int32_t index, float value) {
+    if (!windowShows) return false;
+    object.ShowInEditor(index, value);
+    known[static_cast<std::size_t>(index)] = value;
+    forHost.post(index, value);
+    return true;
+}
+
+void Instance::WindowShows(bool shows) {
+    if (shows) forHost.drain([](std::int32_t, float) {});  // older than what the window reads now
+    windowShows = shows;
+}

@@ -1,0 +1,100 @@
+#include "lv2/outer_window.h"
+
+#include <xcb/xcb.h>
+
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+
+constexpr char title[] = "ORVA Audio To MIDI";
+
+struct Freed {
+    void operator()(void* memory) const { std::free(memory); }
+};
+
+// The size hints of the window manager's conventions: flags, and the fields that they name.
+struct SizeHints {
+    std::uint32_t flags = 1U << 4 | 1U << 5;  // smallest and largest size
+    std::uint32_t placeAndSize[4] = {};       // not used any more
+    std::uint32_t smallest[2] = {};
+    std::uint32_t largest[2] = {};
+    std::uint32_t rest[9] = {};
+};
+static_assert(sizeof(SizeHints) == 18 * 4);
+
+}  // namespace
+
+std::unique_ptr<OuterWindow> OuterWindow::Make(std::uint32_t parent, std::uint16_t width,
+                                               std::uint16_t height) {
+    std::unique_ptr<OuterWindow> window(new OuterWindow(xcb_connect(nullptr, nullptr)));
+    if (xcb_connection_has_error(window->connection) != 0) return nullptr;
+    return window->Create(parent, width, height) ? std::move(window) : nullptr;
+}
+
+OuterWindow::~OuterWindow() {
+    if (id != 0) xcb_destroy_window(connection, id);
+    xcb_disconnect(connection);  // sends what is left
+}
+
+bool OuterWindow::Create(std::uint32_t parent, std::uint16_t width, std::uint16_t height) {
+    // With the screen's own visual: a host's window may have an alpha channel.
+    const xcb_screen_t* screen = xcb_setup_roots_iterator(xcb_get_setup(connection)).data;
+    const xcb_window_t wanted = xcb_generate_id(connection);
+    const std::uint32_t mask = XCB_CW_BACK_PIXEL | XCB_CW_BORDER_PIXEL | XCB_CW_EVENT_MASK | XCB_CW_COLORMAP;
+    const std::uint32_t values[] = {screen->white_pixel, screen->black_pixel, XCB_EVENT_MASK_STRUCTURE_NOTIFY,
+                                    screen->default_colormap};
+    const auto made = xcb_create_window_checked(
+        connection, screen->root_depth, wanted, parent != 0 ? parent : screen->root, 0, 0, width, height, 0,
+        XCB_WINDOW_CLASS_INPUT_OUTPUT, screen->root_visual, mask, values);
+    const std::unique_ptr<xcb_generic_error_t, Freed> error(xcb_request_check(connection, made));
+    if (error || xcb_connection_has_error(connection) != 0) return false;
+    id = wanted;
+
+    SizeHints hints;
+    hints.smallest[0] = hints.largest[0] = width;
+    hints.smallest[1] = hints.largest[1] = height;
+    xcb_change_property(connection, XCB_PROP_MODE_REPLACE, id, XCB_ATOM_WM_NORMAL_HINTS,
+                        XCB_ATOM_WM_SIZE_HINTS, 32, sizeof hints / 4, &hints);
+    xcb_change_property(connection, XCB_PROP_MODE_REPLACE, id, XCB_ATOM_WM_NAME, XCB_ATOM_STRING, 8,
+                        sizeof title - 1, title);
+    if (parent == 0) {
+        closing = Atom("WM_DELETE_WINDOW");
+        xcb_change_property(connection, XCB_PROP_MODE_REPLACE, id, Atom("WM_PROTOCOLS"), XCB_ATOM_ATOM, 32, 1,
+                            &closing);
+    }
+    Show();
+    // The editor opens inside it by a connection of its own, to which the window must exist by now.
+    const std::unique_ptr<xcb_get_input_focus_reply_t, Freed> arrived(
+        xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
+    return arrived != nullptr;
+}
+
+std::uint32_t OuterWindow::Atom(const char* name) {
+    const auto asked = xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(std::strlen(name)), name);
+    const std::unique_ptr<xcb_intern_atom_reply_t, Freed> reply(
+        xcb_intern_atom_reply(connection, asked, nullptr));
+    return reply ? reply->atom : std::uint32_t{XCB_ATOM_NONE};
+}
+
+void OuterWindow::Show() {
+    xcb_map_window(connection, id);
+    xcb_flush(connection);
+}
+
+bool OuterWindow::UserHasClosed() {
+    bool closed = false;
+    while (const std::unique_ptr<xcb_generic_event_t, Freed> event{xcb_poll_for_event(connection)}) {
+        constexpr unsigned sentByAnother = 0x80;
+        const unsigned type = event->response_type & ~sentByAnother;
+        if (type == XCB_CLIENT_MESSAGE) {
+            const auto* message = reinterpret_cast<const xcb_client_message_event_t*>(event.get());
+            closed = closed || (closing != 0 && message->data.data32[0] == closing);
+        }
+        if (type == XCB_DESTROY_NOTIFY) {
+            id = 0;  // its parent has taken it along
+            closed = true;
+        }
+    }
+    return closed || xcb_connection_has_error(connection) != 0;
+}

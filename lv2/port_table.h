@@ -1,0 +1,44 @@
+#pragma once
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "plugin/parameter_table.h"
+
+// The ports of the LV2 plug-in: audio in and out, the notes, and one control port a parameter. Hosts keep
+// values by symbol and connect by index, so neither ever changes.
+//
+// Threads: [any], never [audio]; pure functions.
+
+enum Lv2Port : std::uint32_t {
+    portAudioIn = 0,
+    portAudioOut = 1,
+    portMidi = 2,
+    portFirstControl = 3,  // of parameter 0; the others follow
+    portCount = portFirstControl + parameterCount,
+};
+
+// Bytes that a host is asked to offer for the notes of one run: 682 events of 24 bytes each.
+constexpr std::uint32_t midiPortBytes = 16384;
+
+// A value with a name.
+struct ScalePoint {
+    float value;
+    std::string label;
+};
+
+// What a host is told of a control port.
+struct ControlPort {
+    std::string symbol;
+    std::string name;
+    float minimum = 0;
+    float maximum = 1;
+    float initial = 0;
+    bool toggled = false;
+    bool enumeration = false;  // the points are all there is to choose from
+    bool automatic = true;     // worth an automation lane
+    bool onGui = true;         // worth a control in a host's own view of the parameters
+    std::vector<ScalePoint> points;
+};
+
+ControlPort DescribeParameter(std::int32_t index);  // 0 to 95

@@ -1,0 +1,104 @@
+#include "lv2/ui.h"
+
+#include <chrono>
+#include <cstring>
+#include <utility>
+
+#include <lv2/instance-access/instance-access.h>
+
+#include "lv2/features.h"
+#include "lv2/uris.h"
+
+namespace {
+
+constexpr std::int64_t patience = 500;  // ms that the host may take for an echo
+
+std::int64_t Milliseconds() {
+    const auto now = std::chrono::steady_clock::now().time_since_epoch();
+    return std::chrono::duration_cast<std::chrono::milliseconds>(now).count();
+}
+
+}  // namespace
+
+Ui* Ui::Make(const char* plugin, LV2UI_Write_Function write, LV2UI_Controller controller,
+             LV2UI_Widget* widget, const LV2_Feature* const* features) noexcept {
+    try {
+        if (plugin == nullptr || std::strcmp(plugin, pluginUri) != 0) return nullptr;
+        std::shared_ptr<Instance> instance = Instance::Find(Feature<void>(features, LV2_INSTANCE_ACCESS_URI));
+        if (instance == nullptr || !instance->TakeWindow()) return nullptr;
+        auto ui = std::make_unique<Ui>(std::move(instance), write, controller);
+        if (widget != nullptr) *widget = nullptr;
+        const auto parent = reinterpret_cast<std::uintptr_t>(Feature<void>(features, LV2_UI__parent));
+        if (parent == 0) return ui.release();  // waits to be shown
+
+        if (!ui->Open(static_cast<std::uint32_t>(parent))) return nullptr;
+        // The window's number is what hosts take. NOLINTNEXTLINE(performance-no-int-to-ptr)
+        if (widget != nullptr) *widget = reinterpret_cast<LV2UI_Widget>(std::uintptr_t{ui->WindowId()});
+        const ERect size = ui->Size();
+        if (const auto* resize = Feature<LV2UI_Resize>(features, LV2_UI__resize))
+            resize->ui_resize(resize->handle, size.right - size.left, size.bottom - size.top);
+        return ui.release();
+    } catch (...) {
+        return nullptr;
+    }
+}
+
+Ui::Ui(std::shared_ptr<Instance> itsInstance, LV2UI_Write_Function itsWrite, LV2UI_Controller itsController)
+    : instance(std::move(itsInstance)), write(itsWrite), controller(itsController) {}
+
+Ui::~Ui() {
+    Close();
+    instance->LeaveWindow();
+}
+
+bool Ui::Open(std::uint32_t parent) {
+    if (window != nullptr) return true;
+    if (instance->HostHasLeft()) return false;
+    const ERect size = Size();
+    auto made = OuterWindow::Make(parent, static_cast<std::uint16_t>(size.right - size.left),
+                                  static_cast<std::uint16_t>(size.bottom - size.top));
+    if (made == nullptr || !instance->Object().OpenEditor(made->Id())) return false;
+    window = std::move(made);
+    instance->WindowShows(true);
+    hasClosed = false;
+    shownOver.fill(false);
+    return true;
+}
+
+void Ui::Close() {
+    if (window == nullptr) return;
+    instance->WindowShows(false);
+    instance->Object().CloseEditor();
+    window.reset();
+}
+
+bool Ui::Idle() {
+    if (window != nullptr && (instance->HostHasLeft() || window->UserHasClosed())) {
+        Close();
+        hasClosed = true;
+    }
+    if (hasClosed) return false;
+    if (window != nullptr) instance->Object().IdleEditor();
+    TellHost();
+    return true;
+}
+
+void Ui::TellHost() {
+    instance->ChangesForHost().drain([this](std::int32_t index, float value) {
+        const auto at = static_cast<std::size_t>(index);
+        echoes[at].Await(value, Milliseconds() + patience);
+        shownOver[at] = false;
+        if (write != nullptr)
+            write(controller, portFirstControl + static_cast<std::uint32_t>(index), sizeof value, 0, &value);
+    });
+}
+
+void Ui::PortEvent(std::uint32_t port, float value) {
+    if (port < portFirstControl || port >= portCount) return;
+    const auto at = static_cast<std::size_t>(port - portFirstControl);
+    if (!echoes[at].Counts(value, Milliseconds())) return;
+    const auto index = static_cast<std::int32_t>(at);
+    const bool news = value != instance->Known(index);
+    if (news || shownOver[at]) instance->Object().ShowInEditor(index, value);
+    shownOver[at] = news;
+}
