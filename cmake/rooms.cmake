@@ -50,7 +50,7 @@ function(orva_lv2_bundle)
   target_link_libraries(orva_lv2_describe PRIVATE orva_lv2 Threads::Threads)
   add_custom_command(OUTPUT ${bundle}/manifest.ttl ${bundle}/orva.ttl
     COMMAND orva_lv2_describe ${bundle} $<TARGET_FILE_NAME:orva_lv2_file> ${PROJECT_VERSION_MINOR}
-    VERBATIM COMMENT "Describing the LV2 plug-in")
+    DEPENDS orva_lv2_describe VERBATIM COMMENT "Describing the LV2 plug-in")
   add_custom_target(orva_lv2_bundle ALL DEPENDS ${bundle}/manifest.ttl ${bundle}/orva.ttl)
   add_dependencies(orva_lv2_bundle orva_lv2_file)
 endfunction()

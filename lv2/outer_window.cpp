@@ -34,7 +34,8 @@ std::unique_ptr<OuterWindow> OuterWindow::Make(std::uint32_t parent, std::uint16
 
 OuterWindow::~OuterWindow() {
     if (id != 0) xcb_destroy_window(connection, id);
-    xcb_disconnect(connection);  // sends what is left
+    Arrived();  // the host may rely on it that its window is empty again
+    xcb_disconnect(connection);
 }
 
 bool OuterWindow::Create(std::uint32_t parent, std::uint16_t width, std::uint16_t height) {
@@ -65,9 +66,14 @@ bool OuterWindow::Create(std::uint32_t parent, std::uint16_t width, std::uint16_
     }
     Show();
     // The editor opens inside it by a connection of its own, to which the window must exist by now.
-    const std::unique_ptr<xcb_get_input_focus_reply_t, Freed> arrived(
+    return Arrived();
+}
+
+// All requests so far have been carried out: an answer to a later one says so.
+bool OuterWindow::Arrived() {
+    const std::unique_ptr<xcb_get_input_focus_reply_t, Freed> answer(
         xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
-    return arrived != nullptr;
+    return answer != nullptr;
 }
 
 std::uint32_t OuterWindow::Atom(const char* name) {

@@ -23,6 +23,7 @@ public:
 private:
     explicit OuterWindow(xcb_connection_t* itsConnection) : connection(itsConnection) {}
     bool Create(std::uint32_t parent, std::uint16_t width, std::uint16_t height);
+    bool Arrived();
     std::uint32_t Atom(const char* name);
 
     xcb_connection_t* connection;

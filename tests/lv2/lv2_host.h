@@ -1,0 +1,144 @@
+#pragma once
+#include <dlfcn.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <map>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <lv2/atom/util.h>
+#include <lv2/core/lv2.h>
+#include <lv2/midi/midi.h>
+#include <lv2/urid/urid.h>
+#include <lv2/worker/worker.h>
+
+#include "lv2/descriptors.h"
+#include "lv2/port_table.h"
+
+// An event of a run, as the plug-in wrote it.
+struct Lv2Event {
+    std::int64_t frame;
+    std::string data;
+    bool operator==(const Lv2Event& other) const { return frame == other.frame && data == other.data; }
+};
+inline void PrintTo(const Lv2Event& event, std::ostream* out) {
+    *out << event.frame << ":";
+    for (const char byte : event.data)
+        *out << ' ' << std::hex << int{static_cast<unsigned char>(byte)} << std::dec;
+}
+
+// The bundle's file, loaded once.
+inline void* Lv2File() {
+    static void* const file = dlopen(ORVA_BUNDLE "/orva_lv2.so", RTLD_NOW | RTLD_LOCAL);
+    return file;
+}
+inline const LV2_Descriptor* FileDescriptor() {
+    const auto entry = reinterpret_cast<LV2_Descriptor_Function>(dlsym(Lv2File(), "lv2_descriptor"));
+    return entry != nullptr ? entry(0) : nullptr;
+}
+
+// An LV2 host with one plug-in: its features, a buffer for each port, and the work that it was asked for.
+class Lv2Host {
+public:
+    enum Offer { everything, noWorker, noMap };
+
+    explicit Lv2Host(const LV2_Descriptor* plugin = PluginDescriptor(), Offer offer = everything,
+                     double rate = 44100)
+        : descriptor(plugin) {
+        map = {this, [](LV2_URID_Map_Handle self, const char* uri) {
+                   return static_cast<Lv2Host*>(self)->Urid(uri);
+               }};
+        schedule = {this, [](LV2_Worker_Schedule_Handle self, std::uint32_t, const void*) {
+                        return static_cast<Lv2Host*>(self)->Asked();
+                    }};
+        const LV2_Feature mapFeature{LV2_URID__map, &map}, workFeature{LV2_WORKER__schedule, &schedule};
+        std::vector<const LV2_Feature*> features;
+        if (offer != noMap) features.push_back(&mapFeature);
+        if (offer != noWorker) features.push_back(&workFeature);
+        features.push_back(nullptr);
+        handle = descriptor->instantiate(descriptor, rate, ORVA_BUNDLE, features.data());
+        if (handle == nullptr) return;
+        for (std::int32_t i = 0; i < parameterCount; ++i) {
+            control[i] = ParameterInitialValue(i);
+            descriptor->connect_port(handle, portFirstControl + static_cast<std::uint32_t>(i), &control[i]);
+        }
+        midi.resize(midiPortBytes / 8 + 2);
+        descriptor->connect_port(handle, portMidi, midi.data());
+    }
+    ~Lv2Host() { Cleanup(); }
+    Lv2Host(const Lv2Host&) = delete;
+    Lv2Host& operator=(const Lv2Host&) = delete;
+
+    void Cleanup() {
+        if (handle != nullptr) descriptor->cleanup(handle);
+        handle = nullptr;
+    }
+    void Activate() { descriptor->activate(handle); }
+    void Deactivate() { descriptor->deactivate(handle); }
+
+    // One run over `audio`; what comes out stands in `out`.
+    std::vector<Lv2Event> Run(std::vector<float> audio) {
+        out.assign(audio.size(), -7.0F);
+        descriptor->connect_port(handle, portAudioIn, audio.data());
+        descriptor->connect_port(handle, portAudioOut, out.data());
+        return RunConnected(static_cast<std::uint32_t>(audio.size()));
+    }
+    std::vector<Lv2Event> RunConnected(std::uint32_t frames) {
+        auto& sequence = *reinterpret_cast<LV2_Atom_Sequence*>(midi.data());
+        const std::uint64_t guard = 0x0123456789ABCDEF;
+        const std::size_t behind = (sizeof(LV2_Atom) + capacity + 7) / 8;
+        midi[behind] = guard;
+        sequence.atom = {capacity, Urid("chunk")};
+        descriptor->run(handle, frames);
+        EXPECT_EQ(midi[behind], guard) << "written past the capacity";
+        EXPECT_LE(sequence.atom.size, capacity);
+        std::vector<Lv2Event> events;
+        if (capacity < sizeof sequence.body) return events;
+        EXPECT_EQ(sequence.atom.type, Urid(LV2_ATOM__Sequence));
+        EXPECT_EQ(sequence.body.unit, 0U);
+        LV2_ATOM_SEQUENCE_FOREACH(&sequence, event) {
+            EXPECT_EQ(event->body.type, Urid(LV2_MIDI__MidiEvent));
+            const auto* bytes = reinterpret_cast<const char*>(event + 1);
+            events.push_back({event->time.frames, std::string(bytes, event->body.size)});
+        }
+        return events;
+    }
+    // Does what was asked of its worker. How many times it was asked.
+    int Work() {
+        const int times = std::exchange(asked, 0);
+        const auto* worker =
+            static_cast<const LV2_Worker_Interface*>(descriptor->extension_data(LV2_WORKER__interface));
+        for (int i = 0; i < times; ++i)
+            EXPECT_EQ(worker->work(handle, nullptr, nullptr, 0, nullptr), LV2_WORKER_SUCCESS);
+        return times;
+    }
+
+    const LV2_Descriptor* const descriptor;
+    LV2_Handle handle = nullptr;
+    float control[parameterCount] = {};
+    std::uint32_t capacity = midiPortBytes;  // of the MIDI port's atom, in bytes; at most what is asked for
+    std::vector<float> out;
+    bool refusesWork = false;
+    int asked = 0;
+
+private:
+    LV2_URID Urid(const std::string& uri) {
+        return urids.emplace(uri, static_cast<LV2_URID>(urids.size() + 1)).first->second;
+    }
+    LV2_Worker_Status Asked() {
+        if (refusesWork) return LV2_WORKER_ERR_NO_SPACE;
+        ++asked;
+        return LV2_WORKER_SUCCESS;
+    }
+
+    LV2_URID_Map map{};
+    LV2_Worker_Schedule schedule{};
+    std::map<std::string, LV2_URID> urids;
+    std::vector<std::uint64_t> midi;  // eight bytes each, as atoms are aligned
+};

@@ -1,0 +1,391 @@
+// The window as an LV2 host holds it, on a display of the tests' own.
+#include <xcb/xcb.h>
+
+#include <chrono>
+#include <functional>
+#include <optional>
+#include <thread>
+
+#include <lv2/instance-access/instance-access.h>
+
+#include "lv2/instance.h"
+#include "lv2/uris.h"
+#include "platform/message_box.h"
+#include "tests/delivery/midi_device_layer.h"
+#include "tests/editor/display_server.h"
+#include "tests/lv2/lv2_host.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Not;
+
+template <typename T>
+struct Freed {
+    void operator()(T* memory) const { free(memory); }
+};
+template <typename T>
+using Reply = std::unique_ptr<T, Freed<T>>;
+
+const LV2UI_Descriptor* FileWindow() {
+    const auto entry = reinterpret_cast<LV2UI_DescriptorFunction>(dlsym(Lv2File(), "lv2ui_descriptor"));
+    return entry != nullptr ? entry(0) : nullptr;
+}
+
+// The display of the tests, and a host's window in its upper left corner.
+class Desktop {
+public:
+    Desktop() : connection(xcb_connect(nullptr, nullptr)) {
+        screen = xcb_setup_roots_iterator(xcb_get_setup(connection)).data;
+        parent = xcb_generate_id(connection);
+        const std::uint32_t values[] = {screen->white_pixel, 1};
+        xcb_create_window(connection, XCB_COPY_FROM_PARENT, parent, screen->root, 0, 0, 400, 320, 0,
+                          XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
+                          XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT, values);
+        xcb_map_window(connection, parent);
+        Children(parent);  // an answer says that it is there
+    }
+    ~Desktop() { xcb_disconnect(connection); }
+    Desktop(const Desktop&) = delete;
+    Desktop& operator=(const Desktop&) = delete;
+
+    std::vector<xcb_window_t> Children(xcb_window_t of) const {
+        const Reply<xcb_query_tree_reply_t> reply(
+            xcb_query_tree_reply(connection, xcb_query_tree(connection, of), nullptr));
+        if (!reply) return {};
+        const xcb_window_t* first = xcb_query_tree_children(reply.get());
+        return {first, first + xcb_query_tree_children_length(reply.get())};
+    }
+    std::pair<int, int> Size(xcb_window_t of) const {
+        const Reply<xcb_get_geometry_reply_t> reply(
+            xcb_get_geometry_reply(connection, xcb_get_geometry(connection, of), nullptr));
+        return reply ? std::pair<int, int>(reply->width, reply->height) : std::pair<int, int>(0, 0);
+    }
+    // The first slider, as it is drawn.
+    std::vector<std::uint8_t> SliderPixels() const {
+        const Reply<xcb_get_image_reply_t> reply(xcb_get_image_reply(
+            connection, xcb_get_image(connection, XCB_IMAGE_FORMAT_Z_PIXMAP, parent, 22, 67, 22, 216, ~0U),
+            nullptr));
+        if (!reply) return {};
+        const std::uint8_t* data = xcb_get_image_data(reply.get());
+        return {data, data + xcb_get_image_data_length(reply.get())};
+    }
+    void CloseByManager(xcb_window_t window) const {
+        const auto atom = [this](const char* name) {
+            const Reply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
+                connection,
+                xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(std::strlen(name)), name),
+                nullptr));
+            return reply->atom;
+        };
+        xcb_client_message_event_t message{};
+        message.response_type = XCB_CLIENT_MESSAGE;
+        message.format = 32;
+        message.window = window;
+        message.type = atom("WM_PROTOCOLS");
+        message.data.data32[0] = atom("WM_DELETE_WINDOW");
+        xcb_send_event(connection, 0, window, 0, reinterpret_cast<const char*>(&message));
+        xcb_flush(connection);
+    }
+
+    xcb_connection_t* connection;
+    xcb_screen_t* screen = nullptr;
+    xcb_window_t parent = 0;
+};
+
+struct Written {
+    std::uint32_t port;
+    float value;
+    bool operator==(const Written&) const = default;
+};
+
+class Lv2Window : public testing::Test {
+protected:
+    static void SetUpTestSuite() { server = std::make_unique<DisplayServer>(); }
+    static void TearDownTestSuite() { server.reset(); }
+    ~Lv2Window() override { Close(); }
+
+    enum Where { inParent, onDesktop };
+    // With the instance's handle, or another; false when there is no window.
+    bool Open(Where where, void* instance) {
+        resize = {this, [](LV2UI_Feature_Handle handle, int width, int height) {
+                      static_cast<Lv2Window*>(handle)->resized = {width, height};
+                      return 0;
+                  }};
+        const LV2_Feature access{LV2_INSTANCE_ACCESS_URI, instance}, sizes{LV2_UI__resize, &resize},
+            place{LV2_UI__parent, reinterpret_cast<void*>(std::uintptr_t{desktop.parent})};
+        std::vector<const LV2_Feature*> features{&sizes};
+        if (instance != nullptr) features.push_back(&access);
+        if (where == inParent) features.push_back(&place);
+        features.push_back(nullptr);
+        const LV2UI_Handle opened = ui->instantiate(
+            ui, pluginUri, ORVA_BUNDLE,
+            [](LV2UI_Controller to, std::uint32_t port, std::uint32_t size, std::uint32_t format,
+               const void* value) {
+                auto& self = *static_cast<Lv2Window*>(to);
+                EXPECT_EQ(size, sizeof(float));
+                EXPECT_EQ(format, 0U);
+                EXPECT_TRUE(std::this_thread::get_id() == self.uiThread);
+                self.written.push_back({port, *static_cast<const float*>(value)});
+            },
+            this, &widget, features.data());
+        if (opened == nullptr) return false;
+        window = opened;
+        return true;
+    }
+    bool Open(Where where = inParent) { return Open(where, host->handle); }
+    void Close() {
+        if (window != nullptr) ui->cleanup(window);
+        window = nullptr;
+    }
+    int Idle() {
+        return static_cast<const LV2UI_Idle_Interface*>(ui->extension_data(LV2_UI__idleInterface))
+            ->idle(window);
+    }
+    const LV2UI_Show_Interface& Shower() {
+        return *static_cast<const LV2UI_Show_Interface*>(ui->extension_data(LV2_UI__showInterface));
+    }
+    // Gives idle time until the condition holds; false if it never does.
+    bool Await(const std::function<bool()>& condition) {
+        for (int round = 0; round < 2000 && !condition(); ++round) {
+            EXPECT_EQ(Idle(), 0);
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        }
+        return condition();
+    }
+    // Until the slider looks the same for a while.
+    std::vector<std::uint8_t> SettledSlider() {
+        std::vector<std::uint8_t> last;
+        int same = 0;
+        Await([&] {
+            auto now = desktop.SliderPixels();
+            same = now == last ? same + 1 : 0;
+            last = std::move(now);
+            return same > 15;
+        });
+        return last;
+    }
+    void PortEvent(std::int32_t parameter, float value) {
+        ui->port_event(window, portFirstControl + static_cast<std::uint32_t>(parameter), sizeof value, 0,
+                       &value);
+    }
+    // Moves the first slider by the mouse; the value that the host was told.
+    float MoveSlider(int y) {
+        const std::size_t before = written.size();
+        EXPECT_EQ(::Run({"xdotool", "mousemove", "33", std::to_string(y), "mousedown", "1"}), 0);
+        EXPECT_TRUE(Await([&] { return written.size() > before; }));
+        EXPECT_EQ(::Run({"xdotool", "mouseup", "1"}), 0);
+        SettledSlider();
+        return written.empty() ? -1 : written.back().value;
+    }
+    float Object(std::int32_t parameter) const {
+        return Instance::Find(host->handle)->Object().Get(parameter);
+    }
+    // Runs of 441 frames each; in the tests' host, 10 ms.
+    void RunFor(int hundredths) {
+        for (int i = 0; i < hundredths; ++i) host->Run(std::vector<float>(441));
+    }
+
+    static inline std::unique_ptr<DisplayServer> server;
+    Desktop desktop;
+    std::optional<Lv2Host> host{std::in_place};
+    const LV2UI_Descriptor* ui = WindowDescriptor();
+    LV2UI_Handle window = nullptr;
+    LV2UI_Widget widget = nullptr;
+    LV2UI_Resize resize{};
+    std::pair<int, int> resized;
+    std::vector<Written> written;
+    const std::thread::id uiThread = std::this_thread::get_id();
+};
+
+TEST_F(Lv2Window, OpensInTheHostsWindowAndLeavesNothingThere) {
+    for (const bool fromFile : {false, true}) {
+        Lv2Host hosted(fromFile ? FileDescriptor() : PluginDescriptor());
+        ui = fromFile ? FileWindow() : WindowDescriptor();
+        for (int life = 0; life < 3; ++life) {
+            ASSERT_TRUE(Open(inParent, hosted.handle));
+            const auto inside = static_cast<xcb_window_t>(reinterpret_cast<std::uintptr_t>(widget));
+            EXPECT_THAT(desktop.Children(desktop.parent), ElementsAre(inside));
+            EXPECT_EQ(desktop.Size(inside), std::pair(400, 320));
+            EXPECT_EQ(resized, std::pair(400, 320));
+            const std::vector<std::uint8_t> blank = desktop.SliderPixels();
+            EXPECT_TRUE(Await([&] { return desktop.SliderPixels() != blank; })) << "nothing is drawn";
+            Close();
+            EXPECT_TRUE(desktop.Children(desktop.parent).empty());
+        }
+    }
+    EXPECT_THAT(written, IsEmpty());
+}
+
+TEST_F(Lv2Window, WhatIsMovedReachesTheHost) {
+    ASSERT_TRUE(Open());
+    SettledSlider();
+    const float value = MoveSlider(200);
+    EXPECT_EQ(written.back(), (Written{portFirstControl + 0, value}));
+    EXPECT_LT(value, 0.6F);  // the slider's range is 67 to 283, the top being 1
+    EXPECT_EQ(Object(0), value);
+}
+
+TEST_F(Lv2Window, TheOlderValueOfAPortDoesNotCountUntilItsEcho) {
+    ASSERT_TRUE(Open());
+    SettledSlider();
+    const float value = MoveSlider(200);
+    RunFor(10);  // the port still holds the initial value
+    EXPECT_EQ(Object(0), value);
+    host->control[0] = 0.5F * value;  // on its way while the mouse moved on
+    RunFor(10);
+    EXPECT_EQ(Object(0), value);
+    host->control[0] = value;  // the echo
+    RunFor(1);
+    host->control[0] = 0.125F;  // the host's own, from here on
+    RunFor(1);
+    EXPECT_EQ(Object(0), 0.125F);
+}
+
+TEST_F(Lv2Window, AHostThatEchoesNothingIsRightAgainAfterHalfASecond) {
+    ASSERT_TRUE(Open());
+    SettledSlider();
+    const float value = MoveSlider(200);
+    RunFor(50);  // the change is met by the first of them: 50 x 441 = 22050 frames are over after it
+    EXPECT_EQ(Object(0), value);
+    RunFor(1);
+    EXPECT_EQ(Object(0), ParameterInitialValue(0));
+}
+
+TEST_F(Lv2Window, ShowsWhatTheHostTellsWhileNothingRuns) {
+    ASSERT_TRUE(Open());
+    const auto before = SettledSlider();
+    PortEvent(0, 0.2F);
+    EXPECT_TRUE(Await([&] { return desktop.SliderPixels() != before; }));
+    EXPECT_EQ(Object(0), ParameterInitialValue(0));  // only a run applies it
+    PortEvent(0, ParameterInitialValue(0));
+    EXPECT_TRUE(Await([&] { return desktop.SliderPixels() == before; }));
+    EXPECT_THAT(written, IsEmpty());
+
+    host->control[0] = 0.2F;  // and by a run
+    RunFor(1);
+    EXPECT_TRUE(Await([&] { return desktop.SliderPixels() != before; }));
+    ui->port_event(window, portFirstControl, 8, 0, "whatever");  // no control value
+    ui->port_event(window, portCount, 4, 0, "????");             // no port
+}
+
+TEST_F(Lv2Window, TheInstanceMayGoFirst) {
+    ASSERT_TRUE(Open());
+    SettledSlider();
+    host.reset();
+    EXPECT_EQ(Idle(), 1);
+    EXPECT_TRUE(desktop.Children(desktop.parent).empty());
+    EXPECT_EQ(Idle(), 1);
+    PortEvent(0, 0.5F);
+    EXPECT_NE(Shower().show(window), 0);
+}
+
+TEST_F(Lv2Window, TheWindowMayGoFirst) {
+    ASSERT_TRUE(Open());
+    SettledSlider();
+    const float value = MoveSlider(200);
+    Close();
+    host->control[0] = value;
+    RunFor(1);
+    EXPECT_EQ(Object(0), value);
+}
+
+TEST_F(Lv2Window, NeedsTheInstanceItselfAndIsTheOnlyOne) {
+    EXPECT_FALSE(Open(inParent, nullptr));
+    int somebodyElses = 0;
+    EXPECT_FALSE(Open(inParent, &somebodyElses));
+    EXPECT_EQ(
+        ui->instantiate(ui, "http://www.orva-labs.example/lv2/other", "", nullptr, nullptr, nullptr, nullptr),
+        nullptr);
+    ASSERT_TRUE(Open());
+    const LV2UI_Handle first = std::exchange(window, nullptr);
+    EXPECT_FALSE(Open());
+    window = first;
+    Close();
+    EXPECT_TRUE(Open());
+    const LV2_Handle gone = host->handle;
+    Close();
+    host.reset();
+    EXPECT_FALSE(Open(inParent, gone));
+}
+
+TEST_F(Lv2Window, StandsOnTheDesktopForHostsWithoutAWindow) {
+    const std::size_t others = desktop.Children(desktop.screen->root).size();
+    ASSERT_TRUE(Open(onDesktop));
+    EXPECT_EQ(Idle(), 0);
+    for (int life = 0; life < 2; ++life) {
+        ASSERT_EQ(Shower().show(window), 0);
+        const auto all = desktop.Children(desktop.screen->root);
+        ASSERT_EQ(all.size(), others + 1);
+        EXPECT_EQ(desktop.Size(all.back()), std::pair(400, 320));
+        EXPECT_EQ(Idle(), 0);
+        if (life == 0) {
+            EXPECT_EQ(Shower().hide(window), 0);
+        } else {
+            desktop.CloseByManager(all.back());
+            int closed = 0;
+            for (int round = 0; round < 2000 && closed == 0; ++round) {
+                closed = Idle();
+                std::this_thread::sleep_for(std::chrono::milliseconds(5));
+            }
+            EXPECT_EQ(closed, 1);
+        }
+        EXPECT_EQ(desktop.Children(desktop.screen->root).size(), others);
+    }
+}
+
+TEST_F(Lv2Window, TheHostsWindowMayGoFirst) {
+    ASSERT_TRUE(Open());
+    SettledSlider();
+    xcb_destroy_window(desktop.connection, desktop.parent);
+    desktop.Children(desktop.screen->root);  // an answer says that it has gone
+    int closed = 0;
+    for (int round = 0; round < 2000 && closed == 0; ++round) closed = Idle();
+    EXPECT_EQ(closed, 1);
+}
+
+// A display that does not answer, and a window that is none.
+TEST_F(Lv2Window, IsRefusedWhereItCannotOpen) {
+    const xcb_window_t parent = std::exchange(desktop.parent, 0x7FFFFFF);
+    EXPECT_FALSE(Open());
+    desktop.parent = parent;
+    const std::string display = getenv("DISPLAY");
+    setenv("DISPLAY", ":9999", 1);
+    EXPECT_FALSE(Open());
+    setenv("DISPLAY", display.c_str(), 1);
+    EXPECT_TRUE(Open());
+}
+
+class Silent : public IMessageBox {
+public:
+    void Show(const std::string&, const std::string&) override {}
+};
+
+// The port follows what is really open, and the host's echo asks for nothing.
+TEST_F(Lv2Window, ADeviceThatIsNotToBeHadSwitchesItsPortOff) {
+    FakeLayer layer;
+    Silent box;
+    SubstituteMidiOut(&layer);
+    SubstituteSystemMessageBox(&box);
+    layer.refusedOpens[0] = MMSYSERR_ALLOCATED;
+    ASSERT_TRUE(Open());
+    host->control[paramDeviceEnabled] = 1;
+    RunFor(1);
+    host->Work();
+    EXPECT_TRUE(Await([&] { return !written.empty(); }));
+    EXPECT_THAT(written, ElementsAre(Written{std::uint32_t{portFirstControl} + 89, 0.0F}));
+    host->control[paramDeviceEnabled] = 0;
+    RunFor(100);
+    host->Work();
+    RunFor(1);
+    const FakeLayer::Calls calls = layer.Taken();
+    EXPECT_EQ(std::count(calls.begin(), calls.end(), "open 0"), 1);
+    EXPECT_EQ(written.size(), 1U);
+    Close();
+    host.reset();
+    SubstituteSystemMessageBox(nullptr);
+    SubstituteMidiOut(nullptr);
+}
+
+}  // namespace
