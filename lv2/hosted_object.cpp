@@ -16,15 +16,12 @@ HostedObject::HostedObject(double newRate, IObjectListener& newListener)
         explicit Construction(HostedObject* host) { underConstruction = host; }
         ~Construction() { underConstruction = nullptr; }
     };
-    std::unique_ptr<CORVAguivstEx> object;
-    {
-        const Construction now(this);
-        object = std::make_unique<CORVAguivstEx>(Answer, MakeEditor);
-        if (editorCreationFailed || editor == nullptr) throw std::runtime_error("the editor cannot be made");
-        object->samples.reserve(longestBlock);
-        effect = object->getAeffect();
-        effect->user = this;
-    }
+    const Construction now(this);
+    auto object = std::make_unique<CORVAguivstEx>(Answer, MakeEditor);
+    if (editorCreationFailed || editor == nullptr) throw std::runtime_error("the editor cannot be made");
+    object->samples.reserve(longestBlock);
+    effect = object->getAeffect();
+    effect->user = this;
     static_cast<void>(object.release());  // by the record from here on
     Call(effOpen);
     char question[] = "sendVstMidiEvent";  // as a host does that means to take the notes

@@ -1,5 +1,6 @@
 #pragma once
 #include <cstdint>
+#include <memory>
 
 #include "plugin/editor_interface.h"
 #include "vst2/records.h"

@@ -43,7 +43,7 @@ LV2_Handle Instance::Make(double rate, const LV2_Feature* const* features) noexc
         auto made = std::make_shared<Instance>(rate, map->map(map->handle, LV2_ATOM__Sequence),
                                                map->map(map->handle, LV2_MIDI__MidiEvent),
                                                Feature<LV2_Worker_Schedule>(features, LV2_WORKER__schedule));
-        const LV2_Handle handle = made.get();
+        Instance* const handle = made.get();
         const std::lock_guard<std::mutex> held(All().guard);
         All().held.emplace(handle, std::move(made));
         return handle;

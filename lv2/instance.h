@@ -22,7 +22,7 @@
 //
 // Ownership: the host's handle holds it, and so does an open window; whichever goes last deletes it.
 // Threads: Run [audio], and no allocation or wait in it; Connect, Activate and Deactivate never beside it.
-class Instance : private IObjectListener, private IFallBackListener {
+class Instance final : private IObjectListener, private IFallBackListener {
 public:
     // Null when the host lacks what is needed or the object cannot be made.
     static LV2_Handle Make(double rate, const LV2_Feature* const* features) noexcept;
@@ -45,9 +45,8 @@ public:
     void LeaveWindow() { windowIsTaken = false; }
     void WindowShows(bool shows);
     HostedObject& Object() { return object; }
-    Mailbox& ChangesForHost() {
-        return forHost;
-    }  // made in the window, or by a device that was not to be had
+    // Made in the window, or by a device that was not to be had.
+    Mailbox& ChangesForHost() { return forHost; }
     float Known(std::int32_t index) const { return known[static_cast<std::size_t>(index)]; }
     bool HostHasLeft() const { return hostHasLeft; }
 

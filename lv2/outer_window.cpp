@@ -21,7 +21,7 @@ struct SizeHints {
     std::uint32_t largest[2] = {};
     std::uint32_t rest[9] = {};
 };
-static_assert(sizeof(SizeHints) == 18 * 4);
+static_assert(sizeof(SizeHints) == 18 * sizeof(std::uint32_t));
 
 }  // namespace
 

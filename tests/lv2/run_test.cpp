@@ -1,6 +1,10 @@
 // The plug-in's runs, as the bundle's file does them.
+#include <atomic>
+#include <map>
 #include <random>
+#include <thread>
 
+#include "lv2/instance.h"
 #include "tests/harmony/allocation_count.h"
 #include "tests/lv2/lv2_host.h"
 #include "tests/plugin/plugin_test.h"
@@ -178,6 +182,34 @@ TEST(Lv2Run, TheFileHasOnePlugInAndOneWindow) {
     EXPECT_EQ(windows(1), nullptr);
     EXPECT_EQ(entry(0)->extension_data("anything else"), nullptr);
     EXPECT_EQ(windows(0)->extension_data("anything else"), nullptr);
+}
+
+// Output to Host is switched from another thread all the while. Each end of a note follows its begin.
+TEST(Lv2Run, NotesOfTwoThreadsStayInOrder) {
+    Lv2Host host;
+    std::atomic<bool> done{false};
+    std::thread switching([&] {
+        for (float value = 0; !done; value = 1 - value)
+            Instance::Find(host.handle)->Object().Set(paramOutputToHost, value);
+    });
+    std::vector<Lv2Event> all;
+    const auto keep = [&all](const std::vector<Lv2Event>& events) {
+        all.insert(all.end(), events.begin(), events.end());
+    };
+    for (const std::vector<float>& part : Parts(Music())) keep(host.Run(part));
+    done = true;
+    switching.join();
+    host.Deactivate();
+    for (int i = 0; i < 5; ++i) keep(host.Run(Silence(64)));  // a ring of 1024 events, 682 a run
+    std::map<char, int> sounding;
+    for (const Lv2Event& event : all) {
+        if (event.data[0] == '\xC0') continue;
+        int& count = sounding[event.data[1]];
+        count += event.data[0] == '\x90' ? 1 : -1;
+        EXPECT_TRUE(count == 0 || count == 1) << int{event.data[1]};
+    }
+    for (const auto& [note, count] : sounding) EXPECT_EQ(count, 0) << int{note};
+    EXPECT_FALSE(sounding.empty());
 }
 
 // Hard-real-time: from the first run on, whatever its length, whatever ports change.
