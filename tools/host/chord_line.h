@@ -4,6 +4,8 @@
 
 #include "tools/host/take.h"
 
+class TChordNamer;
+
 // From when on which chord sounds.
 struct ChordChange {
     double time = 0;   // seconds from the start of the audio, a multiple of 0.1
@@ -13,3 +15,7 @@ struct ChordChange {
 // The chords of a take: ten times a second the notes that sound are named, the eleven lowest of them, by the
 // code that names them in the plug-in's window. Changes only. Threads: [any].
 std::vector<ChordChange> ChordLine(const Take& take);
+
+// The name of the chord that these MIDI notes make, in any order: the eleven lowest from C1 up count. Empty
+// for no notes.
+std::string ChordName(TChordNamer& namer, const std::vector<int>& notes);

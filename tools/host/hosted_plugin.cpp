@@ -51,17 +51,28 @@ void HostedPlugin::Start(std::int32_t blockSize) {
     outputPointers.clear();
     for (std::size_t at = 0; at < output.size(); at += size) outputPointers.push_back(output.data() + at);
 
+    Announce(blockSize);
+}
+
+void HostedPlugin::Announce(std::int32_t blockSize) const {
     Dispatch(effSetSampleRate, 0, 0, nullptr, static_cast<float>(rate));
     Dispatch(effSetBlockSize, 0, blockSize);
     Dispatch(effMainsChanged, 0, 1);
 }
 
-void HostedPlugin::Process(const float* samples, std::int32_t count) {
+void HostedPlugin::Change(std::int32_t newRate, std::int32_t blockSize) {
+    Stop();
+    rate = newRate;
+    Announce(blockSize);
+}
+
+void HostedPlugin::Process(const float* samples, std::int32_t count, float* out) {
     // The interface takes pointers to what is not constant; a plug-in that is not told to work in place only
     // reads.
     std::fill(inputPointers.begin(), inputPointers.end(), const_cast<float*>(samples));
     effect->processReplacing(effect, inputPointers.data(), outputPointers.data(), count);
-    delivered += count;
+    if (out != nullptr && !outputPointers.empty()) std::copy_n(outputPointers.front(), count, out);
+    delivered = delivered + count;
 }
 
 void HostedPlugin::Stop() {

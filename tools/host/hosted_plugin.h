@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "base/relaxed.h"
 #include "tools/host/plugin_module.h"
 #include "tools/host/take.h"
 #include "vst2/records.h"
@@ -14,9 +15,10 @@
 // Order of calls: construction opens, Start sets rate and block size and resumes, Process any number of
 // times, Stop suspends, at which the plug-in ends the notes that still sound; destruction closes.
 //
-// Threads: one thread an instance; the plug-in sends events from inside its construction, Process and Stop,
-// and the sink is called there. Errors: std::runtime_error when the plug-in refuses or cannot do what is
-// asked of it here.
+// Threads: one thread an instance, but for Change, the parameters and Dispatch, as far as the plug-in bears
+// it. The plug-in sends events from inside its construction, Process and Stop, or from a call on another
+// thread, and the sink is called there. Errors: std::runtime_error when the plug-in refuses or cannot do what
+// is asked of it here.
 class HostedPlugin {
 public:
     using EventSink = std::function<void(const TimedEvent&)>;
@@ -28,9 +30,13 @@ public:
     HostedPlugin(const HostedPlugin&) = delete;
     HostedPlugin& operator=(const HostedPlugin&) = delete;
 
-    void Start(std::int32_t blockSize);                      // samples; later blocks may be shorter
-    void Process(const float* samples, std::int32_t count);  // at most blockSize; what comes out is dropped
+    void Start(std::int32_t blockSize);  // samples; later blocks may be shorter
+    // At most blockSize samples. Of what comes out, `out` gets the first output, unless it is null.
+    void Process(const float* samples, std::int32_t count, float* out = nullptr);
     void Stop();
+    // Tells of a new rate and block size, at most the one of Start, with nothing allocated here. It may come
+    // from a thread beside that of Process, as hosts do it.
+    void Change(std::int32_t newRate, std::int32_t blockSize);
 
     std::int64_t SamplesDelivered() const { return delivered; }
     const AEffect& Record() const { return *effect; }
@@ -48,13 +54,14 @@ private:
                                       std::intptr_t value, void* ptr, float opt);
     std::intptr_t Answer(std::int32_t opcode, void* ptr);
     void Receive(const VstEvents& events);
+    void Announce(std::int32_t blockSize) const;
 
     AEffect* effect = nullptr;  // the plug-in's own, until effClose
-    std::int32_t rate;
+    Relaxed<std::int32_t> rate;
     std::string vendor;
     EventSink sink;
-    std::int64_t delivered = 0;          // samples given before the block in progress
-    std::vector<float> output;           // one block for each of the plug-in's outputs
-    std::vector<float*> inputPointers;   // each input hears the same
-    std::vector<float*> outputPointers;  // into output
+    Relaxed<std::int64_t> delivered = 0;  // samples given before the block in progress
+    std::vector<float> output;            // one block for each of the plug-in's outputs
+    std::vector<float*> inputPointers;    // each input hears the same
+    std::vector<float*> outputPointers;   // into output
 };

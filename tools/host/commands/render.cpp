@@ -7,9 +7,9 @@
 
 #include "notes/notes.h"
 #include "tools/host/commands/devices.h"
+#include "tools/host/commands/parameters.h"
 #include "tools/host/output_file.h"
 #include "tools/host/picture.h"
-#include "tools/host/plugin_facts.h"
 #include "tools/host/progress.h"
 #include "tools/host/render_queue.h"
 #include "tools/host/score_output.h"
@@ -68,18 +68,6 @@ void FindPaths(const std::vector<std::string>& files, RenderOutput& output) {
     }
 }
 
-std::vector<ParameterSetting> Parameters(const RenderOptions& options, const PluginModule& module) {
-    std::vector<ParameterSetting> settings;
-    if (options.parameters.empty()) return settings;
-    const std::vector<std::string> names = ParameterNames(module);
-    try {
-        for (const std::string& text : options.parameters) settings.push_back(ParseParameter(text, names));
-    } catch (const std::invalid_argument& reason) {
-        throw UsageError(std::string("--param: ") + reason.what());
-    }
-    return settings;
-}
-
 // Prints what became of a file and writes what is asked for; false if anything failed.
 bool Deliver(const RenderOptions& options, std::size_t index, const Outcome& outcome) {
     const std::string& file = options.files[index];
@@ -112,7 +100,7 @@ void UseDevice(RenderOptions& options) {
 int RenderFiles(RenderOptions& options) {
     for (RenderOutput& output : options.outputs) FindPaths(options.files, output);
     const PluginModule module(FindPlugin(options.plugin));
-    options.settings.parameters = Parameters(options, module);
+    options.settings.parameters = ParseParameters(options.parameters, module);
     UseDevice(options);
     options.settings.channel = options.mix ? AudioFile::Channel::mix : AudioFile::Channel::first;
 
@@ -145,11 +133,7 @@ void AddRender(CLI::App& program, Job& chosen) {
             ->type_name(output.placeholder);
     command->add_flag("--json", options->json,
                       "one JSON object a line for each recording instead of the tables");
-    command
-        ->add_option("--param", options->parameters,
-                     "set a parameter by its name or index, 0 to 1; repeatable")
-        ->type_name("NAME=VALUE")
-        ->allow_extra_args(false);
+    AddParameterOption(*command, options->parameters);
     command->add_option("--block", options->settings.blockSize, "samples a block")
         ->type_name("N")
         ->check(CLI::Range(1, 1 << 20).description(""))
