@@ -4,20 +4,11 @@
 
 #include <sstream>
 
+#include "beginning.h"
 #include "temp_folder.h"
-#include "test_audio.h"
 #include "tests/platform/jack_server.h"
-#include "tools/host/audio_file.h"
 
 namespace {
-
-// The first seconds of a recording, as a file of its own: the program plays it in real time.
-void WriteBeginning(const std::string& recording, const std::string& path, double seconds) {
-    AudioFile audio(recording, AudioFile::Channel::first);
-    std::vector<float> samples(static_cast<std::size_t>(seconds * audio.Rate()));
-    samples.resize(audio.Read(samples.data(), samples.size()));
-    WriteAudio(path, samples, audio.Rate());
-}
 
 // The note messages of an event list, as short messages.
 std::vector<std::uint32_t> NotesOf(const std::string& csv) {

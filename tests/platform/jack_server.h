@@ -41,7 +41,10 @@ inline jack_client_t* QuietJackClient(const char* name) {
 // exception that tells what the server said.
 class JackServer {
 public:
-    JackServer() {
+    enum class Clients { mayLag, areAwaited };  // what a cycle does about a client that gets no time
+
+    explicit JackServer(int newRate = 48000, Clients newClients = Clients::mayLag)  // Hz
+        : rate(std::to_string(newRate)), mode(newClients == Clients::areAwaited ? "-S" : "-r") {
         for (int number = 0; !StartAs(number); ++number) continue;
     }
     ~JackServer() {
@@ -111,8 +114,8 @@ private:
         dup2(file, STDOUT_FILENO);
         dup2(file, STDERR_FILENO);
         // Patience of ten seconds with clients that get no time on a busy machine.
-        execlp("jackd", "jackd", "-n", name.c_str(), "-r", "-t", "10000", "-d", "dummy", "-r", "48000", "-p",
-               "1024", nullptr);
+        execlp("jackd", "jackd", "-n", name.c_str(), "-r", mode, "-t", "10000", "-d", "dummy", "-r",
+               rate.c_str(), "-p", "1024", nullptr);
         perror("jackd");
         _exit(127);
     }
@@ -137,6 +140,8 @@ private:
         return {std::istreambuf_iterator<char>(file), {}};
     }
 
+    const std::string rate;
+    const char* const mode;  // of its command line; the one that is always given stands for none
     std::string name;
     int lock = -1;       // file that stands for the name
     std::string log;     // file with what it writes

@@ -5,12 +5,13 @@
 #include "tools/host/commands/devices.h"
 #include "tools/host/commands/edit.h"
 #include "tools/host/commands/info.h"
+#include "tools/host/commands/live.h"
 #include "tools/host/commands/render.h"
 #include "tools/host/commands/score.h"
 
 namespace {
 
-constexpr AddCommand commands[] = {AddRender, AddEdit, AddShot, AddScore, AddDevices, AddInfo};
+constexpr AddCommand commands[] = {AddRender, AddLive, AddEdit, AddShot, AddScore, AddDevices, AddInfo};
 
 int Run(int argc, char** argv) {
     CLI::App program("ORVA Audio To MIDI in a terminal", "orva-host");

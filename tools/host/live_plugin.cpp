@@ -1,0 +1,64 @@
+#include "tools/host/live_plugin.h"
+
+#include <algorithm>
+
+namespace {
+
+// The one whose block this thread is in: tells messages from inside the block from those of other threads.
+thread_local const LivePlugin* hearing = nullptr;
+
+}  // namespace
+
+// The longest period is announced first, so that every buffer is there whatever the server changes to.
+LivePlugin::LivePlugin(const PluginModule& module, std::int32_t newRate, std::int32_t newPeriod,
+                       const std::vector<ParameterSetting>& parameters)
+    : rate(newRate),
+      period(newPeriod),
+      plugin(module, newRate, "ORVA", [this](const TimedEvent& event) { Receive(event); }) {
+    plugin.Start(longestBlock);
+    plugin.Change(newRate, std::min(newPeriod, longestBlock));
+    for (const ParameterSetting& setting : parameters) plugin.SetParameter(setting.index, setting.value);
+}
+
+void LivePlugin::HearPeriod(const float* in, float* out, std::uint32_t frames) {
+    events.Begin(frames);
+    periodStart = plugin.SamplesDelivered();
+    for (; outside.Ready(); outside.Pop())
+        if (!events.Add(0, outside.Front().bytes)) ++lost;
+    if (stopped.load() || plugin.Record().numOutputs == 0) std::copy_n(in, frames, out);
+    if (stopped.load()) return;
+    hearing = this;
+    for (std::uint32_t at = 0; at < frames;) {
+        const std::uint32_t count = std::min<std::uint32_t>(frames - at, longestBlock);
+        plugin.Process(in + at, static_cast<std::int32_t>(count), out + at);
+        at += count;
+    }
+    hearing = nullptr;
+}
+
+// Three zero bytes, where the plug-in had no note, are no MIDI.
+void LivePlugin::Receive(const TimedEvent& event) {
+    if (event.bytes[0] < 0x80) return;
+    const bool taken =
+        hearing == this ? events.Add(event.sample - periodStart, event.bytes) : outside.Push(event);
+    if (!taken || !sent.Push(event)) ++lost;
+}
+
+void LivePlugin::Change(std::int32_t newRate, std::int32_t newPeriod) {
+    if (newRate == rate && newPeriod == period) return;
+    rate = newRate;
+    period = newPeriod;
+    plugin.Change(newRate, std::min(newPeriod, longestBlock));
+}
+
+void LivePlugin::Stop() {
+    stopped.store(true);
+    plugin.Stop();
+}
+
+bool LivePlugin::Next(TimedEvent& event) {
+    if (!sent.Ready()) return false;
+    event = sent.Front();
+    sent.Pop();
+    return true;
+}
