@@ -1,11 +1,10 @@
 #pragma once
 #include <jack/jack.h>
 
+#include <algorithm>
 #include <atomic>
-#include <chrono>
 #include <stdexcept>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "tests/platform/jack_server.h"
@@ -72,14 +71,3 @@ private:
     std::atomic<bool> playing{false};
     std::atomic<bool> serverDied{false};
 };
-
-// Waits for a condition that nobody signals; false after a long time.
-template <typename Condition>
-bool AwaitThat(Condition met) {
-    const auto patience = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-    while (!met()) {
-        if (std::chrono::steady_clock::now() > patience) return false;
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
-    return true;
-}

@@ -7,6 +7,7 @@
 
 #include <map>
 
+#include "await.h"
 #include "beginning.h"
 #include "jack_player.h"
 #include "midi_file_reader.h"

@@ -43,6 +43,28 @@ TEST(OutputFile, EachRecordingHasAPlaceOfItsOwn) {
     EXPECT_THROW(OutputPaths({"x/a.wav", "y/a.ogg"}, inside, ".csv"), std::invalid_argument);
 }
 
+TEST(OutputFile, APatternTakesNameAndFolderFromEachRecording) {
+    EXPECT_EQ(OutputPaths({"x/a.wav", "y/a.b.ogg", "c.flac", "/d/{dir}.wav"}, "out/{dir}/{name}-{name}.mid",
+                          ".csv"),
+              (std::vector<fs::path>{"out/x/a-a.mid", "out/y/a.b-a.b.mid", "out/./c-c.mid",
+                                     "out//d/{dir}-{dir}.mid"}));
+    EXPECT_THROW(OutputPaths({"x/a.wav", "y/a.wav"}, "{name}.mid", ".mid"), std::invalid_argument);
+    EXPECT_THROW(OutputPaths({"a.wav", "./a.ogg"}, "{dir}/{name}.mid", ".mid"), std::invalid_argument);
+}
+
+TEST(OutputFile, IsUpToDateUnlessItsRecordingIsNewer) {
+    const TempFolder folder;
+    const fs::path sound = folder / "a.wav", notes = folder / "a.mid";
+    EXPECT_FALSE(IsUpToDate(notes, sound));
+    WriteAll(notes, "notes");
+    EXPECT_FALSE(IsUpToDate(notes, sound));  // there is no recording to be compared with
+    WriteAll(sound, "sound");
+    fs::last_write_time(sound, fs::last_write_time(notes));
+    EXPECT_TRUE(IsUpToDate(notes, sound));
+    fs::last_write_time(sound, fs::last_write_time(notes) + std::chrono::seconds(1));
+    EXPECT_FALSE(IsUpToDate(notes, sound));
+}
+
 TEST(OutputFile, NoRecordingIsReplaced) {
     const TempFolder folder;
     WriteAll(folder / "a.wav", "sound");

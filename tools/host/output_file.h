@@ -11,10 +11,21 @@
 // and reason.
 void WriteWhole(const std::filesystem::path& path, std::string_view content);
 
-// The file that each input's output goes to: `target` itself for a single input, FOLDER/NAME`extension` where
-// the target is an existing folder, NAME being the input's name without its own extension. Errors:
-// std::invalid_argument with the reason, when several inputs have no folder, two outputs would be the same
-// file, or an output would replace one of the inputs.
+// The file that each input's output goes to. The target is
+//   a pattern with {name}, the input's name without folder and extension, or {dir}, its folder ("." where it
+//   was given without one): both are filled in;
+//   an existing folder: FOLDER/NAME`extension`;
+//   anything else, for a single input only: that file.
+// Errors: std::invalid_argument with the reason, when several inputs have neither pattern nor folder, two
+// outputs would be the same file, or an output would replace one of the inputs.
 std::vector<std::filesystem::path> OutputPaths(const std::vector<std::string>& inputs,
                                                const std::filesystem::path& target,
                                                const std::string& extension);
+
+bool IsPattern(const std::string& target);
+
+// Makes the folders that a pattern's output lies in. Errors: std::runtime_error with path and reason.
+void MakeFolderOf(const std::filesystem::path& path);
+
+// An output is there, whole and not older than the input it was made of.
+bool IsUpToDate(const std::filesystem::path& output, const std::filesystem::path& input);

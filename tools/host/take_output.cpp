@@ -39,6 +39,10 @@ const char* Kind(const std::array<std::uint8_t, 3>& bytes) {
     }
 }
 
+std::string OneLine(const nlohmann::ordered_json& object) {
+    return object.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
+}
+
 }  // namespace
 
 std::string NoteTable(const std::string& file, const Take& take) {
@@ -78,7 +82,11 @@ std::string NoteJson(const std::string& file, const Take& take) {
                       {"seconds", Microseconds(Seconds(take, take.length))},
                       {"notes", std::move(notes)},
                       {"chords", std::move(chords)}};
-    return all.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
+    return OneLine(all);
+}
+
+std::string SkippedJson(const std::string& file) {
+    return OneLine({{"file", file}, {"skipped", true}});
 }
 
 std::string EventCsv(const Take& take) {

@@ -13,5 +13,8 @@ std::string NoteTable(const std::string& file, const Take& take);
 // U+FFFD.
 std::string NoteJson(const std::string& file, const Take& take);
 
+// The line of a file that was passed over: "file", and "skipped" true.
+std::string SkippedJson(const std::string& file);
+
 // All messages by date, header first: time, sample, the three bytes, and what kind of message it is.
 std::string EventCsv(const Take& take);

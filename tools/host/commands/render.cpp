@@ -1,5 +1,6 @@
 #include "tools/host/commands/render.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <iostream>
 #include <memory>
@@ -8,6 +9,7 @@
 #include "notes/notes.h"
 #include "tools/host/commands/devices.h"
 #include "tools/host/commands/parameters.h"
+#include "tools/host/file_list.h"
 #include "tools/host/output_file.h"
 #include "tools/host/picture.h"
 #include "tools/host/progress.h"
@@ -48,8 +50,10 @@ std::vector<RenderOutput> AllOutputs() {
 }
 
 struct RenderOptions {
-    std::vector<std::string> files;
+    std::vector<std::string> files;  // "-" among them: the names on standard input
+    std::string list;                // file with more names; empty: none
     std::vector<RenderOutput> outputs;
+    bool resume = false;
     bool json = false;
     bool mix = false;
     std::vector<std::string> parameters;  // NAME=VALUE
@@ -68,23 +72,60 @@ void FindPaths(const std::vector<std::string>& files, RenderOutput& output) {
     }
 }
 
-// Prints what became of a file and writes what is asked for; false if anything failed.
-bool Deliver(const RenderOptions& options, std::size_t index, const Outcome& outcome) {
+// The recordings that are named on the command line and in lists.
+std::vector<std::string> AllFiles(const RenderOptions& options) {
+    std::vector<std::string> files;
+    for (const std::string& name : options.files) {
+        const std::vector<std::string> named =
+            name == "-" ? ReadFileList(name) : std::vector<std::string>{name};
+        files.insert(files.end(), named.begin(), named.end());
+    }
+    if (options.list.empty()) return files;
+    const std::vector<std::string> listed = ReadFileList(options.list);
+    files.insert(files.end(), listed.begin(), listed.end());
+    return files;
+}
+
+// All that is asked for of this file was left behind by an earlier run.
+bool IsDone(const RenderOptions& options, std::size_t index) {
+    return options.resume &&
+           std::all_of(options.outputs.begin(), options.outputs.end(), [&](const RenderOutput& output) {
+               return output.paths.empty() || IsUpToDate(output.paths[index], options.files[index]);
+           });
+}
+
+// Hears a file and leaves behind what is asked for.
+Outcome Work(const RenderOptions& options, const PluginModule& module, std::size_t index,
+             Progress& progress) {
     const std::string& file = options.files[index];
-    if (!outcome.fault.empty()) {
-        ReportError(file, outcome.fault);
-        return false;
+    Outcome outcome;
+    if (IsDone(options, index)) {
+        outcome.text = options.json ? SkippedJson(file) : file + ": done before\n";
+        return outcome;
     }
-    if (!options.json && index > 0) std::cout << '\n';
-    std::cout << (options.json ? NoteJson(file, outcome.take) : NoteTable(file, outcome.take)) << std::flush;
+    Take take;
     try {
-        for (const RenderOutput& output : options.outputs)
-            if (!output.paths.empty()) WriteWhole(output.paths[index], output.make(outcome.take));
+        take = Render(module, file, options.settings, [&](double share) { progress.Advance(index, share); });
     } catch (const std::exception& fault) {
-        ReportError(fault.what());
-        return false;
+        outcome.fault = file + ": " + fault.what();
+        return outcome;
     }
-    return true;
+    try {
+        outcome.text = options.json ? NoteJson(file, take) : NoteTable(file, take);
+        for (const RenderOutput& output : options.outputs) {
+            if (output.paths.empty()) continue;
+            if (IsPattern(output.target)) MakeFolderOf(output.paths[index]);
+            WriteWhole(output.paths[index], output.make(take));
+        }
+    } catch (const std::exception& fault) {
+        outcome.fault = fault.what();
+    }
+    return outcome;
+}
+
+void Print(const Outcome& outcome) {
+    std::cout << outcome.text << std::flush;
+    if (!outcome.fault.empty()) ReportError(outcome.fault);
 }
 
 // The plug-in's own output to a device is switched on by its parameters, and the music plays in real time.
@@ -97,21 +138,42 @@ void UseDevice(RenderOptions& options) {
     options.jobs = 1;
 }
 
+// Lines of JSON are printed as their files end, in whatever order; tables in the order of the files.
 int RenderFiles(RenderOptions& options) {
+    options.files = AllFiles(options);
     for (RenderOutput& output : options.outputs) FindPaths(options.files, output);
     const PluginModule module(FindPlugin(options.plugin));
     options.settings.parameters = ParseParameters(options.parameters, module);
     UseDevice(options);
     options.settings.channel = options.mix ? AudioFile::Channel::mix : AudioFile::Channel::first;
 
-    bool allDone = true;
     Progress progress(options.files.size());
-    RenderQueue queue(module, options.files, options.settings, options.jobs, progress);
+    RenderQueue queue(options.files.size(), options.jobs, [&](std::size_t file) {
+        Outcome outcome = Work(options, module, file, progress);
+        progress.Advance(file, 1);
+        if (options.json) progress.Aside([&] { Print(outcome); });
+        return outcome;
+    });
+    bool allDone = true;
     for (std::size_t file = 0; file < options.files.size(); ++file) {
         const Outcome outcome = queue.Wait(file);
-        progress.Aside([&] { allDone = Deliver(options, file, outcome) && allDone; });
+        allDone = allDone && outcome.fault.empty();
+        if (options.json) continue;
+        progress.Aside([&] {
+            if (file > 0 && !outcome.text.empty()) std::cout << '\n';
+            Print(outcome);
+        });
     }
     return allDone ? exitDone : exitFailed;
+}
+
+void CheckUsage(const RenderOptions& options) {
+    if (options.files.empty() && options.list.empty()) throw UsageError("FILE is required, or --list");
+    if (options.list == "-" && std::count(options.files.begin(), options.files.end(), "-") > 0)
+        throw UsageError("--list: standard input is read once only");
+    if (options.resume && std::all_of(options.outputs.begin(), options.outputs.end(),
+                                      [](const RenderOutput& output) { return output.target.empty(); }))
+        throw UsageError("--resume: needs --midi or another output by which a file counts as done");
 }
 
 }  // namespace
@@ -123,16 +185,24 @@ void AddRender(CLI::App& program, Job& chosen) {
         "Prints a table of the notes of each recording; goes on with the next after one that cannot be\n"
         "read. Any audio file that libsndfile reads, at 8000 to 192000 Hz.\n"
         "Exit code 0: all done; 1: a file failed; 2: wrong usage.\n");
-    command->add_option("AUDIO", options->files, "recordings")->required()->type_name("FILE");
+    command->add_option("AUDIO", options->files, "recordings; - for a list of names on standard input")
+        ->type_name("FILE");
+    command
+        ->add_option(
+            "--list", options->list,
+            "hear the files that this one names, one a line or up to each zero byte; - for standard input")
+        ->type_name("FILE");
     options->outputs = AllOutputs();
     for (RenderOutput& output : options->outputs)
         command
             ->add_option(output.option, output.target,
-                         std::string(output.help) + "; an existing folder gets NAME" + output.extension +
-                             " for each\nrecording, and must be given when there are several")
+                         std::string(output.help) + "; for several recordings a folder,\nwhich gets NAME" +
+                             output.extension + " for each, or a pattern with {dir} and {name}")
             ->type_name(output.placeholder);
+    command->add_flag("--resume", options->resume,
+                      "pass over recordings whose outputs are there and not older than they are");
     command->add_flag("--json", options->json,
-                      "one JSON object a line for each recording instead of the tables");
+                      "one JSON object a line for each recording, as it is done, instead of the tables");
     AddParameterOption(*command, options->parameters);
     command->add_option("--block", options->settings.blockSize, "samples a block")
         ->type_name("N")
@@ -152,5 +222,10 @@ void AddRender(CLI::App& program, Job& chosen) {
         ->add_option("--host-vendor", options->settings.hostVendor, "the maker that the plug-in is told of")
         ->type_name("TEXT")
         ->capture_default_str();
-    command->callback([options, &chosen] { chosen = [options] { return RenderFiles(*options); }; });
+    command->callback([options, &chosen] {
+        chosen = [options] {
+            CheckUsage(*options);
+            return RenderFiles(*options);
+        };
+    });
 }
