@@ -14,6 +14,7 @@ void TakeToScore(const Take& take, TNotes& score) {
         events.push_back({event.sample, message, 0.0F});
     }
     score.title = "Created with ORVA Audio To MIDI VST";
+    score.tempo = take.tempo;
     TakeToNotes(events, score, 1, static_cast<std::uint32_t>(take.rate));
 }
 

@@ -16,6 +16,7 @@ struct Take {
     std::int32_t rate = 0;           // Hz
     std::int64_t length = 0;         // samples heard
     std::vector<TimedEvent> events;  // in the order in which they were sent; dates may step back
+    double tempo = 120;  // quarter notes a minute, by which it is written as a score; the sound knows none
 };
 
 // Where a sample of the take lies, in seconds from its start.

@@ -10,6 +10,7 @@
 #include "tools/host/commands/devices.h"
 #include "tools/host/commands/parameters.h"
 #include "tools/host/file_list.h"
+#include "tools/host/note_cleaning.h"
 #include "tools/host/output_file.h"
 #include "tools/host/picture.h"
 #include "tools/host/progress.h"
@@ -61,6 +62,8 @@ struct RenderOptions {
     std::string device;                   // empty: none
     unsigned jobs = 1;                    // 0: one for each core
     RenderSettings settings;
+    NoteCleaning cleaning;
+    std::string grid;  // empty: none
 };
 
 void FindPaths(const std::vector<std::string>& files, RenderOutput& output) {
@@ -105,7 +108,9 @@ Outcome Work(const RenderOptions& options, const PluginModule& module, std::size
     }
     Take take;
     try {
-        take = Render(module, file, options.settings, [&](double share) { progress.Advance(index, share); });
+        take = Cleaned(
+            Render(module, file, options.settings, [&](double share) { progress.Advance(index, share); }),
+            options.cleaning);
     } catch (const std::exception& fault) {
         outcome.fault = file + ": " + fault.what();
         return outcome;
@@ -167,13 +172,40 @@ int RenderFiles(RenderOptions& options) {
     return allDone ? exitDone : exitFailed;
 }
 
-void CheckUsage(const RenderOptions& options) {
+void CheckUsage(RenderOptions& options) {
+    try {
+        if (!options.grid.empty()) options.cleaning.gridParts = ParseGrid(options.grid);
+    } catch (const std::invalid_argument& reason) {
+        throw UsageError(std::string("--quantise: ") + reason.what());
+    }
     if (options.files.empty() && options.list.empty()) throw UsageError("FILE is required, or --list");
     if (options.list == "-" && std::count(options.files.begin(), options.files.end(), "-") > 0)
         throw UsageError("--list: standard input is read once only");
     if (options.resume && std::all_of(options.outputs.begin(), options.outputs.end(),
                                       [](const RenderOutput& output) { return output.target.empty(); }))
         throw UsageError("--resume: needs --midi or another output by which a file counts as done");
+}
+
+void AddCleaning(CLI::App& command, RenderOptions& options) {
+    const CLI::Validator length = CLI::Range(0.0, 60000.0).description("");
+    command.add_option("--shortest-note", options.cleaning.shortestNote, "leave out notes shorter than this")
+        ->type_name("MS")
+        ->check(length);
+    command
+        .add_option("--shortest-gap", options.cleaning.shortestGap,
+                    "join notes of one pitch with less than this between them")
+        ->type_name("MS")
+        ->check(length);
+    command
+        .add_option("--quantise", options.grid,
+                    "move the notes' ends to a grid that starts with the audio: 1/16, or 1/12 for triplets")
+        ->type_name("GRID");
+    command
+        .add_option("--tempo", options.cleaning.tempo,
+                    "quarter notes a minute, of the grid and of the MIDI file")
+        ->type_name("BPM")
+        ->check(CLI::Range(10.0, 1000.0).description(""))
+        ->capture_default_str();
 }
 
 }  // namespace
@@ -204,6 +236,7 @@ void AddRender(CLI::App& program, Job& chosen) {
     command->add_flag("--json", options->json,
                       "one JSON object a line for each recording, as it is done, instead of the tables");
     AddParameterOption(*command, options->parameters);
+    AddCleaning(*command, *options);
     command->add_option("--block", options->settings.blockSize, "samples a block")
         ->type_name("N")
         ->check(CLI::Range(1, 1 << 20).description(""))

@@ -1,0 +1,117 @@
+#include "tools/host/note_cleaning.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <map>
+#include <stdexcept>
+#include <string_view>
+#include <tuple>
+#include <utility>
+
+namespace {
+
+constexpr std::string_view gridStart = "1/";
+constexpr int finestGrid = 192;  // parts of a whole note: a triplet of 1/128
+
+bool Before(const HeardNote& a, const HeardNote& b) {
+    return std::tie(a.begin, a.pitch, a.channel) < std::tie(b.begin, b.pitch, b.channel);
+}
+
+// Hands each note, with the last one kept of its channel and pitch or null, to `merge`, which says whether it
+// has gone into that one.
+template <typename Merge>
+std::vector<HeardNote> Merged(const std::vector<HeardNote>& notes, Merge merge) {
+    std::vector<HeardNote> kept;
+    std::map<std::pair<int, int>, std::size_t> last;  // by channel and pitch: index into kept
+    for (const HeardNote& note : notes) {
+        const auto [found, isFirst] = last.try_emplace({note.channel, note.pitch}, kept.size());
+        if (!isFirst && merge(kept[found->second], note)) continue;
+        found->second = kept.size();
+        kept.push_back(note);
+    }
+    return kept;
+}
+
+// The first sample that lies on or behind a line once the road to a file has cut it to score ticks and these
+// to MIDI ticks: at most a score tick, 45 us, late. The nearest one would often be a MIDI tick, 5 ms, early.
+std::int64_t SampleOfLine(double seconds, std::int32_t rate) {
+    constexpr double scoreTicks = 22050;  // a second
+    constexpr double rounding = 1e-6;     // of a tick, by which a product may miss a whole number
+    return std::llround(std::ceil(std::ceil(seconds * scoreTicks - rounding) * rate / scoreTicks - rounding));
+}
+
+std::vector<HeardNote> OnGrid(std::vector<HeardNote> notes, double partSeconds, std::int32_t rate) {
+    const double part = partSeconds * rate;  // samples
+    for (HeardNote& note : notes) {
+        const double line = std::round(static_cast<double>(note.begin) / part);
+        const double end = std::max(line + 1, std::round(static_cast<double>(note.end) / part));
+        note.begin = SampleOfLine(line * partSeconds, rate);
+        note.end = SampleOfLine(end * partSeconds, rate);
+    }
+    std::stable_sort(notes.begin(), notes.end(), Before);
+    return Merged(notes, [](HeardNote& earlier, const HeardNote& note) {
+        const bool sameLine = earlier.begin == note.begin;
+        if (sameLine) {
+            earlier.end = std::max(earlier.end, note.end);
+            earlier.velocity = std::max(earlier.velocity, note.velocity);
+        } else {
+            earlier.end = std::min(earlier.end, note.begin);
+        }
+        return sameLine;
+    });
+}
+
+}  // namespace
+
+int ParseGrid(const std::string& text) {
+    int parts = 0;
+    const char* const end = text.data() + text.size();
+    if (text.starts_with(gridStart)) {
+        const auto [stop, fault] = std::from_chars(text.data() + gridStart.size(), end, parts);
+        if (fault == std::errc() && stop == end && parts >= 1 && parts <= finestGrid) return parts;
+    }
+    throw std::invalid_argument("\"" + text + "\" is no part of a whole note, 1/1 to 1/" +
+                                std::to_string(finestGrid));
+}
+
+std::vector<HeardNote> CleanNotes(std::vector<HeardNote> notes, const NoteCleaning& cleaning,
+                                  std::int32_t rate) {
+    const double samplesPerMs = rate / 1000.0;
+    const double shortestGap = cleaning.shortestGap * samplesPerMs;
+    if (shortestGap > 0)
+        notes = Merged(notes, [&](HeardNote& earlier, const HeardNote& note) {
+            const bool joins = static_cast<double>(note.begin - earlier.end) < shortestGap;
+            if (joins) earlier.end = std::max(earlier.end, note.end);
+            return joins;
+        });
+    std::erase_if(notes, [&](const HeardNote& note) {
+        return static_cast<double>(note.end - note.begin) < cleaning.shortestNote * samplesPerMs;
+    });
+    if (cleaning.gridParts == 0) return notes;
+    // A whole note is four quarters.
+    return OnGrid(std::move(notes), 4 * 60.0 / cleaning.tempo / cleaning.gridParts, rate);
+}
+
+// Ends stand before begins of the same date, so that a note that follows at once is not ended by the one
+// before.
+Take Cleaned(const Take& take, const NoteCleaning& cleaning) {
+    Take cleaned = take;
+    cleaned.tempo = cleaning.tempo;
+    if (cleaning.IsOff()) return cleaned;
+    std::erase_if(cleaned.events, [](const TimedEvent& event) { return (event.bytes[0] & 0xE0) == 0x80; });
+    const auto add = [&](std::int64_t sample, int status, int pitch, int velocity) {
+        cleaned.events.push_back({sample,
+                                  {static_cast<std::uint8_t>(status), static_cast<std::uint8_t>(pitch),
+                                   static_cast<std::uint8_t>(velocity)}});
+    };
+    const std::vector<HeardNote> notes = CleanNotes(PairNotes(take), cleaning, take.rate);
+    for (const HeardNote& note : notes) add(note.end, 0x80 | note.channel, note.pitch, 0);
+    for (const HeardNote& note : notes) {
+        add(note.begin, 0x90 | note.channel, note.pitch, note.velocity);
+        cleaned.length = std::max(cleaned.length, note.end);
+    }
+    std::stable_sort(cleaned.events.begin(), cleaned.events.end(),
+                     [](const TimedEvent& a, const TimedEvent& b) { return a.sample < b.sample; });
+    return cleaned;
+}
