@@ -36,7 +36,8 @@ public:
     // The whole file, once: the conductor's events (title, meter, key, tempo) go to the front of track 0 and
     // stay there. The format leaves 1 byte for the number of tracks, 3 for the length of one, and 1 for the
     // lengths of title and names: a longer title is cut to that byte, a longer name is written whole and
-    // makes a bad file. Failures are the stream's.
+    // makes a bad file. So does any text of 128 bytes or more: readers take such a length byte for the first
+    // of two. Failures are the stream's.
     void Write(TBaseStream& stream);
 
     std::string title;  // written as the copyright notice, if not empty
