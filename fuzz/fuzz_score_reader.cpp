@@ -8,6 +8,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "fuzz/heap_watch.h"
 #include "notes/notes.h"
 #include "tests/notes/memory_stream.h"
 #include "tests/notes/score_check.h"
@@ -16,9 +17,12 @@ extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, st
 
 namespace {
 
-constexpr std::size_t headSize = 18;      // bytes before the notes
-constexpr std::size_t recordSize = 24;    // bytes of a note
-constexpr std::size_t checkedNotes = 30;  // the check scans all notes for each point
+constexpr std::size_t headSize = 18;    // bytes before the notes
+constexpr std::size_t recordSize = 24;  // bytes of a note
+constexpr double longestReading = 5;    // s of processor time
+constexpr std::size_t besideBudget = std::size_t{1}
+                                     << 20;  // bytes: the stream's copy of the file, an exception
+constexpr std::size_t checkedNotes = 30;     // the check scans all notes for each point
 
 void Demand(bool held, const std::string& what) {
     if (held) return;
@@ -58,10 +62,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const Bytes bytes(data, data + size);
     MemoryBudget observer(std::size_t{1} << 40);
     const auto score = std::make_unique<TNotes>();
+    const HeapWatch heap;
     const bool loaded = Load(*score, bytes);
+    Demand(heap.Worked() <= longestReading, "a file is read in time");
+    Demand(heap.Highest() <= TNotes::readerBudget + besideBudget, "all that is taken is in the budget");
     Demand(observer.Highest() <= TNotes::readerBudget, "the reader keeps to its budget");
-    if (!AnyOverlap(*score))
+    if (!AnyOverlap(*score)) {
         Demand(observer.Highest() <= 16384 + 1024 * size, "memory is in proportion to the file");
+        Demand(heap.Highest() <= 16384 + 1024 * size, "and so is what the allocator gave");
+    }
     if (score->notes.size() <= checkedNotes) {
         const std::string wrong = WhatIsWrong(*score);
         Demand(wrong.empty(), wrong);

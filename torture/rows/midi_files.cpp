@@ -148,9 +148,13 @@ void RequireReadable(Trial& trial, const std::string& path, const std::vector<He
     RequireSame(trial, due, ReadStrictly(trial, bytes), "the strict reader");
     RequireSame(trial, due, ReadBy(trial, "midicsv", path, AddMidicsvLine), "midicsv");
     RequireSame(trial, due, ReadBy(trial, "mftext", path, AddMftextLine), "mftext");
+    Printed(trial, "midi2abc '" + path + "'");
     trial.Require(std::filesystem::exists(soundFont), std::string("no sound font ") + soundFont);
-    Printed(trial, std::string("fluidsynth -q -n -i -R 0 -C 0 -r 8000 -T raw -F /dev/null ") + soundFont +
-                       " '" + path + "'");
+    Printed(
+        trial,
+        std::string(
+            "fluidsynth -q -n -i -o synth.dynamic-sample-loading=1 -R 0 -C 0 -r 8000 -T raw -F /dev/null ") +
+            soundFont + " '" + path + "'");
 }
 
 // Notes that do not meet another of their pitch and channel, at any rate, with any velocity and program.
