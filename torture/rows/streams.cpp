@@ -120,17 +120,16 @@ std::string CannotWrite(const std::string& path) {
     return "Writing file <" + path + "> is failed.";
 }
 
-// A recording of some notes.
-void Record(PlugIn& plugIn, std::mt19937_64& random) {
+// A plug-in that has recorded some music, the same in each process.
+CORVAguivst& Recorded(Trial& trial) {
+    static PlugIn plugIn;
+    if (plugIn.clock > 0) return plugIn.Object();
+    std::mt19937_64 random(1);
     plugIn.Object().startRecording();
     plugIn.Play(RandomMusic(random, 3, 44100));
     plugIn.Object().stopRecording();
-}
-
-std::size_t MidiSize(Trial& trial, PlugIn& plugIn, const std::string& path) {
     trial.Require(!plugIn.Object().nothingRecorded(), "three seconds of music give no take");
-    trial.Require(plugIn.Object().saveRecording(path), "a take cannot be saved");
-    return ContentOf(path).size();
+    return plugIn.Object();
 }
 
 void TryFileSize(Trial& trial, std::size_t limit) {
@@ -138,9 +137,9 @@ void TryFileSize(Trial& trial, std::size_t limit) {
     std::unique_ptr<TNotes> score;
     do score = RandomScore(trial.random, 150);
     while (Written(*score).size() > fileSizes - 1);
-    PlugIn plugIn;
-    Record(plugIn, trial.random);
-    const std::size_t midi = MidiSize(trial, plugIn, folder / "take.mid");
+    CORVAguivst& plugIn = Recorded(trial);
+    trial.Require(plugIn.saveRecording(folder / "take.mid"), "a take cannot be saved");
+    const std::size_t midi = ContentOf(folder / "take.mid").size();
     setenv("XDG_CONFIG_HOME", folder.path.c_str(), 1);
     const std::string old(255, 'o'), text(limit % 256, 'n');
     trial.Require(writeRegistryString("Name", old), "no setting can be stored");
@@ -148,7 +147,7 @@ void TryFileSize(Trial& trial, std::size_t limit) {
     const SmallFiles small(limit);
     const std::string path = folder / "score";
     RequireSaving(trial, *score, path, Written(*score).size() <= limit, CannotWrite(path));
-    trial.Require(plugIn.Object().saveRecording(folder / "again.mid") == (midi <= limit),
+    trial.Require(plugIn.saveRecording(folder / "again.mid") == (midi <= limit),
                   "a take of " + std::to_string(midi) + " bytes where " + std::to_string(limit) + " fit");
     const bool stored = writeRegistryString("Name", text);
     trial.Require(stored == (text.size() <= limit), "a setting that does not fit");
@@ -161,9 +160,7 @@ void TryPlace(Trial& trial, const std::string& path, bool opens) {
     const auto score = RandomScore(trial.random, 100);
     score->AddNote(1, 2, 3, 4, 5, 6, 7);
     RequireSaving(trial, *score, path, false, opens ? CannotWrite(path) : CannotOpen(path));
-    PlugIn plugIn;
-    Record(plugIn, trial.random);
-    trial.Require(!plugIn.Object().saveRecording(path), "a take is saved where it cannot be");
+    trial.Require(!Recorded(trial).saveRecording(path), "a take is saved where it cannot be");
     trial.Require(getMemLog().saveToFile(path) == opens, "the log is saved where it cannot be, or not");
 }
 
@@ -225,6 +222,7 @@ void TryOtherFailure(Trial& trial, std::uint64_t which) {
 }
 
 void TryFailure(Trial& trial) {
+    Recorded(trial);
     const std::size_t open = OpenFiles();
     trial.number < fileSizes ? TryFileSize(trial, trial.number)
                              : TryOtherFailure(trial, trial.number - fileSizes);

@@ -101,8 +101,9 @@ public:
             "opcode " + std::to_string(opcode) + ", index " + std::to_string(index) + ": ";
         const std::size_t length = strnlen(room, 4096);
         trial.Require(length < bound, told + std::to_string(length) + " bytes");
-        for (std::size_t i = length + 1; i < 4096; ++i)
-            trial.Require(room[i] == untouched, told + "written behind the terminator");
+        trial.Require(std::all_of(room + std::min<std::size_t>(length + 1, 4096), room + 4096,
+                                  [](char byte) { return byte == untouched; }),
+                      told + "written behind the terminator");
         const std::string text(room, length);
         trial.Require(IsLegal(text), told + "no UTF-8");
         for (const std::size_t size : {8U, 24U, 32U, 64U, 128U, 256U}) {
