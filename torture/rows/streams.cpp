@@ -224,8 +224,8 @@ void TryOtherFailure(Trial& trial, std::uint64_t which) {
 void TryFailure(Trial& trial) {
     Recorded(trial);
     const std::size_t open = OpenFiles();
-    trial.number < fileSizes ? TryFileSize(trial, trial.number)
-                             : TryOtherFailure(trial, trial.number - fileSizes);
+    trial.number >= otherFailures ? TryFileSize(trial, trial.number - otherFailures)
+                                  : TryOtherFailure(trial, trial.number);
     trial.Require(OpenFiles() == open, "a file was left open");
 }
 
