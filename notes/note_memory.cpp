@@ -39,11 +39,19 @@ class FreeStore : public std::pmr::memory_resource {
     }
 };
 
+// There from the begin and never destroyed: the audio thread names chords in it, and must not be the one that
+// builds it, nor wait for another that does.
+union Lasting {
+    constexpr Lasting() : store() {}
+    ~Lasting() {}
+    FreeStore store;
+};
+constinit Lasting lasting;
+
 }  // namespace
 
 std::pmr::memory_resource* NoteMemory() {
-    static FreeStore store;
-    return &store;
+    return &lasting.store;
 }
 
 MemoryBudget::MemoryBudget(std::size_t bytes) : limit(bytes), outer(currentBudget) {
