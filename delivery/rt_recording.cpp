@@ -92,6 +92,7 @@ void TRTRecording::Update() {
 void TRTRecording::PushNote(std::uint32_t onMessage, std::uint32_t offMessage, std::int64_t start,
                             std::int64_t end, float level) {
     Push(pending, {start, onMessage, level});
+    loudest = std::max(loudest, level);
     Push(pending, {end, offMessage, level});
 }
 
@@ -109,29 +110,52 @@ void TRTRecording::FlushBand(const TNoteRecorder& from, std::int32_t band, std::
 void TRTRecording::Silence() {
     const TNoteRecorder* const from = recorder;
     if (from == nullptr) return;
-    const std::int64_t now = GetElapsed();
-    const std::lock_guard<PriorityLock> held(leaf);
-    for (std::int32_t band = 0; band < from->numBands; ++band) FlushBand(*from, band, now);
-    if (from->dynamicVelocity) ScaleVelocities(from->velocity & 127);
-    for (const TRecordEvent& event : pending) Push(take, event);
-    if (!pending.empty()) ++clears;
-    pending.clear();
+    Flush(*from);
+    if (!stopMoves) MoveFlushed();
 }
 
-// The loudest note of a flush takes the velocity setting, others less by the fourth root of their power.
-void TRTRecording::ScaleVelocities(std::int32_t setting) {
-    float loudest = 1e-30F;  // so that silence divides by something
-    for (const TRecordEvent& event : pending)
-        if (IsNoteOn(event.message)) loudest = std::max(loudest, event.level);
-    const float scale = static_cast<float>(setting) / FourthRoot(loudest);
-    for (TRecordEvent& event : pending) {
-        if (!IsNoteOn(event.message)) continue;
-        // The product alone would come out one too low for the loudest, at every twelfth level or so.
-        const std::int32_t velocity =
-            event.level >= loudest ? setting
-                                   : std::clamp(TruncateToInt32(scale * FourthRoot(event.level)), 0, 127);
-        event.message = (event.message & 0xFFFFU) | static_cast<std::uint32_t>(velocity) << 16;
+// A flush before this one may still be moving, on another thread: its notes go first.
+void TRTRecording::Flush(const TNoteRecorder& from) {
+    for (;;) {
+        MoveFlushed();
+        const std::lock_guard<PriorityLock> held(leaf);
+        if (flushed != 0) continue;
+        const std::int64_t now = GetElapsed();
+        for (std::int32_t band = 0; band < from.numBands; ++band) FlushBand(from, band, now);
+        flushed = pending.size();
+        const std::int32_t setting = from.velocity & 127;
+        scale = {from.dynamicVelocity, setting, loudest, static_cast<float>(setting) / FourthRoot(loudest)};
+        loudest = nearSilence;
+        return;
     }
+}
+
+// Whoever finds flushed notes moves them, not only who flushed: when a call returns, all of them are there.
+void TRTRecording::MoveFlushed() {
+    while (MovePiece()) continue;
+}
+
+// False once nothing is left. Where the allocator throws, what has not been moved is moved next time.
+bool TRTRecording::MovePiece() {
+    const std::lock_guard<PriorityLock> held(leaf);
+    for (std::size_t left = piece; left > 0 && moved < flushed; --left, ++moved)
+        Push(take, scale.Scaled(pending[moved]));
+    if (moved < flushed) return true;
+    if (flushed == 0) return false;
+    pending.erase(pending.begin(), pending.begin() + static_cast<std::ptrdiff_t>(flushed));
+    flushed = moved = 0;
+    ++clears;
+    return false;
+}
+
+TRecordEvent TRTRecording::Scale::Scaled(TRecordEvent event) const {
+    if (!byLevel || !IsNoteOn(event.message)) return event;
+    // The product alone would come out one too low for the loudest, at every twelfth level or so.
+    const std::int32_t velocity = event.level >= loudest
+                                      ? setting
+                                      : std::clamp(TruncateToInt32(factor * FourthRoot(event.level)), 0, 127);
+    event.message = (event.message & 0xFFFFU) | static_cast<std::uint32_t>(velocity) << 16;
+    return event;
 }
 
 void TRTRecording::Send(std::uint32_t message) {
@@ -164,6 +188,23 @@ void TRTRecording::StopNow() {
     Silence();
 }
 
+// What other threads flush while this one is at it is moved here, too.
+void TRTRecording::Stop() {
+    struct Moves {
+        explicit Moves(Relaxed<bool>& lent) : word(lent) { word = true; }
+        ~Moves() { word = false; }
+        Moves(const Moves&) = delete;
+        Moves& operator=(const Moves&) = delete;
+        Relaxed<bool>& word;
+    };
+    MoveFlushed();  // so that the flush under the recorder's lock finds none before it
+    {
+        const Moves later(stopMoves);
+        TmtNoteOut::Stop();
+    }
+    MoveFlushed();
+}
+
 void TRTRecording::Clear() {
     origin = 0;
     const std::lock_guard<PriorityLock> held(leaf);
@@ -177,39 +218,40 @@ void TRTRecording::Push(std::vector<TRecordEvent>& list, const TRecordEvent& eve
     list.push_back(event);
 }
 
-void TRTRecording::Prepare() {
+std::size_t TRTRecording::Waiting() const {
     const std::lock_guard<PriorityLock> held(leaf);
-    pending.reserve(pending.size() + preparedRoom);
-    take.reserve(take.size() + pending.size() + 2 * preparedRoom);
+    return pending.size();
+}
+
+void TRTRecording::Prepare() {
+    GiveRoom(pending, preparedRoom, preparedRoom, true);
+    const std::size_t ahead = Waiting() + 2 * preparedRoom;
+    GiveRoom(take, ahead, ahead, true);
 }
 
 void TRTRecording::TopUp() {
-    TopUpList(pending, 0);
-    std::size_t waiting = 0;
-    {
-        const std::lock_guard<PriorityLock> held(leaf);
-        waiting = pending.size();
-    }
-    TopUpList(take,
-              waiting + preparedRoom);  // what waits, and what `pending` may still take in, ends up here
+    GiveRoom(pending, preparedRoom / 2, preparedRoom, false);
+    const std::size_t later =
+        Waiting() + preparedRoom;  // what `pending` has and may still take in ends up here
+    GiveRoom(take, later + preparedRoom / 2, later + preparedRoom, false);
 }
 
 // Copies into a larger list a piece at a time, and lets the audio thread in between. Lists only grow at their
 // end, so what was copied stays right until one is emptied, which `clears` tells.
-void TRTRecording::TopUpList(std::vector<TRecordEvent>& list, std::size_t needed) {
-    constexpr std::size_t piece = 512;  // events under one lock; 8 KiB
+void TRTRecording::GiveRoom(std::vector<TRecordEvent>& list, std::size_t enough, std::size_t wanted,
+                            bool evenStopped) {
     std::vector<TRecordEvent> larger;
     std::size_t clearsSeen = 0;
     {
         const std::lock_guard<PriorityLock> held(leaf);
-        if (!running || list.capacity() - list.size() >= needed + preparedRoom / 2) return;
+        if (!(running || evenStopped) || list.capacity() - list.size() >= enough) return;
         clearsSeen = clears;
-        needed += list.size() + preparedRoom;
+        wanted += list.size();
     }
-    larger.reserve(needed);
+    larger.reserve(wanted);
     for (bool complete = false; !complete;) {
         const std::lock_guard<PriorityLock> held(leaf);
-        if (!running || clears != clearsSeen || list.size() > larger.capacity()) return;
+        if (!(running || evenStopped) || clears != clearsSeen || list.size() > larger.capacity()) return;
         const auto next = list.begin() + static_cast<std::ptrdiff_t>(larger.size());
         const std::size_t left = list.size() - larger.size();
         larger.insert(larger.end(), next, next + static_cast<std::ptrdiff_t>(std::min(left, piece)));

@@ -41,7 +41,8 @@ struct TBandTrack {
 //
 // Threads: NoteOn, NoteOff, Update [audio, locked]; Silence [any], since a change of velocity or channel
 // reaches it beside the audio thread; Clear, Prepare, TopUp, GetTake [ui], of which Clear and GetTake only
-// with the output stopped. Lock: a leaf lock of its own around tracks and lists, held across no other call.
+// with the output stopped. Lock: a leaf lock of its own around tracks and lists, held across no other call,
+// and for no more than a piece of a list at a time: a long take is moved, and copied, in many holds.
 // Memory: 16 bytes an event, two events a note. Prepare and TopUp keep room ahead, so that the audio thread
 // allocates nothing while it lasts; past it a list grows by half of itself, and what the allocator throws
 // leaves the call.
@@ -56,6 +57,7 @@ public:
     void NoteOn(std::int32_t band) override;
     void NoteOff(std::int32_t band) override;
     void Silence() override;  // flushes all bands and moves `pending` to the take, running or not
+    void Stop() override;     // the move to the take comes after the recorder's lock
     void Update() override;
     void Send(std::uint32_t message) override;  // into the take, while running
     void StartNow() override;
@@ -71,23 +73,46 @@ public:
     void AppendToTake(std::uint32_t message);  // with the current time, bypassing `pending`
 
     // Under the leaf lock.
-    std::vector<TRecordEvent> pending;  // finished notes that have not reached the take
+    std::vector<TRecordEvent> pending;  // finished notes; a flush moves them to the take, first ones first
     TBandTrack bandTracks[maxBands];    // cleared at each start
     float peakLevel[maxBands] = {};     // highest level of each band during its current note
     std::vector<TRecordEvent> take;     // the recording
     Relaxed<std::int64_t> origin;       // the recorder's time at which the take began; 0: not begun
 
 private:
+    // The velocities of a flush: the loudest note takes the setting, others less by the fourth root of their
+    // power.
+    struct Scale {
+        bool byLevel = false;  // else the velocities stay
+        std::int32_t setting = 0;
+        float loudest = 0;
+        float factor = 0;  // setting / fourth root of loudest
+        TRecordEvent Scaled(TRecordEvent event) const;
+    };
+
     std::int64_t EventTime(std::int32_t band) const;
+    void Flush(const TNoteRecorder& from);
     void FlushBand(const TNoteRecorder& from, std::int32_t band, std::int64_t now);
     void PushNote(std::uint32_t onMessage, std::uint32_t offMessage, std::int64_t start, std::int64_t end,
                   float level);
-    void ScaleVelocities(std::int32_t setting);
+    bool MovePiece();
+    void MoveFlushed();
     static void Push(std::vector<TRecordEvent>& list, const TRecordEvent& event);
-    void TopUpList(std::vector<TRecordEvent>& list, std::size_t needed);
+    std::size_t Waiting() const;  // events in `pending`
+    // Room for `wanted` events more, if there is none for `enough`.
+    void GiveRoom(std::vector<TRecordEvent>& list, std::size_t enough, std::size_t wanted, bool evenStopped);
 
-    PriorityLock leaf;
-    std::size_t clears = 0;  // counts what invalidates a topping-up in progress: Clear and flushes
+    static constexpr std::size_t piece = 512;     // events under one lock; 8 KiB
+    static constexpr float nearSilence = 1e-30F;  // so that silence divides by something
+
+    mutable PriorityLock leaf;
+    Relaxed<bool> stopMoves = false;  // a Stop is under way, and moves what is flushed meanwhile
+    // Under the leaf lock.
+    std::size_t flushed = 0;      // events of `pending` that are on their way to the take,
+    std::size_t moved = 0;        // and how many of them have arrived
+    Scale scale;                  // of those
+    float loudest = nearSilence;  // level among the note ons of `pending` behind them
+    std::size_t clears = 0;       // counts what invalidates a topping-up in progress: Clear and flushes
 };
 
 // Turns a take into notes. Layers sort them by velocity, loud ones into layer 1, up to layerCount (1 to 9).

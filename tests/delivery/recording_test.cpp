@@ -406,6 +406,28 @@ TEST_F(RecordingThreads, AFlushInTheMiddleOfToppingUpMovesEachEventOnce) {
     }
 }
 
+// Who returns from Stop may read the take, even if another thread's flush was still moving notes into it.
+TEST_F(RecordingThreads, AfterAStopTheTakeIsWholeAlthoughAnotherFlushWasUnderWay) {
+    constexpr int frames = 12000;
+    for (int round = 0; round < 8; ++round) {
+        for (int i = 0; i < frames; ++i) PlayScale(detector, recorder, round * frames + i);
+        std::atomic<bool> begun{false};
+        std::thread change([&] {
+            begun = true;
+            recorder.AllNotesOff();
+        });
+        while (!begun) std::this_thread::yield();
+        recording->Stop();
+        const auto notes = Soundings(std::exchange(recording->take, {}));
+        change.join();
+        EXPECT_THAT(recording->take, IsEmpty());
+        ASSERT_EQ(notes.size(), frames - 1U);  // the last has no length yet; it joins its band's next one
+        for (const Sounding& note : notes)
+            ASSERT_NEAR(note.velocity, 100 * std::pow(note.level / 999.0, 0.25), 1.001) << note.level;
+        recording->Start();
+    }
+}
+
 // A note is filed under one table, the old or the new: its note off names no other note and is not missing.
 TEST_F(RecordingThreads, ChangesBesideFramesLeaveWholeNotes) {
     const auto play = [&](int frame) {
