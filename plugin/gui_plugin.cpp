@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <mutex>
 
 #include "base/truncate.h"
 #include "delivery/rt_recording.h"
@@ -160,6 +161,7 @@ void CORVAguivst::startDetection() {
     if (outputsIdle) {
         outputsIdle = false;
         device.Start();
+        const std::lock_guard<TNoteRecorder> held(noteRecorder);  // stopRecording must not come in between
         if (recordingOn) recording->Start();
     }
     CORVA_vst::startDetection();
@@ -215,8 +217,11 @@ void CORVAguivst::startRecording() {
 }
 
 void CORVAguivst::stopRecording() {
+    {
+        const std::lock_guard<TNoteRecorder> held(noteRecorder);
+        recordingOn = false;  // first, so that the audio thread does not start it once more behind the stop
+    }
     recording->Stop();
-    recordingOn = false;
 }
 
 bool CORVAguivst::nothingRecorded() {
