@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <new>
 
+#include "base/lasting.h"
+
 namespace {
 
 thread_local MemoryBudget* currentBudget = nullptr;
@@ -39,19 +41,14 @@ class FreeStore : public std::pmr::memory_resource {
     }
 };
 
-// There from the begin and never destroyed: the audio thread names chords in it, and must not be the one that
-// builds it, nor wait for another that does.
-union Lasting {
-    constexpr Lasting() : store() {}
-    ~Lasting() {}
-    FreeStore store;
-};
-constinit Lasting lasting;
+// There from the begin: the audio thread names chords in it, and must not be the one that builds it, nor wait
+// for another that does.
+constinit Lasting<FreeStore> store;
 
 }  // namespace
 
 std::pmr::memory_resource* NoteMemory() {
-    return &lasting.store;
+    return &store.value;
 }
 
 MemoryBudget::MemoryBudget(std::size_t bytes) : limit(bytes), outer(currentBudget) {
