@@ -118,7 +118,10 @@ void guiEditor::CloseNow() {
     messageIsUp = false;
     window = nullptr;
     AEffGUIEditor::close();
-    for (const Message& each : unseen) SystemMessageBox().Show(each.text, each.caption);
+    try {
+        for (const Message& each : unseen) SystemMessageBox().Show(each.text, each.caption);
+    } catch (...) {  // no memory to tell the user with; the editor may be in the middle of its destruction
+    }
 }
 
 void guiEditor::idle() {

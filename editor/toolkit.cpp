@@ -3,13 +3,15 @@
 #include <cairo/cairo-xcb.h>
 #include <xcb/xcb.h>
 
+#include "base/lasting.h"
 #include "vst2/records.h"
 #include "vstgui/lib/platform/linux/x11platform.h"
 #include "vstgui/lib/vstguiinit.h"
 
 namespace {
 
-// Never destroyed: a host may close its last editor while the process already ends.
+// Outlasts the rest: a host may close its last editor while the process already ends. And takes no memory of
+// its own, since an editor that could not be made for want of memory locks it, too.
 struct Toolkit {
     std::recursive_mutex lock;
     int sessions = 0;
@@ -18,8 +20,8 @@ struct Toolkit {
 };
 
 Toolkit& TheToolkit() {
-    static Toolkit& toolkit = *new Toolkit;
-    return toolkit;
+    static Lasting<Toolkit> toolkit;
+    return toolkit.value;
 }
 
 // The toolkit does not look whether its connection came about.
