@@ -27,7 +27,7 @@ public:
         handle = ++opened;
         return MMSYSERR_NOERROR;
     }
-    std::uint32_t midiOutClose(MidiOutHandle) override { return Called(), ++closed, MMSYSERR_NOERROR; }
+    std::uint32_t midiOutClose(MidiOutHandle) override { return ++closed, Called(), MMSYSERR_NOERROR; }
     std::uint32_t midiOutShortMsg(MidiOutHandle, std::uint32_t message) override;
     std::uint32_t midiOutReset(MidiOutHandle) override { return Called(), MMSYSERR_NOERROR; }
     std::uint32_t midiOutLongMsg(MidiOutHandle, const MidiLongMessage&) override {

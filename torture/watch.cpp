@@ -133,7 +133,7 @@ resolveThenJump:
         ".size " #name ", . - " #name                \
         "\n"                                         \
         ".popsection\n"                              \
-        ".pushsection .data.rel, \"aw\"\n"           \
+        ".pushsection watched_functions, \"aw\"\n"   \
         ".balign 8\n"                                \
         "watched_" #name                             \
         ": .quad 0, 3f\n"                            \
@@ -407,6 +407,25 @@ void free(void* block) noexcept {
     __libc_free(block);
 }
 }
+
+// Looked up at the begin of the program, since a lookup leaves its traces in the loader's memory. What a
+// library lacks is looked up when it is called, which does not happen.
+extern "C" Watched __start_watched_functions[];  // made by the linker
+extern "C" Watched __stop_watched_functions[];
+
+namespace {
+
+const bool lookedUp = [] {
+    for (Watched* each = __start_watched_functions; each != __stop_watched_functions; ++each)
+        if (std::strcmp(each->name, "dlsym") != 0) each->real = dlsym(RTLD_NEXT, each->name);
+    dlerror();
+    Real(realLock, "pthread_mutex_lock");
+    Real(realTryLock, "pthread_mutex_trylock");
+    Real(realUnlock, "pthread_mutex_unlock");
+    return true;
+}();
+
+}  // namespace
 
 // --- what the rows see ---
 
