@@ -2,15 +2,19 @@
 #include <dlfcn.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <array>
 #include <cmath>
 #include <cstdio>
+#include <exception>
 #include <filesystem>
-#include <memory>
+#include <fstream>
+#include <iterator>
 #include <numbers>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <vector>
 #if defined(__SSE2__)
 #include <xmmintrin.h>
@@ -21,17 +25,32 @@
 namespace {
 
 using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::IsSubsetOf;
 using testing::Not;
+
+// What a command says, and its exit code behind that if it is not 0.
+std::string Output(const std::string& command) {
+    std::FILE* const pipe = popen((command + " 2>&1").c_str(), "r");
+    if (pipe == nullptr) return "not started";
+    std::string text;
+    std::array<char, 4096> part{};
+    while (std::fgets(part.data(), part.size(), pipe) != nullptr) text += part.data();
+    const int status = pclose(pipe);
+    return status == 0 ? text : text + "ended with " + std::to_string(status);
+}
 
 // What a program of the linker's family says of the module.
 std::string Told(const std::string& program) {
-    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen((program + " " ORVA_MODULE_FILE).c_str(), "r"),
-                                                     pclose);
-    std::string text;
-    std::array<char, 4096> part{};
-    while (pipe != nullptr && std::fgets(part.data(), part.size(), pipe.get()) != nullptr)
-        text += part.data();
-    return text;
+    return Output(program + " " ORVA_MODULE_FILE);
+}
+
+// The names that the module takes from other libraries, without their versions.
+std::vector<std::string> Imports() {
+    std::istringstream lines(Told("nm -D --undefined-only"));
+    std::vector<std::string> names;
+    for (std::string kind, name; lines >> kind >> name;) names.push_back(name.substr(0, name.find('@')));
+    return names;
 }
 
 TEST(ModuleFile, ExportsTheThreeEntryPointsAndNothingElse) {
@@ -42,11 +61,20 @@ TEST(ModuleFile, ExportsTheThreeEntryPointsAndNothingElse) {
     EXPECT_THAT(names, testing::UnorderedElementsAre("T MAIN", "T VSTPluginMain", "T main"));
 }
 
-// Unique symbols would be shared with another plug-in's copy, and keep the file from ever being unloaded.
+// Unique symbols would be shared with another plug-in's copy. Nothing of the toolkit's or of ours is looked
+// up by name, so that no other copy can step in.
 TEST(ModuleFile, SharesNoSymbolWithOtherModules) {
     const std::string symbols = Told("readelf -Ws");
     EXPECT_THAT(symbols, HasSubstr("VSTPluginMain"));
     EXPECT_THAT(symbols, Not(HasSubstr(" UNIQUE ")));
+    EXPECT_THAT(symbols, Not(HasSubstr(" IFUNC ")));
+    EXPECT_THAT(Told("readelf -Wd"), HasSubstr("SYMBOLIC"));
+    EXPECT_THAT(Told("nm -D"), Not(testing::ContainsRegex("VSTGUI|CORVA|TNote|TRealTime|OpenPlugin")));
+}
+
+// A destructor that a thread runs when it ends would be gone by then, were the module ever unloaded.
+TEST(ModuleFile, LeavesNothingToEndingThreads) {
+    EXPECT_THAT(Imports(), Not(testing::Contains(HasSubstr("__cxa_thread_atexit"))));
 }
 
 TEST(ModuleFile, IsBoundAtLoadAndReadOnlyFromThenOn) {
@@ -55,9 +83,154 @@ TEST(ModuleFile, IsBoundAtLoadAndReadOnlyFromThenOn) {
     EXPECT_THAT(segments, testing::ContainsRegex("BIND_NOW|FLAGS_1.*NOW"));
     EXPECT_THAT(segments, testing::ContainsRegex("FLAGS_1.*NODELETE"));
     EXPECT_THAT(segments, testing::ContainsRegex("GNU_STACK[ 0-9a-fx]*RW "));
+    EXPECT_THAT(segments, Not(testing::ContainsRegex("LOAD[ 0-9a-fx]*RWE")));
     EXPECT_THAT(segments, Not(HasSubstr("TEXTREL")));
     EXPECT_THAT(segments, Not(testing::ContainsRegex("RUNPATH|RPATH")));
 }
+
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+
+TEST(ModuleFile, StandsOnTheListedLibrariesAlone) {
+    std::istringstream lines(Told("readelf -Wd"));
+    std::vector<std::string> needed;
+    for (std::string line; std::getline(lines, line);)
+        if (line.find("(NEEDED)") != std::string::npos) {
+            const std::size_t name = line.find('[') + 1;
+            needed.push_back(line.substr(name, line.find(".so") - name));
+        }
+    const std::vector<std::string> listed = {
+        "libc",
+        "libm",
+        "libstdc++",
+        "libgcc_s",  // the languages'
+        "ld-linux-x86-64",
+        "ld-linux-aarch64",  // the loader: where a thread's own variables are
+        "libhwy",
+        "librtmidi",
+        "libasound",
+        "libjack",
+        "libX11",
+        "libxcb",
+        "libxcb-util",
+        "libxcb-cursor",
+        "libxcb-keysyms",
+        "libxcb-xkb",
+        "libxkbcommon",
+        "libxkbcommon-x11",
+        "libcairo",
+        "libpangocairo-1.0",
+        "libpangoft2-1.0",
+        "libpango-1.0",
+        "libglib-2.0",
+        "libgobject-2.0",
+        "libfontconfig",
+        "libfreetype"};
+    EXPECT_THAT(needed, testing::Contains("libstdc++"));
+    EXPECT_THAT(needed, IsSubsetOf(listed));
+    EXPECT_THAT(Told("ldd -r"), Not(testing::ContainsRegex("undefined|not found")));
+}
+
+// A plug-in must not change what the host's process is, nor end it, nor write past what it was given.
+TEST(ModuleFile, TakesNothingThatReachesAcrossTheProcess) {
+    const std::vector<std::string> names = Imports();
+    for (const char* const forbidden : {"setlocale",
+                                        "uselocale",
+                                        "signal",
+                                        "sigaction",
+                                        "atexit",
+                                        "system",
+                                        "popen",
+                                        "exit",
+
+                                        "quick_exit",
+                                        "abort",
+                                        "gets",
+                                        "strcpy",
+                                        "strcat",
+                                        "sprintf",
+                                        "vsprintf",
+                                        "__sprintf_chk",
+                                        "XSetErrorHandler",
+                                        "XSetIOErrorHandler",
+                                        "fesetround",
+                                        "putenv",
+                                        "setenv",
+                                        "chdir",
+                                        "umask"})
+        EXPECT_THAT(names, Not(testing::Contains(forbidden)));
+    // And what guards against overruns is in use.
+    EXPECT_THAT(names, testing::Contains("__stack_chk_fail"));
+    EXPECT_THAT(names, testing::Contains(testing::EndsWith("_chk")));
+}
+
+// The entries of .init_array, by the names that the compiler gives them; the toolkit's are its own.
+TEST(ModuleFile, RunsFewInitialisersOfItsOwn) {
+    std::vector<std::string> ours;
+    std::istringstream lines(Told("nm --defined-only"));
+    constexpr std::string_view prefix = "_GLOBAL__sub_I_";
+    for (std::string address, kind, name; lines >> address >> kind >> name;) {
+        if (name.rfind(prefix, 0) != 0) continue;
+        const std::string source = name.substr(prefix.size());
+        for (const char* const room : {"base", "engine", "notes", "platform", "vst2", "delivery", "midifile",
+                                       "harmony", "plugin", "editor", "module"})
+            if (std::filesystem::exists(std::filesystem::path(ORVA_SOURCES) / room / source))
+                ours.push_back(source);
+    }
+    EXPECT_THAT(ours, Not(IsEmpty()));  // the device table's, at least
+    EXPECT_LE(ours.size(), 8U) << testing::PrintToString(ours);
+}
+
+// --- hosts of several kinds ---
+
+// plain_host says what is amiss.
+std::string PlainHost(const std::string& how, const std::string& before = {}) {
+    return Output(before + " " ORVA_PLAIN_HOST " " + how);
+}
+
+TEST(ModuleLoad, WorksInEveryWayOfLoadingAndLeavesTheProcessAsItWas) {
+    for (const char* const way : {"local", "global", "deepbind"})
+        EXPECT_EQ(PlainHost(std::string(way) + " 33 " ORVA_MODULE_FILE), "") << way;
+    EXPECT_EQ(PlainHost("local 1 " ORVA_MODULE_FILE, "LD_BIND_NOW=1"), "");
+}
+
+class ModuleCopies : public testing::Test {
+protected:
+    ModuleCopies() { std::filesystem::create_directory(folder); }
+    ~ModuleCopies() override { std::filesystem::remove_all(folder); }
+    std::string Copy(const std::filesystem::path& file, const char* name) const {
+        std::filesystem::copy_file(file, folder / name);
+        return (folder / name).string();
+    }
+    const std::filesystem::path folder =
+        std::filesystem::temp_directory_path() / ("orva_module_" + std::to_string(getpid()));
+};
+
+// A library of another name, so that the loader takes it for another.
+TEST_F(ModuleCopies, LoadBesideAnotherLibraryOfTheLanguage) {
+    Dl_info info{};
+    ASSERT_NE(dladdr(reinterpret_cast<void*>(&std::terminate), &info), 0);
+    std::ifstream in(info.dli_fname, std::ios::binary);
+    std::string bytes(std::istreambuf_iterator<char>(in), {});
+    const std::string name = "libstdc++.so.6";
+    const std::size_t at = bytes.find(name);
+    ASSERT_NE(at, std::string::npos) << info.dli_fname;
+    bytes.replace(at, name.size(), "libstdc++.so.X");
+    const std::string other = (folder / "libstdc++.so.X").string();
+    std::ofstream(other, std::ios::binary) << bytes;
+    EXPECT_EQ(PlainHost("local 3 +" + other + " " ORVA_MODULE_FILE), "");
+}
+
+// Two plug-ins of the same make, visible to all, and a third library with the toolkit's symbols before or
+// behind.
+TEST_F(ModuleCopies, LiveSideBySideEachWithItsOwnToolkit) {
+    const std::string one = Copy(ORVA_MODULE_FILE, "one.so"), two = Copy(ORVA_MODULE_FILE, "two.so");
+    const std::string decoy = "+" ORVA_DECOY;
+    for (const std::string& order :
+         {one + " " + two, two + " " + one, decoy + " " + one + " " + two, decoy + " " + two + " " + one})
+        EXPECT_EQ(PlainHost("global 25 " + order), "") << order;
+}
+
+#endif
 
 using Entry = AEffect* (*)(audioMasterCallback);
 
