@@ -1,11 +1,16 @@
 // What a second of music costs, in instructions, which do not depend on how busy the machine is.
 #include <gtest/gtest.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace {
 
@@ -39,4 +44,57 @@ TEST(Cost, ASecondOfMusicStaysWithinItsInstructions) {
 #if defined(__GNUC__) && __GNUC__ == 12 && !defined(__clang__)
     EXPECT_LE(counted, budget);
 #endif
+}
+
+namespace {
+
+// Instructions of each block, by the counter's dumps, which it numbers from 1.
+std::vector<long long> CountBlocks(int blocks) {
+    const std::filesystem::path folder =
+        std::filesystem::temp_directory_path() / ("orva_costs_" + std::to_string(getpid()));
+    std::filesystem::create_directory(folder);
+    const std::string base = (folder / "dump").string();
+    const std::string command = "valgrind --tool=callgrind --instr-atstart=no --callgrind-out-file=" + base +
+                                " " ORVA_BLOCK_COSTS " " + std::to_string(blocks) + " > /dev/null 2>&1";
+    std::vector<long long> counts;
+    if (std::system(command.c_str()) == 0)
+        for (int block = 1; block <= blocks; ++block) {
+            std::ifstream dump(base + "." + std::to_string(block));
+            for (std::string word; dump >> word;)
+                if (word == "totals:" && dump >> counts.emplace_back()) break;
+        }
+    std::filesystem::remove_all(folder);
+    return counts;
+}
+
+long long Median(std::vector<long long> of) {
+    std::nth_element(of.begin(), of.begin() + static_cast<std::ptrdiff_t>(of.size() / 2), of.end());
+    return of[of.size() / 2];
+}
+long long Most(const std::vector<long long>& of) {
+    return *std::max_element(of.begin(), of.end());
+}
+
+}  // namespace
+
+// A host gives each block the same time, however much there is to do in it. At 48 kHz a block of 64 samples
+// ends a frame of 480 in two of fifteen, and names a chord, every 4800 samples, in one of 75.
+TEST(Cost, NoBlockCostsMuchMoreThanItsFrameAndItsChord) {
+    constexpr int blocks = 1500;  // 2 s
+    const std::vector<long long> counts = CountBlocks(blocks);
+    ASSERT_EQ(counts.size(), static_cast<std::size_t>(blocks)) << "the counter did not run";
+    std::vector<long long> plain, frame, chord;
+    for (int block = 1; block < blocks; ++block) {  // but the first, which starts the outputs
+        const int begin = block * 64, end = begin + 64;
+        const bool endsFrame = begin / 480 != end / 480, endsUpdate = begin / 4800 != end / 4800;
+        (endsUpdate ? chord : endsFrame ? frame : plain).push_back(counts[static_cast<std::size_t>(block)]);
+    }
+    const long long usual = Median(plain), frameCost = Most(frame) - usual,
+                    chordCost = Most(chord) - Median(frame);
+    std::printf("a block %lld instructions at the median, %lld at most; a frame %lld, a chord %lld at most\n",
+                usual, Most(counts), frameCost, chordCost);
+    EXPECT_LE(Most(plain), 4 * usual);
+    EXPECT_LE(frameCost, 200000);
+    EXPECT_LE(chordCost, 100000);
+    EXPECT_LE(Most(counts), 4 * usual + frameCost + chordCost);
 }
