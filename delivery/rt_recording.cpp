@@ -158,8 +158,12 @@ TRecordEvent TRTRecording::Scale::Scaled(TRecordEvent event) const {
     return event;
 }
 
+// Whether it runs is asked inside the lock: a stop passes through it, too, so that whoever stopped the
+// recording has the take alone.
 void TRTRecording::Send(std::uint32_t message) {
-    if (running) AppendToTake(message);
+    const std::int64_t now = std::max<std::int64_t>(GetElapsed(), 0);
+    const std::lock_guard<PriorityLock> held(leaf);
+    if (running) Push(take, {now, message, 0.0F});
 }
 
 void TRTRecording::AppendToTake(std::uint32_t message) {

@@ -212,6 +212,7 @@ void CORVAguivst::ChordChanged() {
 void CORVAguivst::startRecording() {
     recording->Clear();
     recording->Prepare();
+    const std::lock_guard<TNoteRecorder> held(noteRecorder);
     recording->Start();
     recordingOn = true;
 }

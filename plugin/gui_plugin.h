@@ -60,7 +60,7 @@ public:
     std::string currentChordText();
     void keepRoomAhead();  // tops up the recording's room; called at each idle and dispatcher call
 
-    Relaxed<bool> recordingOn = false;      // the recording takes notes
+    Relaxed<bool> recordingOn = false;      // the recording takes notes; changes under the recorder's lock
     Relaxed<float> equalizerBars[84];       // raw values of parameters 3 to 86
     Relaxed<float> instrumentValue = 0.0F;  // raw values of parameters 87, 90, 92, 94, 95
     Relaxed<float> channelValue = 0.0F;
