@@ -12,6 +12,14 @@ constexpr float slowestRate = 100;            // Hz; below it a frame of 10 ms h
 constexpr float fastestRate = 2147483648.0F;  // what a 32-bit count of Hz cannot hold any more
 constexpr std::int32_t usualBlock = 1024;     // samples
 
+// A host that calls back whenever it is called would never come to an end. Nobody who means it needs more: an
+// automated value that ends a note, of which the host sets another value, which the display shows.
+constexpr int deepestCall = 4;
+
+// Calls to hosts that are under way on this thread, in all instances. In the storage that a thread has from
+// its begin on: the usual kind is allocated at first use, which may be on an audio thread.
+__attribute__((tls_model("initial-exec"))) thread_local int callsUnderWay = 0;
+
 AudioEffect* EffectOf(AEffect* record) {
     return record != nullptr ? static_cast<AudioEffect*>(record->object) : nullptr;
 }
@@ -36,6 +44,7 @@ std::intptr_t Dispatch(AEffect* record, std::int32_t opcode, std::int32_t index,
         if (opcode != effClose) return effect.dispatcher(opcode, index, value, ptr, opt);
         const std::unique_ptr<AudioEffect> last(&effect);
         last->dispatcher(opcode, index, value, ptr, opt);
+        record->object = nullptr;  // a callback on the way out meets no half of an object
         return 1;
     });
 }
@@ -70,7 +79,6 @@ AudioEffect::AudioEffect(audioMasterCallback host, std::int32_t numPrograms, std
     record.getParameter = GetParameter;
     record.numPrograms = numPrograms;
     record.numParams = numParams;
-    record.object = this;
     record.version = 1;
     record.processReplacing = ProcessReplacing;
     record.processDoubleReplacing = ProcessDoubleReplacing;
@@ -84,7 +92,14 @@ AudioEffect::~AudioEffect() {
 
 std::intptr_t AudioEffect::CallHost(std::int32_t opcode, std::int32_t index, std::intptr_t value, void* ptr,
                                     float opt) {
-    return audioMaster != nullptr ? audioMaster(&record, opcode, index, value, ptr, opt) : 0;
+    if (audioMaster == nullptr || callsUnderWay >= deepestCall) return 0;
+    struct Call {
+        Call() { ++callsUnderWay; }
+        ~Call() { --callsUnderWay; }
+        Call(const Call&) = delete;
+        Call& operator=(const Call&) = delete;
+    } const call;
+    return audioMaster(&record, opcode, index, value, ptr, opt);
 }
 
 void AudioEffect::SetFlag(std::int32_t flag, bool on) {

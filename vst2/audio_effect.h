@@ -24,7 +24,12 @@ public:
     AudioEffect(const AudioEffect&) = delete;
     AudioEffect& operator=(const AudioEffect&) = delete;
 
-    AEffect* getAeffect() { return &record; }
+    // The record to hand to the host, which stands for nothing before the first call: a host that calls back
+    // while the object is being built is answered with 0.
+    AEffect* getAeffect() {
+        if (record.object == nullptr) record.object = this;
+        return &record;
+    }
 
     // One call of the host's, by opcode. Overridden by later versions of the interface, which hand down what
     // they do not know.
@@ -74,6 +79,7 @@ protected:
     void programsAreChunks(bool are) { SetFlag(effFlagsProgramChunks, are); }
     void setEditor(AEffEditor* newEditor);  // not owned here; its presence is declared to the host
 
+    // 0 without asking where the host has called back several calls deep on this thread.
     std::intptr_t CallHost(std::int32_t opcode, std::int32_t index = 0, std::intptr_t value = 0,
                            void* ptr = nullptr, float opt = 0);
 
