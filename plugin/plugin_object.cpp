@@ -103,8 +103,8 @@ void CORVA_vst::processSamples(const short*, std::size_t) {}
 template <typename Sample>
 void CORVA_vst::FeedBlock(const Sample* in, std::size_t count) {
     if (firstBlock) {
+        firstBlock = false;  // before the question: a host may answer it with a block
         requestHostEvents();
-        firstBlock = false;
     }
     if (!gate.TryEnter()) {
         totalSamples = totalSamples + count;
@@ -117,6 +117,11 @@ void CORVA_vst::FeedBlock(const Sample* in, std::size_t count) {
         samples.resize(count);
         ConvertSamples(in, samples.data(), count);
         deliverBlock(count);
+        if (stoppedWithin) {
+            stoppedWithin = false;
+            detector.Reset();
+            noteRecorder.AllNotesOff();
+        }
     }
     if (leftToBlock.exchange(false)) ServeRequests();
 }
@@ -210,6 +215,7 @@ void CORVA_vst::setSampleRate(float rate) {
 void CORVA_vst::Ask(Request request) {
     if (gate.IsMine()) {
         Serve(request);
+        if (request == requestStop) stoppedWithin = true;
         return;
     }
     requests.fetch_or(request);

@@ -112,6 +112,7 @@ private:
     std::atomic<unsigned> requests{0};     // what other threads want done to the detector
     std::atomic<bool> leftToBlock{false};  // who asked has given up waiting: the block in flight serves
     Relaxed<bool> detects = true;          // written behind the gate
+    bool stoppedWithin = false;            // behind the gate: what is left of the block is not to be heard
     std::mutex programNameGuard;           // never taken by a process call
     char programName[kVstMaxProgNameLen];
 };
