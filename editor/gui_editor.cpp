@@ -79,6 +79,15 @@ bool guiEditor::open(void* parent) {
     const std::lock_guard locked(ToolkitLock());
     if (busy > 0) return false;
     CloseNow();
+    {
+        const Busy now(busy);  // the pages ask the host what it can do, and it may call back
+        if (!MakeWindow(parent)) return false;
+    }
+    if (closeLater) CloseNow();
+    return isEditorOpen;
+}
+
+bool guiEditor::MakeWindow(void* parent) {
     if (!AEffGUIEditor::open(parent)) return false;
     auto theme = MenuTheme();
     frame->getPlatformFrame()->setupGenericOptionMenu(true, &theme);

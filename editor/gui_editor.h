@@ -66,6 +66,7 @@ private:
         std::string caption;
     };
 
+    bool MakeWindow(void* parent);
     void CloseNow();
     void RunErrands();
     void PollFileDialog();
