@@ -1,15 +1,28 @@
 #include "plugin/mem_log.h"
 
+#include <algorithm>
 #include <fstream>
 
 void MemLog::append(const std::string& block) {
     const std::lock_guard<std::mutex> held(guard);
-    log << block;
+    const auto known = std::find(blocks.begin(), blocks.end(), block);
+    const auto index = static_cast<std::size_t>(known - blocks.begin());
+    if (known == blocks.end()) blocks.push_back(block);
+    if (!runs.empty() && runs.back().block == index)
+        ++runs.back().times;
+    else
+        runs.push_back({index, 1});
 }
 
 std::string MemLog::text() const {
     const std::lock_guard<std::mutex> held(guard);
-    return log.str();
+    std::size_t length = 0;
+    for (const Run& run : runs) length += run.times * blocks[run.block].size();
+    std::string whole;
+    whole.reserve(length);
+    for (const Run& run : runs)
+        for (std::size_t i = 0; i < run.times; ++i) whole += blocks[run.block];
+    return whole;
 }
 
 bool MemLog::saveToFile(const std::string& path) const {

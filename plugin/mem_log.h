@@ -1,13 +1,16 @@
 #pragma once
+#include <cstddef>
 #include <mutex>
-#include <sstream>
 #include <string>
+#include <vector>
 
 // A text log held in memory, so that a user can save facts about the host for support. One per process; all
 // instances append to it, and nothing ever clears it.
 //
 // Threads: [any], never [audio]. A writer composes its block of lines and appends it whole, so that blocks of
 // two instances never mix.
+// Memory: a block that says what an earlier one says takes a few bytes, or none if that is the last one: a
+// host may open instances for days.
 class MemLog {
 public:
     void append(const std::string& block);
@@ -15,8 +18,13 @@ public:
     bool saveToFile(const std::string& path) const;  // replaces what is there; true when it could be opened
 
 private:
-    mutable std::mutex guard;  // of `log`
-    std::ostringstream log;
+    struct Run {
+        std::size_t block;  // index into `blocks`
+        std::size_t times;  // in a row
+    };
+    mutable std::mutex guard;         // of what follows
+    std::vector<std::string> blocks;  // each different one
+    std::vector<Run> runs;            // the log, oldest first
 };
 
 MemLog& getMemLog();  // the process-wide instance, made at the first request

@@ -187,6 +187,12 @@ TEST_F(HostAdapter, OpeningLogsTheHostsFactsEachTime) {
     EXPECT_EQ(getMemLog().text(), before + expectedFacts + expectedFacts);
 }
 
+TEST(Log, HoldsEachBlockInItsPlaceHoweverOftenItComes) {
+    MemLog log;
+    for (const char* const block : {"a\n", "a\n", "b\n", "a\n", "", "b\n", "b\n"}) log.append(block);
+    EXPECT_EQ(log.text(), "a\na\nb\na\nb\nb\n");
+}
+
 TEST(Log, SavesItsWholeTextOverWhatIsThere) {
     MemLog log;
     const std::string path = testing::TempDir() + "orva_log_" + std::to_string(getpid());
