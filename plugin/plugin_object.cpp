@@ -255,7 +255,6 @@ void CORVA_vst::Serve(unsigned wanted) {
 
 void CORVA_vst::open() {
     logHostInfo();
-    getMemLog().text();  // fetched once, and dropped
 }
 
 void CORVA_vst::logHostInfo() {
