@@ -1,0 +1,46 @@
+#pragma once
+#include <xcb/xcb.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <memory>
+
+#include "tests/editor/display_server.h"
+
+// A display of the process's own, started at the first request and ended with the process.
+inline DisplayServer& OwnDisplay() {
+    static DisplayServer server;
+    return server;
+}
+
+// What a host has on the display: one window in which an editor may open.
+class HostWindow {
+public:
+    HostWindow() {
+        OwnDisplay();
+        connection = xcb_connect(nullptr, nullptr);
+        const xcb_screen_t* const screen = xcb_setup_roots_iterator(xcb_get_setup(connection)).data;
+        window = xcb_generate_id(connection);
+        const std::uint32_t values[] = {screen->white_pixel, 1};
+        xcb_create_window(connection, XCB_COPY_FROM_PARENT, window, screen->root, 0, 0, 400, 320, 0,
+                          XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
+                          XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT, values);
+        xcb_map_window(connection, window);
+        Children();
+    }
+    ~HostWindow() { xcb_disconnect(connection); }
+    HostWindow(const HostWindow&) = delete;
+    HostWindow& operator=(const HostWindow&) = delete;
+
+    void* Handle() const { return reinterpret_cast<void*>(static_cast<std::uintptr_t>(window)); }
+    // Windows inside ours; -1 when the display is gone.
+    int Children() const {
+        const std::unique_ptr<xcb_query_tree_reply_t, void (*)(void*)> tree(
+            xcb_query_tree_reply(connection, xcb_query_tree(connection, window), nullptr), &std::free);
+        return tree ? xcb_query_tree_children_length(tree.get()) : -1;
+    }
+
+private:
+    xcb_connection_t* connection = nullptr;
+    xcb_window_t window = 0;
+};
