@@ -1,6 +1,6 @@
 #include "delivery/note_out.h"
 
-#include <mutex>
+#include <optional>
 
 #include "delivery/note_recorder.h"
 
@@ -54,15 +54,15 @@ void TNoteOut::Update() {
 }
 
 void TmtNoteOut::Start() {
+    std::optional<TNoteRecorder::Hold> held;
     TNoteRecorder* const from = recorder;
-    std::unique_lock<TNoteRecorder> held;
-    if (from != nullptr && from->active) held = std::unique_lock<TNoteRecorder>(*from);
+    if (from != nullptr && from->active) held.emplace(*from);
     StartNow();
 }
 
 void TmtNoteOut::Stop() {
+    std::optional<TNoteRecorder::Hold> held;
     TNoteRecorder* const from = recorder;
-    std::unique_lock<TNoteRecorder> held;
-    if (from != nullptr && from->active) held = std::unique_lock<TNoteRecorder>(*from);
+    if (from != nullptr && from->active) held.emplace(*from);
     StopNow();
 }

@@ -1,7 +1,6 @@
 #include "delivery/note_recorder.h"
 
 #include <algorithm>
-#include <mutex>
 
 #include "base/truncate.h"
 #include "delivery/note_out.h"
@@ -20,6 +19,19 @@ TNoteRecorder::~TNoteRecorder() {
     active = false;
     numBands = 0;
     outputs.ForEach([](TNoteOut& output) { output.Release(); });
+}
+
+TNoteRecorder::Hold::Hold(TNoteRecorder& held, bool wanted) : recorder(held) {
+    if (!wanted) return;
+    const bool again = recorder.goesWithout == std::this_thread::get_id();
+    locked = again ? recorder.mutex.try_lock() : recorder.mutex.try_lock_for(patience);
+    gaveUp = !locked && !again;
+    if (gaveUp) recorder.goesWithout = std::this_thread::get_id();
+}
+
+TNoteRecorder::Hold::~Hold() {
+    if (locked) recorder.mutex.unlock();
+    if (gaveUp) recorder.goesWithout = std::thread::id();
 }
 
 void TNoteRecorder::Attach(INoteDetector* newDetector) {
@@ -60,7 +72,7 @@ void TNoteRecorder::BuildMessages() {
 
 void TNoteRecorder::OnFrame() {
     if (!active) return;
-    const std::lock_guard<TNoteRecorder> held(*this);
+    const Hold held(*this);
     time = time + frameLength;
     for (std::int32_t band = 0; band < numBands; ++band) {
         frameLevel[band] = bandLevel[band];
@@ -94,7 +106,7 @@ std::uint32_t TNoteRecorder::ProgramMessage() const {
 
 void TNoteRecorder::AddOutput(TNoteOut* output) {
     if (output == nullptr) return;
-    const std::lock_guard<TNoteRecorder> held(*this);
+    const Hold held(*this);
     if (outputs.Contains(output)) return;
     output->SetRecorder(this);
     if (sendProgramChange) output->Send(ProgramMessage());
@@ -103,14 +115,14 @@ void TNoteRecorder::AddOutput(TNoteOut* output) {
 
 void TNoteRecorder::AddAutoStartOutput(TNoteOut* output) {
     if (output == nullptr) return;
-    const std::lock_guard<TNoteRecorder> held(*this);
+    const Hold held(*this);
     autoStartOutputs.Append(output);
     AddOutput(output);
 }
 
 void TNoteRecorder::RemoveOutput(TNoteOut* output) {
     if (output == nullptr) return;
-    const std::lock_guard<TNoteRecorder> held(*this);
+    const Hold held(*this);
     autoStartOutputs.Remove(output);
     outputs.Remove(output);
     output->SetRecorder(nullptr);
@@ -171,8 +183,7 @@ void TNoteRecorder::SetMapping(std::int32_t semitones, std::int32_t newChannel, 
 // Beside the audio thread, that is while active, a change takes no lock.
 template <typename Store>
 void TNoteRecorder::Change(Store store) {
-    std::unique_lock<TNoteRecorder> held(*this, std::defer_lock);
-    if (!active) held.lock();
+    const Hold held(*this, !active);
     store();
 }
 

@@ -1,5 +1,7 @@
 #pragma once
+#include <chrono>
 #include <cstdint>
+#include <thread>
 
 #include "base/priority_lock.h"
 #include "base/relaxed.h"
@@ -14,11 +16,11 @@
 // holds the frame before: the pair is what lets each output find the changes.
 //
 // Threads: OnFrame [audio]. Attach, Activate before the first frame. All others [any].
-// Lock: recursive, held through all delivery in OnFrame, and by Start and Stop of TmtNoteOut. The operations
-// that change messages take it only while the recorder is not active: beside the audio thread they run
-// unlocked, so that a setting never waits for a block. Words that both sides touch are relaxed atomics; what
-// can go wrong is one event with the note or channel from before the change.
-// Errors: none are reported.
+// Lock: recursive, held through all delivery in OnFrame, and by Start and Stop of TmtNoteOut, but for a
+// thread that waits in vain (see Hold): it keeps events in order, and is not what keeps memory safe. The
+// operations that change messages take it only while the recorder is not active: beside the audio thread they
+// run unlocked, so that a setting never waits for a block. Words that both sides touch are relaxed atomics;
+// what can go wrong is one event with the note or channel from before the change. Errors: none are reported.
 class TNoteRecorder : public INoteHandler {
 public:
     static constexpr std::int32_t maxBands = 128;
@@ -72,10 +74,28 @@ public:
     void SetVelocity(std::int32_t newVelocity);
     void SetMapping(std::int32_t semitones, std::int32_t newChannel, std::int32_t newVelocity);
 
+    // The lock for the length of a scope, or a patient try at it. A host may hold a lock of its own around a
+    // call to us, and take it in its callback, too: then one of its threads stands in a delivery and waits
+    // for the other, which wants our lock, and nobody would ever go on. After `patience` a thread goes on
+    // without, as a change of velocity always does: at worst an event is out of order. Within such a scope of
+    // its own a thread does not wait a second time.
+    class Hold {
+    public:
+        explicit Hold(TNoteRecorder& held, bool wanted = true);
+        ~Hold();
+        Hold(const Hold&) = delete;
+        Hold& operator=(const Hold&) = delete;
+
+        // Many times what a frame takes; with the 100 ms of a suspend, what a host still takes for an answer.
+        static constexpr auto patience = std::chrono::milliseconds(40);
+
+    private:
+        TNoteRecorder& recorder;
+        bool locked = false;
+        bool gaveUp = false;
+    };
     void Lock() { mutex.lock(); }
     void Unlock() { mutex.unlock(); }
-    void lock() { Lock(); }  // so that scoped locks hold a recorder
-    void unlock() { Unlock(); }
 
     struct BandMessages {
         Relaxed<std::uint32_t> onMessage;   // note on with the velocity setting; 0 for a band without a note
@@ -114,6 +134,7 @@ private:
     void Change(Store store);
 
     PriorityLock mutex;
+    Relaxed<std::thread::id> goesWithout;  // the thread that gave up waiting for it; else none
     // The detector's arrays as they stood at the end of the last frame, for whoever is not inside OnFrame.
     Relaxed<float> frameLevel[maxBands];
     Relaxed<bool> frameOn[maxBands];

@@ -1,5 +1,7 @@
 #include "delivery/output_list.h"
 
+#include <mutex>
+
 OutputList::~OutputList() {
     FreeRetired();
     for (Entry* entry = first.load(); entry != nullptr;) {
@@ -10,6 +12,7 @@ OutputList::~OutputList() {
 }
 
 void OutputList::Append(TNoteOut* output) {
+    const std::lock_guard<PriorityLock> held(changing);
     if (Quiet()) FreeRetired();
     auto* const added = new Entry{output};
     std::atomic<Entry*>* link = &first;
@@ -18,6 +21,7 @@ void OutputList::Append(TNoteOut* output) {
 }
 
 void OutputList::Remove(const TNoteOut* output) {
+    const std::lock_guard<PriorityLock> held(changing);
     for (std::atomic<Entry*>* link = &first; Entry* const entry = link->load(); link = &entry->next) {
         if (entry->output.load() != output) continue;
         entry->output.store(nullptr);
@@ -30,9 +34,9 @@ void OutputList::Remove(const TNoteOut* output) {
 }
 
 bool OutputList::Contains(const TNoteOut* output) const {
-    for (const Entry* entry = first.load(); entry != nullptr; entry = entry->next.load())
-        if (entry->output.load() == output) return true;
-    return false;
+    bool found = false;
+    ForEach([&](const TNoteOut& each) { found |= &each == output; });
+    return found;
 }
 
 void OutputList::FreeRetired() {

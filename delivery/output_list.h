@@ -1,6 +1,8 @@
 #pragma once
 #include <atomic>
 
+#include "base/priority_lock.h"
+
 class TNoteOut;
 
 // The attached outputs, in order of attachment. One thread may walk the list while another changes it, and
@@ -10,7 +12,7 @@ class TNoteOut;
 // A removed output may still be in the hands of a walk that met it before: it must live until Quiet() has
 // been true once after its removal.
 //
-// Threads: ForEach and Quiet [any]; the others one at a time, under the recorder's lock.
+// Threads: [any]. Lock: a leaf lock of its own around what changes the list.
 // Memory: Append allocates; entries removed under a walk are freed by a later change.
 class OutputList {
 public:
@@ -47,9 +49,11 @@ private:
     };
     void FreeRetired();
 
+    PriorityLock changing;
+
     // All accesses keep one total order: a walk that starts after Quiet() was true cannot meet an entry that
     // was unlinked before it.
     std::atomic<Entry*> first{nullptr};
-    Entry* retired = nullptr;  // removed entries that a walk may still stand on
+    Entry* retired = nullptr;  // under `changing`: removed entries that a walk may still stand on
     mutable std::atomic<int> walks{0};
 };

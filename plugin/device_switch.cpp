@@ -100,7 +100,7 @@ bool DeviceSwitch::openMidiDevice(float value) {
     recorder.AddOutput(output);
     static_cast<void>(opened.release());  // the recorder owns it from here on
     {
-        const std::lock_guard<TNoteRecorder> held(recorder);
+        const TNoteRecorder::Hold held(recorder);
         midiDeviceOut = output;
         output->Start();
     }
@@ -112,9 +112,9 @@ bool DeviceSwitch::openMidiDevice(float value) {
 void DeviceSwitch::closeMidiDevice() {
     std::unique_ptr<TRTMidiOut> closed;
     {
-        const std::lock_guard<TNoteRecorder> held(recorder);
-        if (midiDeviceOut == nullptr) return;
-        closed.reset(std::exchange(midiDeviceOut, nullptr));
+        const TNoteRecorder::Hold held(recorder);
+        closed.reset(midiDeviceOut.exchange(nullptr));
+        if (closed == nullptr) return;
         closed->Stop();
         recorder.RemoveOutput(closed.get());
     }
@@ -136,12 +136,21 @@ void DeviceSwitch::DeleteRetired() {
     }
 }
 
+// By way of the recorder's list, whose walk keeps a device that is being switched off from being deleted.
+template <typename Deed>
+void DeviceSwitch::WithDevice(Deed deed) {
+    const TNoteRecorder::Hold held(recorder);
+    const TNoteOut* const device = midiDeviceOut;
+    if (device == nullptr) return;
+    recorder.outputs.ForEach([&](TNoteOut& output) {
+        if (&output == device) deed(output);
+    });
+}
+
 void DeviceSwitch::Start() {
-    const std::lock_guard<TNoteRecorder> held(recorder);
-    if (midiDeviceOut != nullptr) midiDeviceOut->Start();
+    WithDevice([](TNoteOut& device) { device.Start(); });
 }
 
 void DeviceSwitch::Stop() {
-    const std::lock_guard<TNoteRecorder> held(recorder);
-    if (midiDeviceOut != nullptr) midiDeviceOut->Stop();
+    WithDevice([](TNoteOut& device) { device.Stop(); });
 }

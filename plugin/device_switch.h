@@ -1,4 +1,5 @@
 #pragma once
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <mutex>
@@ -61,11 +62,14 @@ private:
     void ApplyEnabled(bool enabled);
     bool openMidiDevice(float value);
     void closeMidiDevice();
+    template <typename Deed>
+    void WithDevice(Deed deed);
 
     TNoteRecorder& recorder;
     IMessageBox& messages;
     IDeviceSwitchOwner& owner;
-    TRTMidiOut* midiDeviceOut = nullptr;  // under the recorder's lock; null while none is open
+    // Replaced under the recorder's lock, or where that is waited for in vain; null while none is open.
+    std::atomic<TRTMidiOut*> midiDeviceOut{nullptr};
 
     std::mutex guard;                                  // of what follows; held across no call
     std::vector<Wish> wishes;                          // in the order in which they came

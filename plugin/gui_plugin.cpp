@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <mutex>
 
 #include "base/truncate.h"
 #include "delivery/rt_recording.h"
@@ -161,7 +160,7 @@ void CORVAguivst::startDetection() {
     if (outputsIdle) {
         outputsIdle = false;
         device.Start();
-        const std::lock_guard<TNoteRecorder> held(noteRecorder);  // stopRecording must not come in between
+        const TNoteRecorder::Hold held(noteRecorder);  // stopRecording must not come in between
         if (recordingOn) recording->Start();
     }
     CORVA_vst::startDetection();
@@ -212,14 +211,14 @@ void CORVAguivst::ChordChanged() {
 void CORVAguivst::startRecording() {
     recording->Clear();
     recording->Prepare();
-    const std::lock_guard<TNoteRecorder> held(noteRecorder);
+    const TNoteRecorder::Hold held(noteRecorder);
     recording->Start();
     recordingOn = true;
 }
 
 void CORVAguivst::stopRecording() {
     {
-        const std::lock_guard<TNoteRecorder> held(noteRecorder);
+        const TNoteRecorder::Hold held(noteRecorder);
         recordingOn = false;  // first, so that the audio thread does not start it once more behind the stop
     }
     recording->Stop();
