@@ -1,0 +1,123 @@
+#!/usr/bin/python3
+"""Looks for each instrument's settings on the training half of the corpus and reports them on the other half.
+
+    sweep.py FOLDER [INSTRUMENT...]    FOLDER as bench/accuracy/run left it, with corpus.json and the sounds;
+                                       without a name all of them, and "any" for the whole corpus in one
+
+Prints a row for each, in the form of tools/host/starting_points.cpp, with the scores on both halves at the plug-in's
+own settings and at those found. What is sought is the mean of the F-measures at 50 and at 100 ms, all notes of an
+instrument together.
+"""
+
+import json
+import sys
+from collections import Counter
+from dataclasses import dataclass, replace
+from pathlib import Path
+
+from compose import INSTRUMENTS
+from score import count, figures
+from transcribe import heard_by_orva
+
+LOWEST_BAND = 24  # MIDI note of the first equalizer bar, parameter 3
+BARS = 84
+
+
+@dataclass(frozen=True)
+class Settings:
+    polyphony: float = 0.87  # the plug-in's own
+    sensitivity: float = 0.875
+    lowest: int = LOWEST_BAND  # MIDI notes; bars outside are at 0
+    highest: int = LOWEST_BAND + BARS - 1
+    tilt: int = 0  # dB an octave by which bars fall from the lowest note upward; from the highest down if negative
+
+    def arguments(self):
+        values = {0: self.polyphony, 1: self.sensitivity}
+        full = self.lowest if self.tilt >= 0 else self.highest
+        for bar in range(BARS):
+            note = LOWEST_BAND + bar
+            inside = self.lowest <= note <= self.highest
+            values[3 + bar] = 10 ** (-self.tilt * (note - full) / 12 / 20) if inside else 0.0
+        return [f"--param={index}={value:.4f}" for index, value in values.items()]
+
+
+OWN = Settings()
+# Coarse on purpose: a finer answer would be about this corpus, not about the instrument.
+POLYPHONY = (0.4, 0.5, 0.6, 0.7, 0.75, 0.8, 0.84, 0.87, 0.92)
+SENSITIVITY = (0.5, 0.625, 0.7, 0.75, 0.8, 0.875, 0.94, 1.0)
+TILT = (0, -3, 1, 2, 3, 6)
+
+
+def counts_of(settings, corpus, folder):
+    heard = heard_by_orva([folder / (piece["name"] + ".wav") for piece in corpus], settings.arguments())
+    return sum((count(piece["notes"], notes) for piece, notes in zip(corpus, heard)), Counter())
+
+
+class Search:
+    """Settings tried on one set of pieces, each but once."""
+
+    def __init__(self, corpus, folder):
+        self.corpus, self.folder, self.tried = corpus, folder, {}
+
+    def value(self, settings):
+        if settings not in self.tried:
+            got = figures(counts_of(settings, self.corpus, self.folder))
+            self.tried[settings] = (got["F50"] + got["F100"]) / 2
+        return self.tried[settings]
+
+    def best(self, candidates):
+        return max(candidates, key=self.value)
+
+    def run(self, shapes):
+        """Two thresholds together, coarsely, as they stand for each other; then one setting at a time until
+        nothing gains."""
+        at = self.best(
+            replace(shapes[0], polyphony=polyphony, sensitivity=sensitivity)
+            for polyphony in POLYPHONY[::2]
+            for sensitivity in SENSITIVITY[1::2]
+        )
+        while True:
+            before = at
+            at = self.best([replace(shape, polyphony=at.polyphony, sensitivity=at.sensitivity) for shape in shapes])
+            at = self.best([replace(at, polyphony=polyphony) for polyphony in POLYPHONY])
+            at = self.best([replace(at, sensitivity=sensitivity) for sensitivity in SENSITIVITY])
+            if at == before:
+                return at
+
+
+def shapes_of(instrument):
+    """The equalizer untouched, and its bars shut outside the instrument's range and falling towards the top."""
+    if instrument is None:
+        return [replace(OWN, tilt=tilt) for tilt in TILT]
+    cut = replace(OWN, lowest=instrument.lowest, highest=instrument.highest)
+    return [replace(cut, tilt=tilt) for tilt in TILT] + [OWN]
+
+
+def main(folder, names):
+    corpus = [json.loads(line) for line in (folder / "corpus.json").read_text().splitlines()]
+    found = {}
+    for instrument in (*INSTRUMENTS, None):
+        name = instrument.name if instrument else "any"
+        if names and name not in names:
+            continue
+        halves = {
+            half: [piece for piece in corpus if piece["half"] == half and name in (piece["instrument"], "any")]
+            for half in ("training", "held out")
+        }
+        search = Search(halves["training"], folder)
+        best = search.run(shapes_of(instrument))
+        at = [best.polyphony, best.sensitivity, best.lowest, best.highest, best.tilt]
+        print(f'    {{{", ".join(map(str, at))}, "{name}"}},  // {len(search.tried)} tried')
+        found[name] = {"settings": at}
+        for half, pieces in halves.items():
+            before, after = (figures(counts_of(settings, pieces, folder)) for settings in (OWN, best))
+            found[name][half] = {"own": before, "found": after}
+            for window in ("F50", "F100"):
+                print(f"        {half:9} {window:5} {before[window]:5.1f} -> {after[window]:5.1f}", flush=True)
+    (folder / "sweep.json").write_text(json.dumps(found, indent=1) + "\n")
+
+
+if __name__ == "__main__":
+    if len(sys.argv) < 2:
+        sys.exit(__doc__)
+    main(Path(sys.argv[1]), sys.argv[2:])
