@@ -128,6 +128,7 @@ TEST_F(Program, RefusesACommandLineThatMakesNoSense) {
         {"render", good, "--param", "Loudness=0.5"},
         {"render", good, "--param", "96=0.5"},
         {"render", good, "--param", "-1=0.5"},
+        {"render", good, "--for", "kazoo"},
         {"render", good, good, "--events", folder / "out.csv"},
         {"render", good, "--events", good},
         {"info", "--plugin"},
@@ -164,6 +165,24 @@ TEST_F(Program, ParametersAreSetByNameOrIndex) {
     EXPECT_EQ(velocity("velocity=0.5"), 63);  // int(0.5 * 127)
     EXPECT_EQ(velocity("2=1"), 127);
     EXPECT_EQ(velocity("2=0.1"), 12);
+}
+
+// C3 lies below a flute. It is parameter 3 + 48 - 24 that opens its bar.
+TEST_F(Program, AStartingPointShutsOutWhatItsInstrumentCannotPlayButParametersHaveTheLastWord) {
+    const std::string low = folder / "low.wav";
+    WriteAudio(low, HeldNote(middleC / 2, 44100, 0.3, 1.0, 1.3), 44100);
+    const auto hears = [&](std::vector<std::string> settings) {
+        settings.insert(settings.begin(), {"render", "--json", low});
+        const Ended ended = RunHost(settings);
+        EXPECT_EQ(ended.code, 0) << ended.err;
+        const Json notes = Json::parse(ended.out)["notes"];
+        return std::any_of(notes.begin(), notes.end(), [](const Json& note) { return note["midi"] == 48; });
+    };
+    EXPECT_TRUE(hears({}));
+    EXPECT_TRUE(hears({"--for", "bass"}));
+    EXPECT_FALSE(hears({"--for", "flute"}));
+    EXPECT_TRUE(hears({"--for", "flute", "--param", "27=1"}));
+    EXPECT_TRUE(hears({"--param", "27=1", "--for", "flute"}));
 }
 
 // One host takes no event dated before its block. Told that it is that host, the plug-in leaves out the delay

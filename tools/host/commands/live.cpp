@@ -30,9 +30,9 @@ struct LiveOptions {
     bool connect = false;                   // the input, to `source`
     std::string source;                     // empty: the first capture port
     std::vector<std::string> destinations;  // of the notes
-    std::vector<std::string> parameters;    // NAME=VALUE
-    std::string plugin;                     // empty: the usual places
-    std::string midi;                       // empty: no file
+    ParameterTexts parameters;
+    std::string plugin;  // empty: the usual places
+    std::string midi;    // empty: no file
     bool list = false;
     bool window = true;
 };
@@ -230,7 +230,7 @@ void AddLive(CLI::App& program, Job& chosen) {
         ->type_name("NAME")
         ->capture_default_str();
     command->add_option("--server", options->server, "the JACK server's name")->type_name("NAME");
-    AddParameterOption(*command, options->parameters);
+    AddParameterOptions(*command, options->parameters);
     command->add_option("--midi", options->midi, "write the notes as a MIDI file at the end")
         ->type_name("OUT.mid");
     command->add_flag("!--no-window", options->window, "the terminal, even where there is a display");

@@ -2,9 +2,14 @@
 #include "tools/host/commands/command.h"
 #include "tools/host/renderer.h"
 
-// The option --param, for each command that has it: its texts, and what they mean for this plug-in.
-void AddParameterOption(CLI::App& command, std::vector<std::string>& texts);
+// The options --for and --param, for each command that has them: their texts, and what they mean for this
+// plug-in.
+struct ParameterTexts {
+    std::string instrument;           // a starting point; empty: the plug-in's own settings
+    std::vector<std::string> values;  // NAME=VALUE
+};
 
-// Errors: UsageError.
-std::vector<ParameterSetting> ParseParameters(const std::vector<std::string>& texts,
-                                              const PluginModule& module);
+void AddParameterOptions(CLI::App& command, ParameterTexts& texts);
+
+// In the order in which they are to be set: the values last. Errors: UsageError.
+std::vector<ParameterSetting> ParseParameters(const ParameterTexts& texts, const PluginModule& module);

@@ -57,10 +57,10 @@ struct RenderOptions {
     bool resume = false;
     bool json = false;
     bool mix = false;
-    std::vector<std::string> parameters;  // NAME=VALUE
-    std::string plugin;                   // empty: the usual places
-    std::string device;                   // empty: none
-    unsigned jobs = 1;                    // 0: one for each core
+    ParameterTexts parameters;
+    std::string plugin;  // empty: the usual places
+    std::string device;  // empty: none
+    unsigned jobs = 1;   // 0: one for each core
     RenderSettings settings;
     NoteCleaning cleaning;
     std::string grid;  // empty: none
@@ -235,7 +235,7 @@ void AddRender(CLI::App& program, Job& chosen) {
                       "pass over recordings whose outputs are there and not older than they are");
     command->add_flag("--json", options->json,
                       "one JSON object a line for each recording, as it is done, instead of the tables");
-    AddParameterOption(*command, options->parameters);
+    AddParameterOptions(*command, options->parameters);
     AddCleaning(*command, *options);
     command->add_option("--block", options->settings.blockSize, "samples a block")
         ->type_name("N")
