@@ -15,7 +15,6 @@ from dataclasses import dataclass
 from pathlib import Path
 
 
-
 def load(name, path):
     spec = importlib.util.spec_from_file_location(name, path)
     module = sys.modules[name] = importlib.util.module_from_spec(spec)
@@ -34,21 +33,21 @@ LOOSENESS = 0.010  # seconds, the most that chance moves a note
 @dataclass
 class Instrument:
     name: str
-    lowest: int  # MIDI notes, the range in which the instrument is written here
-    highest: int
+    written: tuple  # MIDI notes, the lowest and the highest in the corpus
+    reach: tuple  # those that a player may ask of it, within the 84 equalizer bars
     programs: tuple  # General MIDI, from 0; the pieces of a kind take them in turn
     kinds: tuple
 
 
 ALL_KINDS = ("singles", "triads", "four notes", "bass and melody")
 INSTRUMENTS = (
-    Instrument("piano", 36, 96, (0,), ALL_KINDS),  # grand piano
-    Instrument("guitar", 40, 83, (24, 25, 27), ALL_KINDS),  # nylon, steel, clean electric
-    Instrument("bass", 28, 55, (33, 32), ("singles",)),  # fingered electric, acoustic
-    Instrument("organ", 36, 96, (19, 20), ALL_KINDS),  # church, reed; the drawbars also sound an octave below
-    Instrument("strings", 36, 88, (48,), ALL_KINDS),  # ensemble
-    Instrument("flute", 60, 96, (73,), ("singles",)),
-    Instrument("voice", 43, 81, (52, 53), ALL_KINDS),  # choir on "ah", on "oo"
+    Instrument("piano", (36, 96), (24, 96), (0,), ALL_KINDS),  # grand piano; the top octave is hardly ever used
+    Instrument("guitar", (40, 83), (40, 88), (24, 25, 27), ALL_KINDS),  # nylon, steel, clean electric
+    Instrument("bass", (28, 55), (28, 67), (33, 32), ("singles",)),  # fingered electric, acoustic
+    Instrument("organ", (36, 96), (36, 96), (19, 20), ALL_KINDS),  # church, reed; drawbars add the octave below
+    Instrument("strings", (36, 88), (36, 100), (48,), ALL_KINDS),  # ensemble
+    Instrument("flute", (60, 96), (60, 96), (73,), ("singles",)),
+    Instrument("voice", (43, 81), (40, 84), (52, 53), ALL_KINDS),  # choir on "ah", on "oo"
 )
 
 # The pieces of each instrument and kind. The settings are chosen on one half and reported on the other, whose
@@ -117,7 +116,7 @@ def chords(dice, shapes, low, high, lengths=(1, 2, 2), joined=0.92):
 
 
 def study(instrument, kind, dice):
-    low, high = instrument.lowest, instrument.highest
+    low, high = instrument.written
     if kind == "singles":
         return line(dice, low, high, lengths=(0.5, 0.5, 1, 1, 1, 2))
     if kind == "bass and melody":
@@ -136,7 +135,8 @@ def pieces():
                 program = instrument.programs[number % len(instrument.programs)]
                 seed = 1000 * (row + 1) + 10 * ALL_KINDS.index(kind) + number
                 notes = study(instrument, kind, Dice(seed))
-                piece = shipped.Piece(name, name, program, tempo, (4, 4), (0, 0), 0, LOOSENESS, seed, [], notes)
+                title = f"{name}, {level} dB"  # so that another level makes another file, and new sound
+                piece = shipped.Piece(name, title, program, tempo, (4, 4), (0, 0), 0, LOOSENESS, seed, [], notes)
                 yield instrument, kind, half, level, piece
 
 
@@ -145,7 +145,9 @@ def compose(folder):
     folder.mkdir(parents=True, exist_ok=True)
     corpus = []
     for instrument, kind, half, level, piece in pieces():
-        (folder / f"{piece.name}.mid").write_bytes(shipped.midi_file(piece))
+        file, data = folder / f"{piece.name}.mid", shipped.midi_file(piece)
+        if not file.exists() or file.read_bytes() != data:  # else its sound, if there is one, still holds
+            file.write_bytes(data)
         notes = [[round(start, 4), round(end, 4), pitch] for start, end, pitch, _ in shipped.play(piece)]
         corpus.append(
             {

@@ -46,11 +46,14 @@ def count(played, heard):
     """What the figures are made of; counts of several pieces may be added."""
     wide = match(played, heard, WIDE)
     delays = [heard[guess][0] - played[truth][0] for truth, guess in wide]
+    delay = sum(delays) / len(delays) if delays else 0.0
+    punctual = [(start - delay, end - delay, pitch) for start, end, pitch in heard]
     result = Counter(
         played=len(played),
         heard=len(heard),
         narrow=len(match(played, heard, NARROW)),
         wide=len(wide),
+        punctual=len(match(played, punctual, NARROW)),
         with_ends=len(match(played, heard, NARROW, END_SHARE)),
         delay=sum(delays),
     )
@@ -76,10 +79,11 @@ def rates(found, heard, played):
 
 def figures(counts):
     """In percent, but for `delay`: ms by which matched notes start late on the mean, None if none matched.
-    `octaves`, `partials` and `again` are shares of the notes heard, all of them wrong: an octave or two off a
-    sounding note, on another of its partials, or the sounding note struck once more."""
+    "even" is the score at 50 ms after each piece's own mean delay has been taken off what was heard. `octaves`,
+    `partials` and `again` are shares of the notes heard, all of them wrong: an octave or two off a sounding note, on
+    another of its partials, or the sounding note struck once more."""
     result = {"played": counts["played"], "heard": counts["heard"]}
-    for name, found in (("50", "narrow"), ("100", "wide"), ("ends", "with_ends")):
+    for name, found in (("50", "narrow"), ("100", "wide"), ("even", "punctual"), ("ends", "with_ends")):
         precision, recall, f = rates(counts[found], counts["heard"], counts["played"])
         result[f"P{name}"], result[f"R{name}"], result[f"F{name}"] = 100 * precision, 100 * recall, 100 * f
     for wrong in ("octaves", "partials", "again"):
@@ -102,7 +106,7 @@ def self_test():
     expect("the same notes", tune, F50=100.0, F100=100.0, Fends=100.0, octaves=0.0, again=0.0, delay=0.0)
     expect("silence", [], P50=0.0, R50=0.0, F50=0.0, heard=0, delay=None)
     # 70 ms is past the narrow window and within the wide one.
-    expect("70 ms late", late(0.07), F50=0.0, F100=100.0, delay=70.0)
+    expect("70 ms late", late(0.07), F50=0.0, F100=100.0, Feven=100.0, delay=70.0)
     expect("30 ms early", late(-0.03), F50=100.0, delay=-30.0)
     # 2 of 2 heard are right, 2 of 4 played are found: F = 2 x 2 / (2 + 4).
     expect("half of the notes", tune[:2], P50=100.0, R50=50.0, F50=66.7)

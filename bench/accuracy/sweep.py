@@ -4,8 +4,9 @@
     sweep.py FOLDER [INSTRUMENT...]    FOLDER as bench/accuracy/run left it, with corpus.json and the sounds;
                                        without a name all of them, and "any" for the whole corpus in one
 
-Prints a row for each, in the form of tools/host/starting_points.cpp, with the scores on both halves at the plug-in's
-own settings and at those found. What is sought is the mean of the F-measures at 50 and at 100 ms, all notes of an
+Prints the scores on both halves at the plug-in's own settings, at those found, and at parts of those: polyphony,
+sensitivity, the lowest and the highest MIDI note whose bar is open, and dB an octave by which open bars fall.
+What is sought is the mean of the F-measures at 50 and at 100 ms, all notes of an
 instrument together.
 """
 
@@ -29,15 +30,15 @@ class Settings:
     sensitivity: float = 0.875
     lowest: int = LOWEST_BAND  # MIDI notes; bars outside are at 0
     highest: int = LOWEST_BAND + BARS - 1
-    tilt: int = 0  # dB an octave by which bars fall from the lowest note upward; from the highest down if negative
+    slant: int = 0  # dB an octave by which bars fall from the lowest note upward; from the highest down if negative
 
     def arguments(self):
         values = {0: self.polyphony, 1: self.sensitivity}
-        full = self.lowest if self.tilt >= 0 else self.highest
+        full = self.lowest if self.slant >= 0 else self.highest
         for bar in range(BARS):
             note = LOWEST_BAND + bar
             inside = self.lowest <= note <= self.highest
-            values[3 + bar] = 10 ** (-self.tilt * (note - full) / 12 / 20) if inside else 0.0
+            values[3 + bar] = 10 ** (-self.slant * (note - full) / 12 / 20) if inside else 0.0
         return [f"--param={index}={value:.4f}" for index, value in values.items()]
 
 
@@ -45,7 +46,7 @@ OWN = Settings()
 # Coarse on purpose: a finer answer would be about this corpus, not about the instrument.
 POLYPHONY = (0.4, 0.5, 0.6, 0.7, 0.75, 0.8, 0.84, 0.87, 0.92)
 SENSITIVITY = (0.5, 0.625, 0.7, 0.75, 0.8, 0.875, 0.94, 1.0)
-TILT = (0, -3, 1, 2, 3, 6)
+SLANT = (0, -3, 1, 2, 3, 6)
 
 
 def counts_of(settings, corpus, folder):
@@ -86,11 +87,11 @@ class Search:
 
 
 def shapes_of(instrument):
-    """The equalizer untouched, and its bars shut outside the instrument's range and falling towards the top."""
+    """The equalizer untouched, its bars shut outside the instrument's reach, and those left open slanted."""
     if instrument is None:
-        return [replace(OWN, tilt=tilt) for tilt in TILT]
-    cut = replace(OWN, lowest=instrument.lowest, highest=instrument.highest)
-    return [replace(cut, tilt=tilt) for tilt in TILT] + [OWN]
+        return [replace(OWN, slant=slant) for slant in SLANT]
+    lowest, highest = instrument.reach
+    return [replace(OWN, lowest=lowest, highest=highest, slant=slant) for slant in SLANT] + [OWN]
 
 
 def main(folder, names):
@@ -105,15 +106,25 @@ def main(folder, names):
             for half in ("training", "held out")
         }
         search = Search(halves["training"], folder)
-        best = search.run(shapes_of(instrument))
-        at = [best.polyphony, best.sensitivity, best.lowest, best.highest, best.tilt]
-        print(f'    {{{", ".join(map(str, at))}, "{name}"}},  // {len(search.tried)} tried')
-        found[name] = {"settings": at}
-        for half, pieces in halves.items():
-            before, after = (figures(counts_of(settings, pieces, folder)) for settings in (OWN, best))
-            found[name][half] = {"own": before, "found": after}
-            for window in ("F50", "F100"):
-                print(f"        {half:9} {window:5} {before[window]:5.1f} -> {after[window]:5.1f}", flush=True)
+        shapes = shapes_of(instrument)
+        best = search.run(shapes)
+        versions = {
+            "own settings": OWN,
+            "bars alone": replace(best, polyphony=OWN.polyphony, sensitivity=OWN.sensitivity),
+            "thresholds alone": replace(OWN, polyphony=best.polyphony, sensitivity=best.sensitivity),
+            "own sensitivity": replace(best, sensitivity=OWN.sensitivity),
+            "without a slant": search.run([shape for shape in shapes if shape.slant == 0]),
+            "found": best,
+        }
+        found[name] = {
+            label: {"settings": vars(settings)}
+            | {half: figures(counts_of(settings, pieces, folder)) for half, pieces in halves.items()}
+            for label, settings in versions.items()
+        }
+        print(f"{name}, {len(search.tried)} settings tried; F at 50 and 100 ms")
+        for label, version in found[name].items():
+            scores = "".join(f"  {half} {version[half]['F50']:5.1f} {version[half]['F100']:5.1f}" for half in halves)
+            print(f"  {label:17}{scores}  {' '.join(map(str, version['settings'].values()))}", flush=True)
     (folder / "sweep.json").write_text(json.dumps(found, indent=1) + "\n")
 
 

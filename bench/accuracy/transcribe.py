@@ -2,6 +2,7 @@
 
 import json
 import os
+import re
 import subprocess
 import wave
 from pathlib import Path
@@ -17,7 +18,7 @@ RATE = 48000
 def sound_of(corpus, folder):
     """Plays every piece whose sound is older than its notes: mono, 16 bits, without reverb or chorus, the peak
     at the piece's level."""
-    samples = folder / "stereo.raw"
+    samples, unfinished = folder / "stereo.raw", folder / "unfinished.wav"
     for piece in corpus:
         notes, sound = (folder / (piece["name"] + end) for end in (".mid", ".wav"))
         if sound.exists() and sound.stat().st_mtime >= notes.stat().st_mtime:
@@ -27,19 +28,25 @@ def sound_of(corpus, folder):
         subprocess.run(command, check=True, stdout=subprocess.DEVNULL)
         mono = numpy.fromfile(samples, "<f4").reshape(-1, 2).mean(axis=1)
         mono *= 10 ** (piece["level"] / 20) / abs(mono).max()
-        with wave.open(str(sound), "wb") as file:
+        with wave.open(str(unfinished), "wb") as file:
             file.setparams((1, 2, RATE, 0, "NONE", ""))
             file.writeframes((mono * 32767).round().astype("<i2").tobytes())
+        unfinished.replace(sound)
     samples.unlink(missing_ok=True)
 
 
+def starting_points():
+    """The instruments that `orva-host render --for` knows, from its own table."""
+    rows = (ROOT / "tools/host/starting_points.cpp").read_text()
+    return re.findall(r'^ *\{.*"(\w+)"\},$', rows, re.MULTILINE)
+
+
 def heard_by_orva(sounds, settings=()):
-    """The notes of each file, in order. `settings` are further arguments of `orva-host render`."""
+    """The notes of each file, in the order of `sounds`. `settings` are further arguments of `orva-host render`."""
     command = [HOST, "render", "--json", "--jobs", "0", *settings, *sounds]
     output = subprocess.run(command, check=True, text=True, stdout=subprocess.PIPE, stderr=subprocess.PIPE).stdout
-    takes = [json.loads(line) for line in output.splitlines()]
-    assert [take["file"] for take in takes] == [str(sound) for sound in sounds]
-    return [[(note["start"], note["end"], note["midi"]) for note in take["notes"]] for take in takes]
+    takes = {take["file"]: take["notes"] for take in map(json.loads, output.splitlines())}  # as they were done
+    return [[(note["start"], note["end"], note["midi"]) for note in takes[str(sound)]] for sound in sounds]
 
 
 def heard_by_aubio(sounds):
