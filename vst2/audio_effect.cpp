@@ -12,13 +12,10 @@ constexpr float slowestRate = 100;            // Hz; below it a frame of 10 ms h
 constexpr float fastestRate = 2147483648.0F;  // what a 32-bit count of Hz cannot hold any more
 constexpr std::int32_t usualBlock = 1024;     // samples
 
-// A host that calls back whenever it is called would never come to an end. Nobody who means it needs more: an
-// automated value that ends a note, of which the host sets another value, which the display shows.
-constexpr int deepestCall = 4;
-
-// Calls to hosts that are under way on this thread, in all instances. In the storage that a thread has from
-// its begin on: the usual kind is allocated at first use, which may be on an audio thread.
-__attribute__((tls_model("initial-exec"))) thread_local int callsUnderWay = 0;
+// A host that calls back whenever it is called would never come to an end. Nobody who means it nests so deep:
+// an automated value that ends a note, of which the host sets another value, which the display shows. Counted
+// over all threads, since storage of a thread's own may be allocated at its first use, on an audio thread.
+constexpr int mostCalls = 8;
 
 AudioEffect* EffectOf(AEffect* record) {
     return record != nullptr ? static_cast<AudioEffect*>(record->object) : nullptr;
@@ -92,13 +89,16 @@ AudioEffect::~AudioEffect() {
 
 std::intptr_t AudioEffect::CallHost(std::int32_t opcode, std::int32_t index, std::intptr_t value, void* ptr,
                                     float opt) {
-    if (audioMaster == nullptr || callsUnderWay >= deepestCall) return 0;
+    if (audioMaster == nullptr) return 0;
     struct Call {
-        Call() { ++callsUnderWay; }
-        ~Call() { --callsUnderWay; }
+        explicit Call(std::atomic<int>& all) : count(all), number(++count) {}
+        ~Call() { --count; }
         Call(const Call&) = delete;
         Call& operator=(const Call&) = delete;
-    } const call;
+        std::atomic<int>& count;
+        const int number;
+    } const call(callsUnderWay);
+    if (call.number > mostCalls) return 0;
     return audioMaster(&record, opcode, index, value, ptr, opt);
 }
 

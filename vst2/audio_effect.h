@@ -1,4 +1,5 @@
 #pragma once
+#include <atomic>
 #include <cstddef>
 #include <memory>
 
@@ -79,7 +80,8 @@ protected:
     void programsAreChunks(bool are) { SetFlag(effFlagsProgramChunks, are); }
     void setEditor(AEffEditor* newEditor);  // not owned here; its presence is declared to the host
 
-    // 0 without asking where the host has called back several calls deep on this thread.
+    // 0 without asking where eight calls to the host are under way already, as from one that calls back
+    // without end.
     std::intptr_t CallHost(std::int32_t opcode, std::int32_t index = 0, std::intptr_t value = 0,
                            void* ptr = nullptr, float opt = 0);
 
@@ -88,7 +90,8 @@ protected:
 private:
     void SetFlag(std::int32_t flag, bool on);
 
-    audioMasterCallback audioMaster;  // may be null
+    audioMasterCallback audioMaster;    // may be null
+    std::atomic<int> callsUnderWay{0};  // to the host, on all threads
     AEffect record;
     Relaxed<float> sampleRate;        // Hz; asked of the host once, at construction
     Relaxed<std::int32_t> blockSize;  // samples

@@ -7,6 +7,8 @@ namespace {
 // The one whose block this thread is in: tells messages from inside the block from those of other threads.
 thread_local const LivePlugin* hearing = nullptr;
 
+constexpr std::int32_t firstBar = 3, bars = 84;  // parameters of the equalizer
+
 }  // namespace
 
 // The longest period is announced first, so that every buffer is there whatever the server changes to.
@@ -49,6 +51,9 @@ void LivePlugin::Change(std::int32_t newRate, std::int32_t newPeriod) {
     rate = newRate;
     period = newPeriod;
     plugin.Change(newRate, std::min(newPeriod, longestBlock));
+    // A new rate takes the gains of the equalizer's bars from the detector; the bars keep their values.
+    for (std::int32_t bar = firstBar; bar < firstBar + bars; ++bar)
+        plugin.SetParameter(bar, plugin.Parameter(bar));
 }
 
 void LivePlugin::Stop() {
