@@ -228,29 +228,30 @@ template <typename Sample>
 void ModelPlugin::Process(const Sample* in, std::int32_t frames) {
     if (firstBlock && !hostAsked && !kind.is24) SayToHost(audioMasterWantMidi, 1);
     firstBlock = false;
-    std::vector<short> block(frames > 0 ? static_cast<std::size_t>(frames) : 0);
-    if (in != nullptr)
-        for (std::size_t i = 0; i < block.size(); ++i)
-            block[i] = static_cast<short>(TruncateToInt32(in[i] * static_cast<Sample>(30000)));
-    DeliverBlock(block);
+    const std::size_t count = frames > 0 ? static_cast<std::size_t>(frames) : 0;
+    std::vector<short> block(in != nullptr ? count : 0);
+    for (std::size_t i = 0; i < block.size(); ++i)
+        block[i] = static_cast<short>(TruncateToInt32(in[i] * static_cast<Sample>(30000)));
+    DeliverBlock(block, count);
 }
 template void ModelPlugin::Process(const float*, std::int32_t);
 template void ModelPlugin::Process(const double*, std::int32_t);
 
-void ModelPlugin::DeliverBlock(const std::vector<short>& block) {
+// A block without samples is silence of that length.
+void ModelPlugin::DeliverBlock(const std::vector<short>& block, std::size_t count) {
     const auto now = static_cast<std::int64_t>(totalSamples);
     if (!stopped && recorder.time + recorder.frameLength < now) recorder.time = now;
     std::int64_t sum = 0;
     for (const short sample : block) sum += sample;
     if (sum == 0) {
-        silentSamples += block.size();
+        silentSamples += count;
         StopDetection();
     } else {
         silentSamples = 0;
         StartDetection();
         detector.Process(block.data(), static_cast<unsigned>(block.size() * sizeof(short)));
     }
-    totalSamples += block.size();
+    totalSamples += count;
 }
 
 void ModelPlugin::StartDetection() {

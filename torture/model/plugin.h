@@ -52,7 +52,7 @@ public:
     std::string programName = "Default";
 
 private:
-    void DeliverBlock(const std::vector<short>& block);
+    void DeliverBlock(const std::vector<short>& block, std::size_t count);
     void StartDetection();
     void StopDetection();
     void Suspend();

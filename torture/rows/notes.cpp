@@ -1,7 +1,6 @@
 // From flags to messages: a substitute for the detector drives the handler and its outputs.
 #include <algorithm>
 #include <cstring>
-#include <map>
 #include <memory>
 
 #include "delivery/note_recorder.h"
@@ -17,6 +16,11 @@ std::string Told(const ModelTakeEvent& event) {
     std::snprintf(text, sizeof text, "%06x at %lld, level %a", event.message,
                   static_cast<long long>(event.time), static_cast<double>(event.level));
     return text;
+}
+
+// The channel and the note of a message.
+std::size_t Key(std::uint32_t message) {
+    return (message & 15) << 7 | (message >> 8 & 127);
 }
 
 class InventedDetector : public INoteDetector {
@@ -138,7 +142,8 @@ public:
         trial.Require(effect.proper, "an event of another shape");
         if (effect.sent != expected) Differ();
         for (const ModelHostCall& call : expected) {
-            const std::uint32_t status = call.message & 0xF0, key = call.message & 0xFF0F;
+            const std::uint32_t status = call.message & 0xF0;
+            const std::size_t key = Key(call.message);
             const bool isLegal =
                 (call.message & 0xFF808000) == 0 && (status == 0x80 || status == 0x90 || status == 0xC0);
             trial.Require(isLegal || call.message == 0, "no MIDI message");
@@ -169,7 +174,7 @@ public:
     void CheckBalance() {
         for (int band = 0; band < detector.numBands; ++band) {
             if (model.onMessage[band] == 0) continue;
-            const int count = sounding[model.onMessage[band] & 0xFF0F];
+            const int count = sounding[Key(model.onMessage[band])];
             trial.Require(count == (modelOut->running && model.playing[band] ? 1 : 0),
                           "band " + std::to_string(band) + " was switched on " + std::to_string(count) +
                               " times more than off");
@@ -182,7 +187,7 @@ public:
     }
 
     std::uint64_t events = 0;
-    std::map<std::uint32_t, int> sounding;  // ons less offs, by channel and note
+    std::vector<int> sounding = std::vector<int>(2048);  // ons less offs, by Key
     Trial& trial;
     InventedDetector detector;
     Effect effect;
@@ -264,9 +269,9 @@ void TryBalance(Trial& trial) {
                 road.Stop();
                 road.AllNotesOff();
                 road.Compare();
-                for (const auto& [key, count] : road.sounding)
+                for (const int count : road.sounding)
                     trial.Require(disturbed || count == 0, "a note hangs after a suspend");
-                road.sounding.clear();
+                road.sounding.assign(2048, 0);
                 disturbed = false;
                 break;
             default: road.Frame();

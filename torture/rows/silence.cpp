@@ -43,7 +43,9 @@ void TryPartition(Trial& trial) {
         const auto from = piece.begin() + static_cast<std::ptrdiff_t>(at);
         both.Play({from, from + static_cast<std::ptrdiff_t>(length)},
                   static_cast<SideBySide::Door>(trial.Below(3)));
-        if (trial.OneIn(200)) both.PlayFrames(70000 + static_cast<std::int32_t>(trial.Below(70000)));
+        if (trial.OneIn(60))  // up to four seconds, in pieces: three stop the further outputs
+            for (std::uint64_t pieces = 1 + trial.Below(4); pieces > 0; --pieces)
+                both.PlayFrames(static_cast<std::int32_t>(trial.Below(45000)));
         at += length;
     }
     both.CompareState();

@@ -6,7 +6,7 @@
 #include "torture/model/side_by_side.h"
 
 #if defined(__SANITIZE_ADDRESS__)
-#include <sanitizer/allocator_interface.h>
+extern "C" std::size_t __sanitizer_get_current_allocated_bytes();  // the header is clang's
 #endif
 
 namespace {
