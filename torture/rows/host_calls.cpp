@@ -71,7 +71,7 @@ const Registered anyOrder({"LIF-2", "twenty calls in any order are answered as t
 
 // Hosts as they are, each playing its own habits: 600 cases of 1000 calls.
 enum Profile { reader, early, careful, echoing, scanner, needsOffsets, profileCount };
-constexpr std::uint64_t perProfile = 100;
+constexpr std::uint64_t perProfile = 100, hostBatch = 10;
 
 void Habit(Trial& trial, SideBySide& both, Profile profile) {
     const auto index = static_cast<std::int32_t>(trial.Below(96));
@@ -111,7 +111,7 @@ void Habit(Trial& trial, SideBySide& both, Profile profile) {
 }
 
 void TryHost(Trial& trial) {
-    const auto profile = static_cast<Profile>(trial.number / perProfile);
+    const auto profile = static_cast<Profile>(trial.number / hostBatch % profileCount);
     const bool isOld = profile == early;
     const ModelHostKind kind{!isOld, profile == needsOffsets, profile == reader ? 0.0F : 48000.0F};
     SideBySide both(trial, kind);
