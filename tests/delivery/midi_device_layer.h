@@ -76,7 +76,7 @@ public:
     std::map<MidiOutHandle, std::uint32_t> open;  // to device ids
 
 private:
-    void Note(std::string call) {
+    void Note(const std::string& call) {
         calls.push_back(call);
         during(call);
     }

@@ -6,7 +6,7 @@
 #include "engine/real_time_detector.h"
 #include "torture/model/recorder.h"
 
-// What the plug-in does about a host.
+// What matters of a host.
 struct ModelHostKind {
     bool is24 = true;  // speaks version 2400 exactly
     bool isAbleton = false;

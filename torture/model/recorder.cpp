@@ -180,7 +180,7 @@ std::int64_t ModelRecording::TimeOf(int band) const {
 
 // A note that is finished, if it is long enough.
 void ModelRecording::Push(int band, std::int64_t end) {
-    const Track& track = tracks[band];
+    const Track& track = Of(band);
     if (end - track.start <= minNoteLength) return;
     pending.push_back({track.start, recorder->onMessage[band], track.peak});
     pending.push_back({end, recorder->offMessage[band], track.peak});
@@ -188,7 +188,7 @@ void ModelRecording::Push(int band, std::int64_t end) {
 
 void ModelRecording::NoteOn(int band) {
     if (recorder->onMessage[band] == 0) return;
-    Track& track = tracks[band];
+    Track& track = Of(band);
     const std::int64_t now = TimeOf(band);
     const bool resumes = track.state == on || (track.state == released && now - track.end <= minNoteGap);
     if (track.state == released && !resumes) Push(band, track.end);
@@ -198,7 +198,7 @@ void ModelRecording::NoteOn(int band) {
 }
 
 void ModelRecording::NoteOff(int band) {
-    Track& track = tracks[band];
+    Track& track = Of(band);
     if (recorder->offMessage[band] == 0 || track.state != on) return;
     track.state = released;
     track.end = TimeOf(band);
@@ -228,17 +228,17 @@ void ModelRecording::Update() {
     ModelOut::Update();
     for (int band = 0; band < recorder->numBands; ++band)
         if (recorder->Sounds(band))
-            tracks[band].peak = std::max(tracks[band].peak, recorder->detector->bandLevel[band]);
+            Of(band).peak = std::max(Of(band).peak, recorder->detector->bandLevel[band]);
 }
 
 // Velocities go with the fourth root of the level; the loudest note of a flush has the setting itself.
 void ModelRecording::Silence() {
     for (int band = 0; band < recorder->numBands; ++band) {
         if (recorder->onMessage[band] != 0) {
-            if (tracks[band].state == on) Push(band, recorder->time - origin);
-            if (tracks[band].state == released) Push(band, tracks[band].end);
+            if (Of(band).state == on) Push(band, recorder->time - origin);
+            if (Of(band).state == released) Push(band, Of(band).end);
         }
-        tracks[band].state = idle;
+        Of(band).state = idle;
     }
     const auto isNoteOn = [](const ModelTakeEvent& event) { return (event.message & 0xF0) == 0x90; };
     const auto root = [](float level) { return std::sqrt(std::sqrt(level)); };

@@ -135,6 +135,7 @@ private:
     std::int64_t Now() const;
     std::int64_t TimeOf(int band) const;
     void Push(int band, std::int64_t end);
+    Track& Of(int band) { return tracks[static_cast<std::size_t>(band)]; }
     std::vector<Track> tracks = std::vector<Track>(128);
     std::vector<ModelTakeEvent> pending;
 };

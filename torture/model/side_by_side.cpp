@@ -73,7 +73,7 @@ ModelHostKind KindOfBatch(const Trial& trial, std::uint64_t batch) {
 
 SideBySide::SideBySide(Trial& caseTrial, const ModelHostKind& hostKind)
     : model(hostKind), trial(caseTrial), kind(hostKind) {
-    unsetenv("DISPLAY");  // no window: its place is elsewhere
+    unsetenv("DISPLAY");  // NOLINT(concurrency-mt-unsafe): no window here, and one thread
     current = this;
     SubstituteMidiOut(&layer);
     SubstituteSystemMessageBox(this);
@@ -128,9 +128,8 @@ std::intptr_t SideBySide::Call(std::int32_t opcode, std::int32_t index, std::int
     const std::intptr_t right = model.Dispatch(opcode, index, value, text ? expected.bytes : nullptr, opt);
     Same<std::int64_t>(answer, right, what);
     if (opcode == effEditGetRect && text) {
-        ERect* rect = nullptr;
-        std::memcpy(&rect, met.bytes, sizeof rect);
-        Same<std::int64_t>(rect->top | rect->left | rect->bottom << 16 | rect->right, 320 << 16 | 400,
+        const ERect& rect = **reinterpret_cast<ERect**>(met.bytes);
+        Same<std::int64_t>(rect.top | rect.left | rect.bottom << 16 | rect.right, 320 << 16 | 400,
                            "rectangle");
     } else {
         Same(std::string(met.bytes, sizeof met.bytes), std::string(expected.bytes, sizeof met.bytes), what);

@@ -45,7 +45,6 @@ public:
     void CompareState();
     void RefuseOpens(std::uint32_t device, std::uint32_t code);  // 0: opens again
 
-    CORVAguivst& Object() const { return *object; }
     AEffect* Effect() const { return effect; }
 
     ModelPlugin model;

@@ -93,7 +93,8 @@ public:
         detector.Next(trial);
         recorder.OnFrame();
         model.OnFrame();
-        if (trial.OneIn(3)) effect.total += trial.Below(static_cast<std::uint64_t>(2 * detector.frameLength));
+        if (trial.OneIn(3))
+            effect.total += trial.Below(2 * static_cast<std::uint64_t>(detector.frameLength.load()));
     }
     // The clock comes up to the samples delivered, as it does at the edges of a silence.
     void SetTime() {
