@@ -67,5 +67,5 @@ std::string HostFacts(AudioEffectX& effect) {
     for (const char* const capability : hostCapabilities)
         lines << std::left << std::setw(31) << capability << ": " << effect.canHostDo(capability) << "\n";
     lines << "\n";
-    return lines.str();
+    return lines ? lines.str() : std::string();  // no half of it where memory is short
 }

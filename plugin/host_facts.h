@@ -10,5 +10,6 @@ class AudioEffectX;
 bool hostIsVst24(AudioEffectX& effect);    // the host speaks version 2400 exactly; a later one counts as no
 bool hostIsAbleton(AudioEffectX& effect);  // the vendor text is exactly the one whose hosts need offsets >= 0
 
-// What the host says of itself and of its capabilities, in lines for the log. Asks the host at each call.
+// What the host says of itself and of its capabilities, in lines for the log; empty where memory is short.
+// Asks the host at each call.
 std::string HostFacts(AudioEffectX& effect);

@@ -4,6 +4,7 @@
 #include <fstream>
 
 void MemLog::append(const std::string& block) {
+    if (block.empty()) return;
     const std::lock_guard<std::mutex> held(guard);
     const auto known = std::find(blocks.begin(), blocks.end(), block);
     const auto index = static_cast<std::size_t>(known - blocks.begin());
