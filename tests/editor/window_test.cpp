@@ -247,7 +247,7 @@ TEST_F(Window, EachColumnOfThePictureShowsTheLevelsPixelByPixel) {
             const float height =
                 level > 0 ? (std::log(level) - host->plugin.levelAverage) * 70.0F + 254.0F : 0.0F;
             levels[static_cast<std::size_t>(band)] =
-                heard.GetBandOn(band) ? 255 : static_cast<unsigned char>(std::clamp(height, 0.0F, 254.0F));
+                static_cast<unsigned char>(heard.GetBandOn(band) ? 255.0F : std::clamp(height, 0.0F, 254.0F));
         }
         std::vector<std::uint32_t> pixels;
         for (const int byte : ColumnOf(levels)) {
