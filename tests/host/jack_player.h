@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/platform/jack_server.h"
+#include "tests/platform/jack_client.h"
 
 // A client with an audio output, "NAME:out", that plays samples once, and an audio input, "NAME:in", that
 // keeps what arrives.
@@ -40,6 +40,8 @@ public:
     bool IsHeard() const { return jack_port_connected(out) > 0; }
     void Play() { playing = true; }  // from the next period on
     bool HasPlayed() const { return at.load() == samples.size(); }
+    // When its period of the first sample began, on the server's clock of samples; counts once it HasPlayed.
+    jack_nframes_t BeganAt() const { return beganAt; }
     // What has arrived, from the first sample that is not zero on.
     std::vector<float> Heard() const {
         const auto end = kept.begin() + static_cast<std::ptrdiff_t>(keptCount.load());
@@ -52,6 +54,7 @@ private:
         const auto* const arrived = static_cast<const float*>(jack_port_get_buffer(in, frames));
         const std::size_t from = at.load();
         const std::size_t count = playing ? std::min<std::size_t>(frames, samples.size() - from) : 0;
+        if (from == 0 && count > 0) beganAt = jack_last_frame_time(client);
         std::fill_n(std::copy_n(samples.data() + from, count, played), frames - count, 0.0F);
         at.store(from + count);
         const std::size_t first = keptCount.load();
@@ -68,6 +71,7 @@ private:
     jack_port_t* in = nullptr;
     std::atomic<std::size_t> at{0};         // samples played
     std::atomic<std::size_t> keptCount{0};  // samples in kept
+    std::atomic<jack_nframes_t> beganAt{0};
     std::atomic<bool> playing{false};
     std::atomic<bool> serverDied{false};
 };

@@ -12,6 +12,7 @@
 #include "jack_player.h"
 #include "midi_file_reader.h"
 #include "temp_folder.h"
+#include "tests/platform/jack_server.h"
 #include "tools/host/note_list.h"
 #include "tools/host/renderer.h"
 

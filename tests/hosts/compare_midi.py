@@ -2,9 +2,10 @@
 
 A host takes a note in the block in which it is sent, and not where it began: it may stand as much later as its
 recognition takes, and one block; never earlier, and the notes of a key in their order. Where in a block the host began to play is
-not known, and decides where the frames of the recognition lie: it is found by trying every sample of a block.
+not known, and decides where the frames of the recognition lie: it is found by trying every sample of a block. Where
+it is known, since the recording is a table of events with their times, it is the begin of the block.
 
-    compare_midi.py RECORDED.mid AUDIO.wav BLOCK    (BLOCK in samples; orva-host from $ORVA_BUILD)
+    compare_midi.py RECORDED.mid|RECORDED.csv AUDIO.wav BLOCK    (BLOCK in samples; orva-host from $ORVA_BUILD)
 """
 import csv
 import io
@@ -20,8 +21,17 @@ ROUNDING = 0.001  # s; of a MIDI file's ticks, and of the host's clock
 AT_ONCE = 64  # alignments
 
 
+def table(path):
+    """(s, on, key) of a table of events as orva-host writes it."""
+    with open(path, newline="") as events:
+        return [(float(row["time"]), row["kind"] == "note on", int(row["data1"]))
+                for row in csv.DictReader(events) if row["kind"] in ("note on", "note off")]
+
+
 def recorded(path):
     """(s, on, key), in the order of the file."""
+    if path.endswith(".csv"):
+        return table(path)
     text = subprocess.run(["midicsv", path], capture_output=True, check=True).stdout.decode("latin1")
     rows = [[field.strip() for field in row] for row in csv.reader(io.StringIO(text))]
     division = next(int(row[5]) for row in rows if row[2] == "Header")
@@ -42,9 +52,7 @@ def rendered(audio, block, shifts, folder):
     subprocess.run([f"{os.environ['ORVA_BUILD']}/orva-host", "render", *map(str, files), "--block", str(block),
                     "--events", str(folder), "--jobs", "2"], stdout=subprocess.DEVNULL, check=True)
     for file, shift in zip(files, shifts):
-        with open(file.with_suffix(".csv"), newline="") as events:
-            yield [(float(row["time"]) - shift / form.framerate, row["kind"] == "note on", int(row["data1"]))
-                   for row in csv.DictReader(events) if row["kind"] in ("note on", "note off")]
+        yield [(time - shift / form.framerate, on, key) for time, on, key in table(file.with_suffix(".csv"))]
         file.unlink()
 
 
@@ -82,9 +90,10 @@ def main():
     with wave.open(audio) as sound:
         block_seconds = block / sound.getframerate()
     nearest = None
-    for begin in range(0, block, AT_ONCE):
+    begins = 1 if sys.argv[1].endswith(".csv") else block
+    for begin in range(0, begins, AT_ONCE):
         with tempfile.TemporaryDirectory() as folder:
-            shifts = range(begin, begin + AT_ONCE)
+            shifts = range(begin, min(begin + AT_ONCE, begins))
             for shift, expected in zip(shifts, rendered(audio, block, shifts, pathlib.Path(folder))):
                 faults, lag = compare(heard, expected, block_seconds)
                 if not faults:

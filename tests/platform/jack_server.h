@@ -27,14 +27,7 @@
 #include <vector>
 
 #include "gtest/gtest.h"
-
-// A client of the server that the environment names, or null.
-inline jack_client_t* QuietJackClient(const char* name) {
-    jack_set_error_function([](const char*) {});
-    jack_client_t* const client = jack_client_open(name, JackNoStartServer, nullptr);
-    jack_set_error_function(nullptr);
-    return client;
-}
+#include "tests/platform/jack_client.h"
 
 // A JACK server without a sound card, for one test, under a name of its own, so that it never meets a user's.
 // While it exists, the clients of this process go to it. Where it does not start, the test ends with an
