@@ -4,6 +4,7 @@ set(flavour plain)
 if(ORVA_SANITIZE)
   set(flavour ${ORVA_SANITIZE})
 endif()
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/scripts/toolkit)
 execute_process(COMMAND ${PROJECT_SOURCE_DIR}/scripts/toolkit ${flavour}
   OUTPUT_VARIABLE vstgui_root OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
 

@@ -114,6 +114,14 @@ TEST_F(Controls, ASliderTellsTheHostWhatTheMouseSets) {
     EXPECT_THAT(host->ToldOf(2), IsEmpty());
 }
 
+// A hand moves on while the host gives the window no time.
+TEST_F(Controls, ASliderStandsWhereAQuickHandLetItGo) {
+    Open();
+    host->Fling(80, 90, 80, 305);  // from its beginning to below its lower end
+    host->Settle();
+    EXPECT_EQ(host->plugin.getParameter(1), 0.0F);
+}
+
 TEST_F(Controls, AFreehandStrokeSetsEveryBarItPasses) {
     host->plugin.setParameter(92, 3.0F);
     Open();

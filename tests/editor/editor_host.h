@@ -87,6 +87,11 @@ public:
 
     // The mouse from outside, by the display's own means.
     void MoveTo(int x, int y) { Tool({"mousemove", std::to_string(x), std::to_string(y)}); }
+    void Fling(int x, int y, int toX, int toY) {  // drag by a hand that is quicker than the window
+        Tool({"mousemove", std::to_string(x), std::to_string(y), "mousedown", "1", "mousemove",
+              std::to_string((x + toX) / 2), std::to_string((y + toY) / 2), "mousemove", std::to_string(toX),
+              std::to_string(toY), "mouseup", "1"});
+    }
     void Press() { Tool({"mousedown", "1"}); }
     void Release() { Tool({"mouseup", "1"}); }
     void Click(int x, int y) {
