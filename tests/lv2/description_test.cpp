@@ -27,7 +27,6 @@ using Node = std::unique_ptr<LilvNode, NodeEnd>;
 class Description : public testing::Test {
 protected:
     Description() : world(lilv_world_new()) {
-        lilv_world_load_specifications(world);
         const Node bundle(lilv_new_file_uri(world, nullptr, ORVA_BUNDLE "/"));
         lilv_world_load_bundle(world, bundle.get());
         plugin = lilv_plugins_get_by_uri(lilv_world_get_all_plugins(world), Uri(pluginUri).get());
