@@ -1,7 +1,7 @@
 // What the sanitizers must not count against us. The text library reads its fonts in a thread of its own; it
 // and the libraries under it are not instrumented, so their locks go unseen. The font library keeps its
-// configuration to the end, and the C library the folders in which a row makes it look for locales. Visible,
-// or the sanitizers' own library would not find them.
+// configuration to the end, and the C library the list of folders in which a row makes it look for locales.
+// Visible, or the sanitizers' own library would not find them.
 //
 // A report ends its process at once: a batch that is cut short must not take it along.
 extern "C" {
