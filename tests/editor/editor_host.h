@@ -14,6 +14,7 @@
 #include "editor/editor_factory.h"
 #include "plugin/gui_plugin_ex.h"
 #include "tests/editor/display_server.h"
+#include "tests/editor/parent_window.h"
 
 // What a host sees of the plug-in and its editor: a window of its own at the display's upper left corner, the
 // host calls, and the changes that the plug-in tells it.
@@ -43,12 +44,7 @@ public:
         MakeParent();
     }
     void MakeParent() {
-        parent = xcb_generate_id(connection);
-        const std::uint32_t values[] = {screen->white_pixel, 1};
-        xcb_create_window(connection, XCB_COPY_FROM_PARENT, parent, screen->root, 0, 0, 400, 320, 0,
-                          XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
-                          XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT, values);
-        xcb_map_window(connection, parent);
+        parent = MakeParentWindow(connection, screen);
         Sync();
     }
     void Sync() { free(xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr)); }

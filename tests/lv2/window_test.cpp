@@ -13,6 +13,7 @@
 #include "platform/message_box.h"
 #include "tests/delivery/midi_device_layer.h"
 #include "tests/editor/display_server.h"
+#include "tests/editor/parent_window.h"
 #include "tests/lv2/lv2_host.h"
 
 namespace {
@@ -38,12 +39,7 @@ class Desktop {
 public:
     Desktop() : connection(xcb_connect(nullptr, nullptr)) {
         screen = xcb_setup_roots_iterator(xcb_get_setup(connection)).data;
-        parent = xcb_generate_id(connection);
-        const std::uint32_t values[] = {screen->white_pixel, 1};
-        xcb_create_window(connection, XCB_COPY_FROM_PARENT, parent, screen->root, 0, 0, 400, 320, 0,
-                          XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
-                          XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT, values);
-        xcb_map_window(connection, parent);
+        parent = MakeParentWindow(connection, screen);
         Children(parent);  // an answer says that it is there
     }
     ~Desktop() { xcb_disconnect(connection); }

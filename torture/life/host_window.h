@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "tests/editor/display_server.h"
+#include "tests/editor/parent_window.h"
 
 // A display of the process's own, started at the first request and ended with the process.
 inline DisplayServer& OwnDisplay() {
@@ -20,12 +21,7 @@ public:
         OwnDisplay();
         connection = xcb_connect(nullptr, nullptr);
         const xcb_screen_t* const screen = xcb_setup_roots_iterator(xcb_get_setup(connection)).data;
-        window = xcb_generate_id(connection);
-        const std::uint32_t values[] = {screen->white_pixel, 1};
-        xcb_create_window(connection, XCB_COPY_FROM_PARENT, window, screen->root, 0, 0, 400, 320, 0,
-                          XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
-                          XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT, values);
-        xcb_map_window(connection, window);
+        window = MakeParentWindow(connection, screen);
         Children();
     }
     ~HostWindow() { xcb_disconnect(connection); }
