@@ -24,14 +24,6 @@ Toolkit& TheToolkit() {
     return toolkit.value;
 }
 
-// The toolkit does not look whether its connection came about.
-bool DisplayIsThere() {
-    xcb_connection_t* probe = xcb_connect(nullptr, nullptr);
-    const bool there = xcb_connection_has_error(probe) == 0;
-    xcb_disconnect(probe);
-    return there;
-}
-
 xcb_visualtype_t* RootVisual(const xcb_screen_t* screen) {
     for (auto depth = xcb_screen_allowed_depths_iterator(screen); depth.rem > 0; xcb_depth_next(&depth))
         for (auto visual = xcb_depth_visuals_iterator(depth.data); visual.rem > 0;
@@ -58,10 +50,13 @@ std::recursive_mutex& ToolkitLock() {
 std::unique_ptr<ToolkitSession> ToolkitSession::Begin() {
     Toolkit& toolkit = TheToolkit();
     if (toolkit.sessions == 0) {
-        if (!DisplayIsThere()) return nullptr;
         VSTGUI::init(nullptr);
         toolkit.loop = VSTGUI::makeOwned<EditorRunLoop>();
         VSTGUI::X11::RunLoop::init(toolkit.loop);
+        if (ConnectionLost()) {
+            End();
+            return nullptr;
+        }
         toolkit.device = DeviceOf(Connection());
     }
     ++toolkit.sessions;
@@ -74,9 +69,13 @@ ToolkitSession::~ToolkitSession() {
     cairo_device_finish(toolkit.device);
     cairo_device_destroy(toolkit.device);
     toolkit.device = nullptr;
+    End();
+}
+
+void ToolkitSession::End() {
     VSTGUI::X11::RunLoop::exit();
     VSTGUI::exit();
-    toolkit.loop = nullptr;
+    TheToolkit().loop = nullptr;
 }
 
 EditorRunLoop& ToolkitSession::Loop() {

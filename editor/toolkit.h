@@ -31,4 +31,5 @@ public:
 
 private:
     ToolkitSession() = default;
+    static void End();
 };
