@@ -138,18 +138,22 @@ void COptionsFrame::setParameter(std::int32_t index, float value) {
         control->setValue(newValue);
         control->setDirty();
     };
+    // A host may set a switch to any value; the picture of one that is on belongs to 1 alone.
+    const auto turn = [&set](CControl* control, float newValue) {
+        set(control, newValue > 0.5F ? 1.0F : 0.0F);
+    };
     switch (index) {
         case tagInstrument:
             set(instrument, value);
             RefreshInstrumentLabel();
             break;
         case tagDevice: set(deviceMenu, value * lastDevice); break;
-        case tagDeviceEnabled: set(deviceEnabled, value); break;
+        case tagDeviceEnabled: turn(deviceEnabled, value); break;
         case tagChannel: set(channelMenu, value * lastChannel); break;
-        case tagOutputToHost: set(outputToHost, value); break;
-        case tagChordsEnabled: set(chordsEnabled, value); break;
+        case tagOutputToHost: turn(outputToHost, value); break;
+        case tagChordsEnabled: turn(chordsEnabled, value); break;
         case tagChordsDelay: set(chordsDelay, value); break;
-        case tagSendProgramChange: set(sendProgramChange, value); break;
+        case tagSendProgramChange: turn(sendProgramChange, value); break;
         default: break;
     }
 }
