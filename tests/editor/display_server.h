@@ -30,9 +30,9 @@ public:
         posix_spawn_file_actions_adddup2(&files, number[1], 3);
         posix_spawn_file_actions_addopen(&files, 2, "/dev/null", O_WRONLY, 0);
         // It ends with whoever started it, however that one ends.
-        const char* command[] = {"setpriv", "--pdeathsig", "KILL", "Xvfb",        "-displayfd",
-                                 "3",       "-screen",     "0",    "1024x768x24", "-nolisten",
-                                 "tcp",     "-noreset",    nullptr};
+        const char* command[] = {
+            "setpriv",     "--pdeathsig", "KILL", "Xvfb",     "-displayfd", "3", "-screen",  "0",
+            "1024x768x24", "-nolisten",   "tcp",  "-noreset", "-screen",    "1", "64x64x24", nullptr};
         const int fault =
             posix_spawnp(&server, command[0], &files, nullptr, const_cast<char**>(command), environ);
         posix_spawn_file_actions_destroy(&files);
