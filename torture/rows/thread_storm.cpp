@@ -3,7 +3,6 @@
 
 #include <atomic>
 #include <cstdio>
-#include <optional>
 #include <thread>
 
 #include "torture/life/counting_devices.h"
@@ -18,12 +17,6 @@ constexpr long callsEach = 20000;           // of a case,
 constexpr long blocksEach = callsEach / 8;  // of which are process calls, at least
 constexpr std::size_t longestBlock = 1024;  // samples
 constexpr auto patience = std::chrono::seconds(5);
-
-#if defined(__SANITIZE_THREAD__)
-constexpr bool withEditor = false;  // its libraries are not instrumented
-#else
-constexpr bool withEditor = true;
-#endif
 
 using Random = std::minstd_rand;
 
@@ -160,17 +153,11 @@ void Control(Random& random) {
     }
 }
 
-// The user: with a window where there is a display, else what its buttons do.
+// The user, with a window and its buttons.
 class User {
 public:
-    User() {
-        if (!withEditor) return;
-        window.emplace();
-        folder = "/tmp/orva_storm_" + std::to_string(getpid());
-    }
-    ~User() {
-        if (!folder.empty()) std::remove(folder.c_str());
-    }
+    User() = default;
+    ~User() { std::remove(take.c_str()); }
     User(const User&) = delete;
     User& operator=(const User&) = delete;
 
@@ -183,10 +170,7 @@ public:
             case 1: Step("stopRecording"), object.stopRecording(); break;
             case 2: Save(object); break;
             case 3: Step("effEditGetRect"), plug.Call(effEditGetRect, 0, 0, &rect); break;
-            case 4:
-                if (!window) break;
-                Step("effEditOpen"), plug.Call(effEditOpen, 0, 0, window->Handle());
-                break;
+            case 4: Step("effEditOpen"), plug.Call(effEditOpen, 0, 0, window.Handle()); break;
             case 5: Step("effEditClose"), plug.Call(effEditClose); break;
             case 6:
             case 7:
@@ -206,10 +190,10 @@ private:
     void Save(CORVAguivst& object) {
         Step("save");
         if (object.recordingOn) object.stopRecording();
-        if (!object.nothingRecorded()) object.saveRecording(folder.empty() ? "/dev/null" : folder);
+        if (!object.nothingRecorded()) object.saveRecording(take);
     }
-    std::optional<HostWindow> window;
-    std::string folder;
+    HostWindow window;
+    const std::string take = "/tmp/orva_storm_" + std::to_string(getpid());
     std::vector<unsigned char> levels;
 };
 
@@ -239,7 +223,7 @@ std::intptr_t Host(AEffect* effect, std::int32_t opcode, std::int32_t, std::intp
 
 void TryStorm(Trial& trial) {
     const Substitutes& substitutes = Substitutes::InPlace();
-    if (withEditor) OwnDisplay();  // it would end with the thread that started it
+    OwnDisplay();  // it would end with the thread that started it
     const long opened = substitutes.devices.opened, closed = substitutes.devices.closed;
     Storm now;
     storm = &now;
