@@ -44,6 +44,7 @@ struct Options {
     std::vector<std::string> rows;
     std::uint64_t seed = 1;
     double seconds = 20;
+    bool isLong = false;
     std::optional<std::uint64_t> onlyCase;
     std::optional<std::uint64_t> cases;
     unsigned jobs = std::max(1U, std::thread::hardware_concurrency());
@@ -104,8 +105,9 @@ public:
     RowRun& operator=(const RowRun&) = delete;
 
     Outcome Run() {
-        const Clock::time_point stop = Clock::now() + std::chrono::duration_cast<Clock::duration>(
-                                                          std::chrono::duration<double>(options.seconds));
+        const Clock::time_point stop =
+            Clock::now() + std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(
+                               options.isLong ? row.longSeconds : options.seconds));
         for (;;) {
             const bool more = next < end && outcome.failure.empty() && (Clock::now() < stop || next == first);
             bool busy = false;
@@ -253,6 +255,7 @@ int main(int count, char** words) {
         ->check(CLI::PositiveNumber);
     app.add_option_function<double>(
         "--minutes", [&](double minutes) { options.seconds = minutes * 60; }, "likewise");
+    app.add_flag("--long", options.isLong, "as long for each row as its importance asks for");
     app.add_option("--cases", options.cases, "at most so many of each row");
     app.add_option("--case", options.onlyCase, "this one alone");
     app.add_option("--jobs", options.jobs, "processes at a time")->check(CLI::PositiveNumber);

@@ -40,6 +40,7 @@ struct Row {
     std::uint64_t batch;  // cases in one process, at least 1
     double secondsEach;   // limit for one case
     void (*tryCase)(Trial&);
+    double longSeconds = 8;  // of a long run, unless all cases are tried before
 };
 
 // A row's source file makes one of these per row, and the program finds it.

@@ -87,6 +87,6 @@ void TrySize(Trial& trial) {
 }
 
 const Registered sizes({"PRO-1", "every block size from 1 to 65536 gives the same notes and state",
-                        inRelease | inAddress, 65536, 256, 60, TrySize});
+                        inRelease | inAddress, 65536, 256, 60, TrySize, 90});
 
 }  // namespace

@@ -65,6 +65,6 @@ void TrySwitches(Trial& trial) {
 }
 
 const Registered switches({"THR-3", "devices go on and off against two audio threads, and each is given back",
-                           inAll, 200'000 / switchesEach, 25, 60, TrySwitches});
+                           inAll, 200'000 / switchesEach, 25, 60, TrySwitches, 60});
 
 }  // namespace

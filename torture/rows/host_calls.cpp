@@ -67,7 +67,7 @@ void TryAnyOrder(Trial& trial) {
 }
 
 const Registered anyOrder({"LIF-2", "twenty calls in any order are answered as told", inRelease | inAddress,
-                           2000000, orderBatch, 20, TryAnyOrder});
+                           2000000, orderBatch, 20, TryAnyOrder, 40});
 
 // Hosts as they are, each playing its own habits: 600 cases of 1000 calls.
 enum Profile { reader, early, careful, echoing, scanner, needsOffsets, profileCount };

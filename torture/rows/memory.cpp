@@ -164,7 +164,7 @@ void TryFailing(Trial& trial) {
 }
 
 const Registered failing({"MEM-4", "whichever allocation fails, the plug-in works on, and nothing is lost",
-                          inRelease, 2 * coveredAllocations, 1, 60, TryFailing});
+                          inRelease, 2 * coveredAllocations, 1, 60, TryFailing, 30});
 
 // --- calls that throw ---
 

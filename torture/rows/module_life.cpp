@@ -80,5 +80,5 @@ void TryLives(Trial& trial) {
 }
 
 const Registered lives({"LIF-4", "10,000 lives of the module leave the process as it was",
-                        inRelease | inAddress, 10000, 10000, 60, TryLives});
+                        inRelease | inAddress, 10000, 10000, 60, TryLives, 60});
 }  // namespace

@@ -232,7 +232,7 @@ void TryFrames(Trial& trial) {
 }
 
 const Registered frames({"MID-1", "frames of any flags send the events that the rules say",
-                         inRelease | inAddress, 10000, 100, 60, TryFrames});
+                         inRelease | inAddress, 10000, 100, 60, TryFrames, 60});
 
 // Three ways leave a count that is not of what plays: an output that starts while what plays is not what
 // sounds (the handler has just forgotten it, and a note will be on twice), one that stops before its first

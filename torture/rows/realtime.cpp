@@ -214,8 +214,8 @@ void TryHolds(Trial& trial) {
 }
 
 const Registered waits({"RTS-4", "no other thread holds a lock of the audio thread for more than 50 us",
-                        inRelease, doings + 60, 1, 60, TryHolds});
+                        inRelease, doings + 60, 1, 60, TryHolds, 180});
 const Registered quiet({"RTS-1", "process calls neither wait, nor allocate, nor leave for the system",
-                        inRelease, 60, 1, 120, TryAMinute});
+                        inRelease, 60, 1, 120, TryAMinute, 30});
 
 }  // namespace

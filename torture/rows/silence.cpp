@@ -53,6 +53,6 @@ void TryPartition(Trial& trial) {
 }
 
 const Registered partition({"PRO-2", "any audio in any blocks gives the notes that the silence rule says",
-                            inRelease | inAddress, 10000, 20, 60, TryPartition});
+                            inRelease | inAddress, 10000, 20, 60, TryPartition, 20});
 
 }  // namespace

@@ -98,7 +98,7 @@ void TryDamage(Trial& trial) {
 }
 
 const Registered damage({"FIL-2", "reads a damaged score or says what is wrong", inRelease | inAddress,
-                         seedFiles* longestSeed, 1000, 60, TryDamage});
+                         seedFiles* longestSeed, 1000, 60, TryDamage, 50});
 
 // --- FIL-3 ---
 

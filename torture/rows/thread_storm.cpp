@@ -259,6 +259,6 @@ void TryStorm(Trial& trial) {
 }
 
 const Registered storms({"THR-1", "four threads of a host call one instance at once", inAll,
-                         8'000'000 / callsEach, 25, 120, TryStorm});
+                         8'000'000 / callsEach, 25, 120, TryStorm, 450});
 
 }  // namespace

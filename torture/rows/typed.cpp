@@ -206,6 +206,6 @@ void TryTyped(Trial& trial) {
 }
 
 const Registered typed({"PAR-5", "reads typed numbers by the host's locale, and leaves that alone",
-                        inRelease | inAddress, 10000, batch, 20, TryTyped});
+                        inRelease | inAddress, 10000, batch, 20, TryTyped, 150});
 
 }  // namespace
