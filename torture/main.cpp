@@ -184,7 +184,8 @@ int Try(const Options& options) {
     std::vector<Row> rows;
     for (const Row& row : Registered::All()) {
         const bool named = std::find(options.rows.begin(), options.rows.end(), row.id) != options.rows.end();
-        if (named || (options.rows.empty() && (row.builds & thisBuild) != 0)) rows.push_back(row);
+        const bool usual = (row.builds & thisBuild) != 0 && (options.isLong || options.list || !row.onlyLong);
+        if (named || (options.rows.empty() && usual)) rows.push_back(row);
     }
     if (!options.rows.empty() && rows.size() < options.rows.size()) {
         std::fprintf(stderr, "orva-torture: no such row (--list names them)\n");
@@ -249,7 +250,8 @@ void Trial::Figure(std::string_view name, double value) {
 int main(int count, char** words) {
     Options options;
     CLI::App app("Tries what is promised of the plug-in, row by row.", "orva-torture");
-    app.add_option("ROW", options.rows, "rows to try, all of this build if none is named");
+    app.add_option("ROW", options.rows,
+                   "rows to try; if none is named, all of this build, the longest only with --long");
     app.add_option("--seed", options.seed, "of all that is random");
     app.add_option("--seconds", options.seconds, "for each row, if its cases last that long")
         ->check(CLI::PositiveNumber);

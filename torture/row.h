@@ -41,6 +41,7 @@ struct Row {
     double secondsEach;   // limit for one case
     void (*tryCase)(Trial&);
     double longSeconds = 8;  // of a long run, unless all cases are tried before
+    bool onlyLong = false;   // a single case is too long for a share
 };
 
 // A row's source file makes one of these per row, and the program finds it.
