@@ -43,7 +43,7 @@ private:
 
     const std::shared_ptr<Instance> instance;
     const LV2UI_Write_Function write;
-    const LV2UI_Controller controller;
+    LV2UI_Controller controller;
     std::unique_ptr<OuterWindow> window;  // while open
     bool hasClosed = false;               // by itself; the host may show it again
     std::array<EchoWait, parameterCount> echoes;
