@@ -155,6 +155,29 @@ void TryOneDoing(Trial& trial) {
     trial.Require(least <= longestHold, "a lock was held for " + std::to_string(least) + " us");
 }
 
+// What the machine itself adds to a piece of work, by interrupts and by whatever else it does: a loop that
+// takes about as long as the longest hold should, over and over, on the thread that also holds the locks.
+class Machine {
+public:
+    void Work() {
+        timespec begin{}, end{};
+        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &begin);
+        for (int i = 0; i < 8000; ++i) word = word * 1664525 + 1013904223;
+        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &end);
+        const double us = 1e6 * static_cast<double>(end.tv_sec - begin.tv_sec) +
+                          1e-3 * static_cast<double>(end.tv_nsec - begin.tv_nsec);
+        least = std::min(least, us);
+        lengthened += us > least + longestHold ? 1 : 0;
+        ++count;
+    }
+    double Share() const { return static_cast<double>(lengthened) / static_cast<double>(count); }
+
+private:
+    volatile std::uint32_t word = 1;
+    double least = 1e9;
+    long lengthened = 0, count = 0;
+};
+
 // Three seconds; the audio thread works through about an hour meanwhile.
 void TryBesideAudio(Trial& trial) {
     caseInHand = &trial;
@@ -167,12 +190,14 @@ void TryBesideAudio(Trial& trial) {
     std::atomic<bool> others{true};
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(3);
     LockHolds::Figures held[2];
+    Machine machine;
     std::thread parameters([&] {
         LockHolds::Measure();
         std::minstd_rand random(static_cast<unsigned>(trial.number) + 1);
         while (others) {
             const auto index = static_cast<std::int32_t>(random() % 96);
             session.Set(index, static_cast<float>(random() % 1001) / 1000.0F);
+            machine.Work();
             if (random() % 64 == 0) session.Set(paramOutputToHost, 1), session.Set(paramDeviceEnabled, 1);
             if (random() % 64 == 0) session.Set(paramPolyphony, 0.87F), session.Set(paramSensitivity, 0.875F);
         }
@@ -199,13 +224,12 @@ void TryBesideAudio(Trial& trial) {
     parameters.join();
     window.join();
     Trial::Figure("speed, x real time", static_cast<double>(session.clock) / 48000 / 3);
-    Trial::Figure("beyond 50 us beside audio, of a million",
-                  1e6 * static_cast<double>(held[0].beyond + held[1].beyond) /
-                      static_cast<double>(held[0].count + held[1].count));
-    // Interrupts and a busy machine lengthen some; what a hold's own work makes too long would be too long by
-    // the thousand.
     const std::uint64_t beyond = held[0].beyond + held[1].beyond, all = held[0].count + held[1].count;
-    trial.Require(beyond * 500 <= all,
+    const double share = static_cast<double>(beyond) / static_cast<double>(all);
+    Trial::Figure("beyond 50 us beside audio, of a million", 1e6 * share);
+    Trial::Figure("by the machine alone", 1e6 * machine.Share());
+    // What a hold's own work makes too long would be too long by the thousand.
+    trial.Require(share <= 0.0005 + 2 * machine.Share(),
                   std::to_string(beyond) + " of " + std::to_string(all) + " holds took more than 50 us");
 }
 
