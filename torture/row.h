@@ -40,7 +40,7 @@ struct Row {
     std::uint64_t batch;  // cases in one process, at least 1
     double secondsEach;   // limit for one case
     void (*tryCase)(Trial&);
-    double longSeconds = 8;  // of a long run, unless all cases are tried before
+    double longSeconds = 6;  // of a long run, unless all cases are tried before
     bool onlyLong = false;   // a single case is too long for a share
 };
 

@@ -72,6 +72,6 @@ void TryADay(Trial& trial) {
 }
 
 const Registered day({"MEM-6", "a day of audio leaves memory and events as they were", inRelease, 2, 1, 1800,
-                      TryADay, 8, true});
+                      TryADay, 6, true});
 
 }  // namespace
