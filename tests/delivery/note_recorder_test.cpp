@@ -1,8 +1,10 @@
 #include "delivery/note_recorder.h"
 
+#include <functional>
 #include <future>
 #include <limits>
 #include <memory>
+#include <thread>
 
 #include "tests/delivery/fakes.h"
 
@@ -68,33 +70,18 @@ TEST_F(Recorder, BandDelaysAreSinglePrecisionSamplesInTheStatedOrder) {
     EXPECT_EQ(TNoteRecorder().BandDelaySamples(0), 0);  // no detector
 }
 
-// Looks at the recorder while it is being told, and changes the list of outputs there if it is to.
+// Changes the list of outputs while it is being told.
 class Meddler : public FakeOut {
 public:
     using FakeOut::FakeOut;
     void NoteOn(std::int32_t band) override {
         FakeOut::NoteOn(band);
-        time = recorder->GetTime();
-        wasPlaying = recorder->playing[band];
         TNoteRecorder* const owner = recorder;
         for (TNoteOut* const out : std::exchange(removed, {})) owner->RemoveOutput(out);
         for (TNoteOut* const out : std::exchange(added, {})) owner->AddOutput(out);
     }
     std::vector<TNoteOut*> removed, added;
-    std::int64_t time = -1;
-    bool wasPlaying = true;
 };
-
-TEST_F(Recorder, OutputsSeeTheFramesEndOnTheClockAndTheFrameBeforeInPlaying) {
-    auto* const witness = new Meddler('m', log);
-    recorder.AddOutput(witness);
-    witness->Start();
-    recorder.SetTime(1000);
-    Frame({45});
-    EXPECT_EQ(witness->time, 1441);
-    EXPECT_FALSE(witness->wasPlaying);
-    EXPECT_TRUE(recorder.playing[45]);
-}
 
 TEST_F(Recorder, AFrameSurvivesOutputsThatComeAndGoInTheMiddleOfIt) {
     for (const bool removesItself : {false, true})
@@ -134,9 +121,6 @@ TEST_F(Recorder, TakesItsOutputsWithItWithoutAWord) {
     dying->AddOutput(new FakeOut('a', log, &deaths));
     FakeOut* const both = new FakeOut('b', log, &deaths);
     dying->AddAutoStartOutput(both);  // in two lists
-    FakeOut removed('c', log);
-    dying->AddOutput(&removed);
-    dying->RemoveOutput(&removed);  // the caller's again
     both->Start();
     detector.Set(45, true);
     dying->OnFrame();
@@ -146,17 +130,68 @@ TEST_F(Recorder, TakesItsOutputsWithItWithoutAWord) {
     EXPECT_THAT(Taken(), IsEmpty());  // although each stops itself in its destructor
 }
 
-TEST_F(Recorder, AChangeEndsNotesByTheOldTableAndRetriggersByTheNew) {
-    FakeEffect effect;
-    auto* const out = new TVSTMIDIOut(&effect);
-    recorder.AddOutput(out);
-    out->Start();
+// A change leaves alone what does not differ; a setter ends the notes and speaks in any case.
+TEST_F(Recorder, SettersActEvenWhereNothingChangesAndChangesDoNot) {
+    const struct {
+        const char* name;
+        std::function<void()> call;
+        Log told;
+    } rows[] = {
+        {"ChangeTranspose", [this] { recorder.ChangeTranspose(0); }, {}},
+        {"ChangeChannel", [this] { recorder.ChangeChannel(0); }, {}},
+        {"ChangeVelocity", [this] { recorder.ChangeVelocity(100); }, {}},
+        {"ChangeMapping", [this] { recorder.ChangeMapping(0, 0, 100); }, {}},
+        {"SetProgram", [this] { recorder.SetProgram(0); }, {}},
+        {"SetTranspose", [this] { recorder.SetTranspose(0); }, {"a-45"}},
+        {"SetVelocity", [this] { recorder.SetVelocity(100); }, {"a-45"}},
+        {"SetMapping", [this] { recorder.SetMapping(0, 0, 100); }, {"a-45"}},
+        {"SetChannel", [this] { recorder.SetChannel(0); }, {"a-45", "a!192"}},  // the program: C0 hex
+        {"SetSendProgramChange", [this] { recorder.SetSendProgramChange(true); }, {"a!192"}},
+    };
+    Add('a')->Start();
+    for (const auto& row : rows) {
+        Frame({}), Frame({45});
+        Taken();
+        row.call();
+        EXPECT_EQ(Taken(), row.told) << row.name;
+    }
+    recorder.SetMapping(-12, 3, 5);
+    EXPECT_EQ(recorder.messages[45].onMessage, 0x053993U);  // note 69 - 12 = 39 hex
+}
+
+// What waits for the first note hears it twice: as it starts, and as the frame is offered to it.
+TEST_F(Recorder, TheFirstNoteOfAllStartsWhatWaitsForIt) {
+    FakeOut* const waits = new FakeOut('w', log);  // the recorder's
+    recorder.AddAutoStartOutput(waits);
+    Add('a')->Start();
     Frame({45});
-    recorder.ChangeMapping(1, 2, 50);
+    EXPECT_FALSE(waits->running);  // nobody asked
+    recorder.SetStartOnFirstNote(true);
+    Frame({});
+    EXPECT_FALSE(waits->running);
+    Taken();
+    Frame({50});
+    EXPECT_THAT(Taken(), ElementsAre("w+50", "w+50", "a+50"));
+    waits->Stop();
+    Frame({50, 51});
+    EXPECT_FALSE(waits->running);  // not the first any more
+    recorder.SetStartOnFirstNote(true);
+    Frame({50, 51});
+    EXPECT_TRUE(waits->running);
+}
+
+TEST_F(Recorder, FramesCountOnlyWhileItIsActive) {
+    FakeOut* const out = Add('a');
+    out->Start();
+    recorder.Deactivate();
+    Frame({45});
+    out->Stop(), out->Start();
+    EXPECT_EQ(recorder.GetTime(), 0);
+    EXPECT_THAT(Taken(), IsEmpty());
+    recorder.Activate(7);
     recorder.OnFrame();
-    Log messages;
-    for (const VstMidiEvent& event : effect.sent) messages.emplace_back(event.midiData, 3);
-    EXPECT_THAT(messages, ElementsAre("\x90\x45\x64", std::string("\x80\x45\0", 3), "\x92\x46\x32"));
+    EXPECT_EQ(recorder.GetTime(), 441);
+    EXPECT_THAT(Taken(), ElementsAre("a+45"));
 }
 
 // While the recorder is active its lock may be held for a whole frame, and a setting must not wait for that;
@@ -179,6 +214,36 @@ TEST_F(Recorder, ChangesWhileActiveAndStartsWhileInactiveTakeNoLock) {
     EXPECT_FALSE(out->running);
     recorder.Unlock();
     EXPECT_EQ(recorder.velocity, 3);
+}
+
+// Counts without any protection of its own: only the recorder's lock keeps its two threads apart.
+class CountingOut : public TmtNoteOut {
+public:
+    void NoteOn(std::int32_t) override { ++count; }
+    void NoteOff(std::int32_t) override { ++count; }
+    long count = 0;
+};
+
+// Holds in any build; the thread sanitizer says the rest.
+TEST_F(Recorder, OutputsComeAndGoBesideFrames) {
+    std::atomic<bool> done{false};
+    std::thread audio([&] {
+        for (int frame = 0; frame < 1000 || !done; ++frame) {
+            detector.Set(45, frame % 2 == 0);
+            recorder.OnFrame();
+        }
+    });
+    for (int i = 0; i < 300; ++i) {
+        auto out = std::make_unique<CountingOut>();
+        recorder.AddOutput(out.get());
+        out->Start();
+        out->Stop();
+        recorder.RemoveOutput(out.get());
+        while (!recorder.OutputsAreQuiet()) std::this_thread::yield();
+        EXPECT_FALSE(out->running);
+    }
+    done = true;
+    audio.join();
 }
 
 }  // namespace
