@@ -14,7 +14,7 @@
 #include "platform/wide_text.h"
 
 // A layer of devices that writes down what it was asked: "open 2" (a device id), then by handle "send 1 90 3c
-// 64", "close 1", "reset 1", "long 1 f0 f7". What a test wants refused, it says in the maps.
+// 64", "close 1", "reset 1", "long 1 2" (bytes). What a test wants refused, it says in the maps.
 class FakeLayer : public MidiOutDevices {
 public:
     using Calls = std::vector<std::string>;
