@@ -86,6 +86,11 @@ public:
         recorder.Activate(0);
         recorder.AddOutput(out), model.AddOutput(*modelOut);
         recorder.AddOutput(recording), model.AddOutput(modelRecording);
+        const auto samples = [this](std::uint64_t below) {
+            return trial.OneIn(2) ? 0 : static_cast<std::int64_t>(trial.Below(below));
+        };
+        recorder.minNoteGap = modelRecording.minNoteGap = samples(5000);
+        recorder.minNoteLength = modelRecording.minNoteLength = samples(20000);
         SetTime();
         Compare();
     }
