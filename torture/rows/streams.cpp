@@ -141,7 +141,7 @@ void TryFileSize(Trial& trial, std::size_t limit) {
     trial.Require(plugIn.saveRecording(folder / "take.mid"), "a take cannot be saved");
     const std::size_t midi = ContentOf(folder / "take.mid").size();
     setenv("XDG_CONFIG_HOME", folder.path.c_str(), 1);
-    const std::string old(255, 'o'), text(limit % 256, 'n');
+    const std::string old(255, 'o'), text(trial.Below(256), 'n');
     trial.Require(writeRegistryString("Name", old), "no setting can be stored");
 
     const SmallFiles small(limit);
