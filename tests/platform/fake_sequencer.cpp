@@ -98,10 +98,7 @@ FROM_LIBRARY int snd_seq_event_output(snd_seq_t*, snd_seq_event_t* event) {
     FakeSequencer& sequencer = Sequencer();
     if (sequencer.together.fetch_add(1) != 0) ++sequencer.collisions;
     const int result = sequencer.outputResult;
-    if (result >= 0) {
-        ++sequencer.taken;
-        if (sequencer.keepWords) sequencer.words.push_back(WordOf(*event));
-    }
+    if (result >= 0) sequencer.words.push_back(WordOf(*event));
     return result;
 }
 FROM_LIBRARY int snd_seq_drain_output(snd_seq_t*) {

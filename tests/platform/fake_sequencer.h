@@ -18,14 +18,11 @@ struct FakeSequencer {
     int subscribeResult = 0;           // negative: the device refuses
     std::atomic<int> outputResult{0};  // negative: an event is not taken
     std::atomic<int> opened{0}, closed{0};
-    std::string clientNames;     // of ours, each followed by a semicolon
-    std::string subscribed;      // "client:port" of what we connected to last
-    std::atomic<long> taken{0};  // events
-    std::vector<std::uint32_t>
-        words;                     // channel messages as short words; system-exclusive ones as their length
-    std::atomic<int> together{0};  // senders inside at once: the library allows one
+    std::string clientNames;           // of ours, each followed by a semicolon
+    std::string subscribed;            // "client:port" of what we connected to last
+    std::vector<std::uint32_t> words;  // events taken, as short words; system-exclusive ones as their length
+    std::atomic<int> together{0};      // senders inside at once: the library allows one
     std::atomic<int> collisions{0};
-    bool keepWords = true;
 };
 
 FakeSequencer& Sequencer();  // the process's

@@ -2,6 +2,7 @@
 #include "platform/system_midi_out.h"
 
 #include <atomic>
+#include <functional>
 #include <thread>
 
 #include "gmock/gmock.h"
@@ -21,14 +22,18 @@ struct Desk {
     int closed = 0;
     Words sent;
     int longBytes = 0;
+    std::function<void(const bool& open)> inSend;  // where there is one, nothing is kept of what is sent
 };
 
 class FakeDevice : public MidiDevice {
 public:
     explicit FakeDevice(Desk& on) : desk(on) {}
-    ~FakeDevice() override { ++desk.closed; }
+    ~FakeDevice() override { open = false, ++desk.closed; }
     std::uint32_t Send(std::uint32_t message, std::size_t) override {
-        desk.sent.push_back(message);
+        if (desk.inSend)
+            desk.inSend(open);
+        else
+            desk.sent.push_back(message);
         return MMSYSERR_NOERROR;
     }
     std::uint32_t SendLong(const MidiLongMessage& message) override {
@@ -38,6 +43,7 @@ public:
 
 private:
     Desk& desk;
+    bool open = true;
 };
 
 class FakeBackend : public MidiBackend {
@@ -213,37 +219,12 @@ TEST(ShortMessages, HaveTheLengthOfTheirStatus) {
 }
 
 // Sends and closes of one device by several threads: what reached the device did so while it was open.
-class CheckingDevice : public MidiDevice {
-public:
-    explicit CheckingDevice(std::atomic<int>& counter) : faults(counter) {}
-    ~CheckingDevice() override { alive = false; }
-    std::uint32_t Send(std::uint32_t, std::size_t) override {
-        for (int turn = 0; turn < 20; ++turn) std::this_thread::yield();  // a close may fall into the middle
-        if (!alive) ++faults;
-        return MMSYSERR_NOERROR;
-    }
-    std::uint32_t SendLong(const MidiLongMessage&) override { return MMSYSERR_NOERROR; }
-
-private:
-    bool alive = true;
-    std::atomic<int>& faults;
-};
-
-class CheckingBackend : public MidiBackend {
-public:
-    explicit CheckingBackend(std::atomic<int>& counter) : faults(counter) {}
-    std::vector<std::string> DeviceNames() override { return {"only"}; }
-    MidiOpening Open(const std::string&) override { return {std::make_unique<CheckingDevice>(faults)}; }
-
-private:
-    std::atomic<int>& faults;
-};
-
-TEST(SystemDeviceThreads, NoSendReachesADeviceThatIsBeingClosed) {
+TEST_F(SystemDevices, NoSendReachesADeviceThatIsBeingClosed) {
     std::atomic<int> faults{0};
-    std::vector<std::unique_ptr<MidiBackend>> layers;
-    layers.push_back(std::make_unique<CheckingBackend>(faults));
-    SystemMidiOut devices(std::move(layers));
+    first.inSend = [&](const bool& open) {
+        for (int turn = 0; turn < 20; ++turn) std::this_thread::yield();  // a close may fall into the middle
+        if (!open) ++faults;
+    };
     std::atomic<MidiOutHandle> current{0};
     std::atomic<bool> done{false};
     const auto send = [&] {
@@ -255,10 +236,9 @@ TEST(SystemDeviceThreads, NoSendReachesADeviceThatIsBeingClosed) {
     };
     std::thread one(send), two(send);
     for (int round = 0; round < 1000; ++round) {
-        MidiOutHandle handle = 0;
-        if (devices.midiOutOpen(handle, 0) != MMSYSERR_NOERROR) ++faults;
+        const MidiOutHandle handle = Open(0);
         current.store(handle, std::memory_order_relaxed);
-        if (devices.midiOutClose(handle) != MMSYSERR_NOERROR) ++faults;
+        EXPECT_EQ(devices.midiOutClose(handle), MMSYSERR_NOERROR);
     }
     done = true;
     one.join();

@@ -1,7 +1,5 @@
 #include "platform/wide_text.h"
 
-#include <random>
-
 #include "gtest/gtest.h"
 
 namespace {
@@ -53,19 +51,6 @@ TEST(WideText, ACutNeverLeavesHalfAPair) {
     EXPECT_EQ(WideText("ab\xF0\x9F\x8E\xB9", 3), u"ab");
     EXPECT_EQ(WideText("ab\xF0\x9F\x8E\xB9", 4), u"ab\U0001F3B9");
     EXPECT_EQ(WideText("abc", 0), u"");
-}
-
-// Any bytes give text that is legal in both forms: a second passage changes nothing.
-TEST(WideText, RandomBytesBecomeLegalText) {
-    std::minstd_rand random(1);
-    for (int round = 0; round < 20000; ++round) {
-        std::string bytes(random() % 12, '\0');
-        for (char& byte : bytes)
-            byte = static_cast<char>(random() % 3 == 0 ? 1 + random() % 127 : 128 + random() % 128);
-        const std::string legal = WideCharToMultiByte(WideText(bytes, 31));
-        ASSERT_EQ(WideCharToMultiByte(WideText(legal, 31)), legal);
-        ASSERT_GE(WideText(legal, 31).size(), bytes.empty() ? 0U : 1U);
-    }
 }
 
 }  // namespace
