@@ -1,8 +1,8 @@
 #pragma once
 #include <gtest/gtest.h>
 
-#include <bit>
 #include <cstdint>
+#include <cstring>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -14,105 +14,94 @@
 // be named. Works for both detectors, which share their fields' names.
 using DetectorState = std::vector<std::pair<std::string, std::vector<std::uint64_t>>>;
 
-inline std::uint64_t BitsOf(float value) {
-    return std::bit_cast<std::uint32_t>(value);
-}
-inline std::uint64_t BitsOf(double value) {
-    return std::bit_cast<std::uint64_t>(value);
-}
-inline std::uint64_t BitsOf(std::int32_t value) {
-    return static_cast<std::uint32_t>(value);
-}
-inline std::uint64_t BitsOf(bool value) {
-    return value ? 1 : 0;
+template <typename Value>
+std::uint64_t BitsOf(const Value& value) {
+    const auto number = +value;  // out of its wrapper, if it has one; a flag becomes 0 or 1
+    std::uint64_t bits = 0;
+    std::memcpy(&bits, &number, sizeof number);
+    return bits;
 }
 
 // The two detectors' arrays differ in the type of their index.
 template <typename Array>
-auto Element(const Array& array, int index) {
-    if constexpr (requires { array.Data(); })
-        return array[index];
-    else
-        return array[static_cast<std::size_t>(index)];
+std::vector<std::uint64_t> BitsOf(const Array& array, int count) {
+    std::vector<std::uint64_t> bits;
+    for (int index = 0; index < count; ++index) {
+        if constexpr (requires { array.Data(); })
+            bits.push_back(BitsOf(array[index]));
+        else
+            bits.push_back(BitsOf(array[static_cast<std::size_t>(index)]));
+    }
+    return bits;
 }
-inline std::int32_t Tap(const PlainDetector&, const PlainDetector::Taps& taps, int band, int row) {
-    return taps[static_cast<std::size_t>(band)][static_cast<std::size_t>(row)];
+
+// Band by band.
+inline std::vector<std::uint64_t> TapBits(const PlainDetector& detector, const PlainDetector::Taps& taps) {
+    std::vector<std::uint64_t> bits;
+    for (std::size_t band = 0; band < static_cast<std::size_t>(detector.numBands); ++band)
+        for (const std::int32_t tap : taps[band]) bits.push_back(BitsOf(tap));
+    return bits;
 }
-inline std::int32_t Tap(const TRealTimeTS107& detector, const TAutoArray<std::int32_t>& taps, int band,
-                        int row) {
-    return taps[row * detector.bandStride + band];
+inline std::vector<std::uint64_t> TapBits(const TRealTimeTS107& detector,
+                                          const TAutoArray<std::int32_t>& taps) {
+    std::vector<std::uint64_t> bits;
+    for (int band = 0; band < detector.numBands; ++band)
+        for (int row = 0; row < detector.blockLength - 1; ++row)
+            bits.push_back(BitsOf(taps[row * detector.bandStride + band]));
+    return bits;
 }
+
+#define FIELD(name) state.push_back({#name, {BitsOf(d.name)}})
+#define ARRAY(name) state.push_back({#name, BitsOf(d.name, d.numBands)})
 
 // Tables, gains and every other setting: what no Reset changes.
 template <typename Detector>
 DetectorState SettingsOf(const Detector& d) {
     DetectorState state;
-    const auto array = [&](const char* name, const auto& elements, int count) {
-        auto& bits = state.emplace_back(name, std::vector<std::uint64_t>()).second;
-        for (int index = 0; index < count; ++index) bits.push_back(BitsOf(Element(elements, index)));
-    };
-    const auto taps = [&](const char* name, const auto& rows) {
-        auto& bits = state.emplace_back(name, std::vector<std::uint64_t>()).second;
-        for (int band = 0; band < d.numBands; ++band)
-            for (int row = 0; row < d.blockLength - 1; ++row) bits.push_back(BitsOf(Tap(d, rows, band, row)));
-    };
-    const int n = d.numBands;
-#define FIELD(name) state.push_back({#name, {BitsOf(d.name)}})
-#define ARRAY(name) array(#name, d.name, n)
-    FIELD(numBands), FIELD(sampleRate), FIELD(frameLength), FIELD(referenceBand);
-    FIELD(dipFactor), FIELD(tuningEnabled), FIELD(harmonicsEnabled), FIELD(equalizerEnabled),
-        FIELD(monoEnabled);
+    FIELD(numBands), FIELD(sampleRate), FIELD(frameLength), FIELD(referenceBand), FIELD(dipFactor);
+    FIELD(tuningEnabled), FIELD(harmonicsEnabled), FIELD(equalizerEnabled), FIELD(monoEnabled);
     FIELD(retriggerEnabled), FIELD(harmonicBase), FIELD(harmonic2), FIELD(harmonic3), FIELD(harmonic4);
     FIELD(peakSlack), FIELD(floorDb), FIELD(relativeThreshold), FIELD(relativeThresholdSq), FIELD(tuneSeed);
     FIELD(bandwidth), FIELD(tune), FIELD(blockLength), FIELD(blockDecay), FIELD(frameDecay), FIELD(refOmega);
     FIELD(gainScale), FIELD(peakRatio), FIELD(floorAmp), FIELD(floorPower);
-    ARRAY(feedAA), ARRAY(feedAB), ARRAY(feedBA), ARRAY(feedBB), ARRAY(inputAR), ARRAY(inputAI),
-        ARRAY(inputBR);
-    ARRAY(inputBI), ARRAY(tapZero), ARRAY(dipScale), ARRAY(eqGain), ARRAY(eqGainSq);
-    array("harmonicCoefficients", d.harmonicCoefficients, 26);
-    array("tapPowersRe", d.tapPowersRe, d.blockLength - 1),
-        array("tapPowersIm", d.tapPowersIm, d.blockLength - 1);
-    taps("tapsRe", d.tapsRe), taps("tapsIm", d.tapsIm);
+    ARRAY(feedAA), ARRAY(feedAB), ARRAY(feedBA), ARRAY(feedBB), ARRAY(inputAR), ARRAY(inputAI);
+    ARRAY(inputBR), ARRAY(inputBI), ARRAY(tapZero), ARRAY(dipScale), ARRAY(eqGain), ARRAY(eqGainSq);
+    state.push_back({"harmonicCoefficients", BitsOf(d.harmonicCoefficients, 26)});
+    state.push_back({"tapPowersRe", BitsOf(d.tapPowersRe, d.blockLength - 1)});
+    state.push_back({"tapPowersIm", BitsOf(d.tapPowersIm, d.blockLength - 1)});
+    state.push_back({"tapsRe", TapBits(d, d.tapsRe)});
+    state.push_back({"tapsIm", TapBits(d, d.tapsIm)});
     return state;
 }
 
-// The running block's accumulators; the detector keeps samples and folds them later.
-struct Accumulators {
-    std::vector<std::int32_t> re, im;
-};
-inline Accumulators AccumulatorsOf(const PlainDetector& d) {
-    return {d.accRe, d.accIm};
+// The running block's accumulators, the real ones before the others; the detector keeps samples and folds
+// them later.
+inline std::vector<std::int32_t> AccumulatorsOf(const PlainDetector& d) {
+    std::vector<std::int32_t> folded(d.accRe.begin(), d.accRe.begin() + d.numBands);
+    folded.insert(folded.end(), d.accIm.begin(), d.accIm.begin() + d.numBands);
+    return folded;
 }
-inline Accumulators AccumulatorsOf(const TRealTimeTS107& d) {
-    const auto bands = static_cast<std::size_t>(d.numBands);
-    Accumulators folded{std::vector<std::int32_t>(bands), std::vector<std::int32_t>(bands)};
-    d.FoldedSoFar(folded.re.data(), folded.im.data());
+inline std::vector<std::int32_t> AccumulatorsOf(const TRealTimeTS107& d) {
+    std::vector<std::int32_t> folded(static_cast<std::size_t>(2 * d.numBands));
+    d.FoldedSoFar(folded.data(), folded.data() + d.numBands);
     return folded;
 }
 
-// What was heard so far. The arrays that only a frame writes are left out before the first.
+// What was heard so far.
 template <typename Detector>
-DetectorState AnalysisOf(const Detector& d, bool framesRan = true) {
+DetectorState AnalysisOf(const Detector& d) {
     DetectorState state;
-    const auto array = [&](const char* name, const auto& elements, int first) {
-        auto& bits = state.emplace_back(name, std::vector<std::uint64_t>()).second;
-        for (int index = first; index < d.numBands; ++index) bits.push_back(BitsOf(Element(elements, index)));
-    };
-#undef ARRAY
-#define ARRAY(name) array(#name, d.name, 0)
     FIELD(blockCountdown), FIELD(frameCountdown), FIELD(tuneLeft), FIELD(tuneCentre), FIELD(tuneRight);
-    const Accumulators folded = AccumulatorsOf(d);
-    array("accRe", folded.re, 0), array("accIm", folded.im, 0);
-    ARRAY(stateA), ARRAY(stateB), ARRAY(energy), ARRAY(energyPrev1);
-    ARRAY(energyPrev2), ARRAY(separated), ARRAY(amplitude), ARRAY(eqAmplitude);
-    ARRAY(peakNow), ARRAY(peakOld), ARRAY(peakOlder), ARRAY(noteOn);
-    if (!framesRan) return state;
+    state.push_back({"accRe and accIm", BitsOf(AccumulatorsOf(d), 2 * d.numBands)});
+    ARRAY(stateA), ARRAY(stateB), ARRAY(energy), ARRAY(energyPrev1), ARRAY(energyPrev2);
+    ARRAY(separated), ARRAY(amplitude), ARRAY(eqAmplitude);
+    ARRAY(rising), ARRAY(peakNow), ARRAY(peakOld), ARRAY(peakOlder), ARRAY(noteOn);
     FIELD(peakLevel), FIELD(threshold), ARRAY(levelCap), ARRAY(rhs);
-    array("rising", d.rising, 1);  // nobody writes the lowest
-#undef FIELD
-#undef ARRAY
     return state;
 }
+
+#undef FIELD
+#undef ARRAY
 
 // Empty if the states are the same bit for bit, or else the first field and element that differ.
 inline std::string Difference(const DetectorState& one, const DetectorState& other) {
@@ -132,7 +121,7 @@ inline std::string Difference(const DetectorState& one, const DetectorState& oth
 }
 
 template <typename One, typename Other>
-std::string Difference(const One& one, const Other& other, bool framesRan = true) {
+std::string Difference(const One& one, const Other& other) {
     const std::string settings = Difference(SettingsOf(one), SettingsOf(other));
-    return settings.empty() ? Difference(AnalysisOf(one, framesRan), AnalysisOf(other, framesRan)) : settings;
+    return settings.empty() ? Difference(AnalysisOf(one), AnalysisOf(other)) : settings;
 }

@@ -38,23 +38,6 @@ TEST_F(Separation, ALoneSineLosesTheAmplitudeItsPartialsDoNotSupport) {
     ExpectNothingBut({40});
 }
 
-// A missing second, third or fourth partial costs 0.75, 0.5 or 0.25 of the amplitude, and only where it lies
-// within the spectrum.
-TEST_F(Separation, RangesEndWhereAPartialLeavesTheSpectrum) {
-    const auto capOf = [this](int band, std::initializer_list<int> partials) {
-        Spectrum spectrum{{band, 1.0F}};
-        for (const int partial : partials) spectrum[band + partial] = 1.0F;
-        Frame(detector, spectrum);
-        return detector.levelCap[band];
-    };
-    for (const int band : {0, 59, 60, 64, 65, 71}) EXPECT_FLOAT_EQ(capOf(band, {}), 1.0F / 16) << band;
-    for (const int band : {72, 83}) EXPECT_EQ(capOf(band, {}), 1.0F) << band;
-    for (const int band : {0, 59, 60, 64}) EXPECT_FLOAT_EQ(capOf(band, {12}), 1.0F / 4) << band;
-    for (const int band : {65, 71}) EXPECT_EQ(capOf(band, {12}), 1.0F) << band;
-    for (const int band : {0, 59}) EXPECT_FLOAT_EQ(capOf(band, {12, 19}), 9.0F / 16) << band;
-    for (const int band : {60, 64}) EXPECT_EQ(capOf(band, {12, 19}), 1.0F) << band;
-}
-
 TEST_F(Separation, ANoteTakesItsPartialsWithIt) {
     Frame(detector, NoteOn(30));
     EXPECT_FLOAT_EQ(detector.levelCap[30], 1);
@@ -70,25 +53,4 @@ TEST_F(Separation, TwoNotesThatShareAPartialBothStand) {
     EXPECT_NEAR(detector.separated[30], 0.76, 0.005);
     EXPECT_NEAR(detector.separated[37], 0.73, 0.005);
     ExpectNothingBut({30, 37});
-}
-
-TEST_F(Separation, TheRightHandSideIsFormedFromTheLimitedSpectrum) {
-    Frame(detector, {{20, 1.0F}, {32, 1.0F}});
-    ASSERT_FLOAT_EQ(detector.levelCap[20], 0.25F);    // its third partial is missing
-    ASSERT_FLOAT_EQ(detector.levelCap[32], 0.0625F);  // all of its own are
-    EXPECT_FLOAT_EQ(detector.rhs[20], D4 * (0.25F + A * 0.0625F));
-    EXPECT_FLOAT_EQ(detector.rhs[8], D4 * (A * 0.25F + C * 0.0625F));  // 20 and 32 are its second and fourth
-    EXPECT_FLOAT_EQ(detector.rhs[13], D4 * B * 0.0625F);               // 32 is its third
-}
-
-// A base of 0 counts as 1, so H2 = 750: a band must have a second partial of 749 times its own amplitude.
-TEST_F(Separation, ATemplateWithoutBaseAllowsOnlyBandsWithHugePartials) {
-    detector.SetHarmonics(0, 750, 500, 250);
-    EXPECT_EQ(detector.harmonicBase, 0);
-    EXPECT_EQ(detector.harmonicCoefficients[23], -749);
-    Frame(detector, NoteOn(30));
-    EXPECT_EQ(detector.levelCap[30], 0);
-    for (int band = 0; band < 84; ++band) EXPECT_TRUE(std::isfinite(detector.separated[band])) << band;
-    Frame(detector, {{30, 1.0F}, {42, 750.0F * 750}, {49, 500.0F * 500}, {54, 250.0F * 250}});
-    EXPECT_FLOAT_EQ(detector.levelCap[30], 1);
 }

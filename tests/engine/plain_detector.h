@@ -13,20 +13,18 @@
 // Threads: one at a time.
 class PlainDetector {
 public:
-    using Floats = std::vector<float>;
-    using Flags = std::vector<bool>;
-    using Taps = std::vector<std::vector<std::int32_t>>;
+    template <typename Value>
+    struct PerBand : std::vector<Value> {
+        PerBand() { Clear(); }
+        void Clear() { this->assign(128, Value{}); }
+    };
+    using Floats = PerBand<float>;
+    using Flags = PerBand<bool>;
+    using Words = PerBand<std::int32_t>;
+    using Taps = PerBand<std::vector<std::int32_t>>;
 
     PlainDetector(std::int32_t rate, std::int32_t reference, std::int32_t bands)
         : numBands(bands < 49 ? 49 : bands), referenceBand(reference) {
-        for (Floats* array :
-             {&stateA,    &stateB,      &feedAA,    &feedAB,   &feedBA,      &feedBB,      &inputAR,
-              &inputAI,   &inputBR,     &inputBI,   &dipScale, &energyPrev2, &energyPrev1, &energy,
-              &amplitude, &eqAmplitude, &separated, &eqGain,   &eqGainSq,    &levelCap,    &rhs})
-            array->resize(Count());
-        for (Flags* array : {&rising, &peakOlder, &peakOld, &peakNow, &noteOn}) array->resize(Count());
-        for (auto* array : {&accRe, &accIm, &tapZero}) array->resize(Count());
-        for (Taps* array : {&tapsRe, &tapsIm}) array->resize(Count());
         SetHarmonics(1000, 750, 500, 250);
         SetFloorDb(-1000);
         peakLevel = floorAmp;
@@ -90,8 +88,8 @@ public:
 
     void SetMonoEnabled(bool enabled) {
         if (enabled) {
-            energyPrev1.assign(Count(), 0);
-            energyPrev2.assign(Count(), 0);
+            energyPrev1.Clear();
+            energyPrev2.Clear();
         }
         monoEnabled = enabled;
     }
@@ -105,9 +103,9 @@ public:
 
     std::int32_t numBands, sampleRate = 0, frameLength = 0, referenceBand;
     Floats stateA, stateB, feedAA, feedAB, feedBA, feedBB, inputAR, inputAI, inputBR, inputBI;
-    std::vector<std::int32_t> accRe, accIm, tapZero;
+    Words accRe, accIm, tapZero;
     Taps tapsRe, tapsIm;  // [band][k - 1]: weight of the sample k samples before the block's newest
-    Flags rising, peakOlder, peakOld, peakNow;
+    Flags rising, peakOlder, peakOld, peakNow, noteOn;
     Floats dipScale, energyPrev2, energyPrev1;
     float dipFactor = 0;
     bool tuningEnabled = true, harmonicsEnabled = true, equalizerEnabled = false, monoEnabled = false;
@@ -118,7 +116,6 @@ public:
     std::vector<double> tapPowersRe, tapPowersIm;
     float bandwidth = 0.02F, tune = 0;
     Floats energy, amplitude, eqAmplitude, separated;
-    Flags noteOn;
     Floats eqGain, eqGainSq, levelCap, rhs;
     std::array<float, 26> harmonicCoefficients = {};
     std::int32_t blockCountdown = 0, frameCountdown = 0, blockLength = 0;
@@ -208,9 +205,9 @@ private:
         blockCountdown = blockLength;
         for (Floats* array :
              {&energyPrev1, &energyPrev2, &separated, &eqAmplitude, &amplitude, &energy, &stateA, &stateB})
-            array->assign(Count(), 0);
-        for (auto* array : {&accRe, &accIm}) array->assign(Count(), 0);
-        for (Flags* array : {&peakNow, &peakOld, &peakOlder, &noteOn}) array->assign(Count(), false);
+            array->Clear();
+        for (Words* array : {&accRe, &accIm}) array->Clear();
+        for (Flags* array : {&peakNow, &peakOld, &peakOlder, &noteOn}) array->Clear();
     }
 
     static void AddProduct(std::int32_t& sum, std::int32_t weight, std::int32_t x) {  // wraps at 32 bits

@@ -30,9 +30,9 @@ void Apply(const Settings& settings, Detector& detector) {
         detector.SetBandGain(band, static_cast<float>(random() % 9) / 4);  // 0 to 2, 0 among them
 }
 
-// Loud and quiet, on and off the grid, to the bound of the accumulators and beyond it, and a tail of single
-// steps and of nothing, long enough for the upper bands' energy (10 ms, so 90 time constants to the smallest
-// normal number) to sink past it.
+// Loud and quiet, on and off the grid, to the bound of the accumulators and beyond it, where they wrap (at
+// 8000 Hz, 65538 x 32768 = 2^31 + 65536), and a tail of single steps and of nothing, long enough for the
+// upper bands' energy (10 ms, so 90 time constants to the smallest normal number) to sink past it.
 Audio Everything(int rate) {
     return Joined({Music(rate, 0.5, 30), Noise(rate, 0.1), Square(rate, 0.1, Samples(rate, 0.001)),
                    Square(rate, 0.05, 1), Audio(Samples(rate, 0.1), -32768), Sine(440, 1, rate, 0.05),
@@ -60,19 +60,18 @@ TEST_P(SameAsPlain, WholeStateIsTheSameAtEachCutOfTheAudio) {
         PlainDetector plain(rate, settings.bands - 39, settings.bands);
         Apply(settings, detector);
         Apply(settings, plain);
-        ASSERT_EQ(Difference(detector, plain, false), "");
+        ASSERT_EQ(Difference(detector, plain), "");
 
         std::minstd_rand random(1);
         int notesSeen = 0;
         for (std::size_t at = 0; at < audio.size();) {
             const std::size_t wanted = 1 + random() % Samples(rate, random() % 8 == 0 ? 0.001 : 0.03);
             const std::size_t length = std::min(wanted, audio.size() - at);
-            detector.Process(&audio[at], Bytes(length));
-            plain.Process(&audio[at], Bytes(length));
+            const unsigned oddByte = random() % 2;  // of no account
+            detector.Process(&audio[at], Bytes(length) + oddByte);
+            plain.Process(&audio[at], Bytes(length) + oddByte);
             at += length;
-            const bool framesRan = at >= static_cast<std::size_t>(detector.frameLength);
-            ASSERT_EQ(Difference(AnalysisOf(detector, framesRan), AnalysisOf(plain, framesRan)), "")
-                << "after sample " << at;
+            ASSERT_EQ(Difference(AnalysisOf(detector), AnalysisOf(plain)), "") << "after sample " << at;
             for (int band = 0; band < detector.numBands; ++band) notesSeen += detector.noteOn[band] ? 1 : 0;
         }
         ASSERT_EQ(Difference(detector, plain), "");
@@ -99,9 +98,11 @@ TEST(SameAsPlainByFrame, AnySpectrumAndTemplateGiveTheSameDecision) {
     static constexpr float steps[] = {0, 0.01F, 0.5F, 0.9F, 1, 1, 1, 1, 1.1F, 2, 30};
     std::minstd_rand random(3);
     for (int run = 0; run < 200; ++run) {
-        const std::int32_t bands = 49 + static_cast<std::int32_t>(random() % 80);
-        TRealTimeTS107 detector(44100, 45, bands);
-        PlainDetector plain(44100, 45, bands);
+        // Half the time the number for which there are loops of its own. 49 at least are given.
+        const std::int32_t wanted = run % 2 == 0 ? 84 : 39 + static_cast<std::int32_t>(random() % 90);
+        TRealTimeTS107 detector(44100, 45, wanted);
+        PlainDetector plain(44100, 45, wanted);
+        const std::int32_t bands = plain.numBands;
         const auto& partials = templates[random() % 5];
         const auto set = [&, switches = random()](auto& d) {
             Apply({"", bands, (switches & 1) != 0, (switches & 2) != 0, (switches & 4) != 0}, d);
@@ -129,24 +130,11 @@ TEST(SameAsPlainByFrame, AnySpectrumAndTemplateGiveTheSameDecision) {
     }
 }
 
-// A block of -32768 may pass the bound that the weights were sized for: 65538 x 32768 = 2^31 + 65536 wraps.
-// At 8000 Hz a block is one weighted sample and the newest, so the sum can be read off.
-TEST(SameAsPlainAtTheEdge, AccumulatorsWrapAt32Bits) {
-    TRealTimeTS107 detector(8000, 45, 84);
-    PlainDetector plain(8000, 45, 84);
-    const Audio audio(81, -32768);  // the first frame, and half a block
-    Play(detector, audio);
-    Play(plain, audio);
-    ASSERT_EQ(detector.tapsIm[10], 65538);  // 2147483647 / 32767, one weight taking the whole scale
-    EXPECT_EQ(AccumulatorsOf(detector).im[10], 2147418112);  // 2^32 - 65538 x 32768
-    EXPECT_EQ(Difference(detector, plain), "");
-}
-
 // Setters in the middle of the sound, of the block and of the frame.
 TEST(SameAsPlainOnTheWay, SettingsTakeHoldWithoutDisturbingTheAnalysis) {
     TRealTimeTS107 detector(44100, 45, 84);
     PlainDetector plain(44100, 45, 84);
-    const Audio audio = Music(44100, 0.3, -40);
+    const Audio audio = Music(44100, 0.303, -40);
     const auto both = [&](auto change) {
         change(detector), change(plain);
         Play(detector, audio), Play(plain, audio);
@@ -156,6 +144,7 @@ TEST(SameAsPlainOnTheWay, SettingsTakeHoldWithoutDisturbingTheAnalysis) {
     both([](auto& d) { d.SetBandwidthAndTune(0.03F, 0.3F); });
     both([](auto& d) { d.SetMonoEnabled(true); });
     both([](auto& d) { d.SetMonoEnabled(true); });
+    both([](auto& d) { d.SetTuningEnabled(true); });
     both([](auto& d) { d.SetTuningEnabled(true); });
     both([](auto& d) { d.SetHarmonics(0, 750, 500, 250); });
     both([](auto& d) { d.Reset(); });
