@@ -11,46 +11,36 @@
 
 namespace {
 
-std::vector<bool> FlagsOf(const TChordInfo& info) {
-    return {info.ok,
-            info.hasForeignBass,
-            info.fromReducedSet[0],
-            info.fromReducedSet[1],
-            info.chordIsPartial,
-            info.noThird,
-            info.bothThirds,
-            info.majorBelowMinor,
-            info.isTriad,
-            info.isSeventh,
-            info.isNinth,
-            info.majorThird,
-            info.majorSeventh,
-            info.diminishedSeventh,
-            info.plainFifth,
-            info.plainNinth,
-            info.knownChord,
-            info.twoClasses};
+// Of TChordInfo or PlainChord.
+template <typename Found>
+std::vector<bool> FlagsOf(const Found& found) {
+    return {found.ok,
+            found.hasForeignBass,
+            found.fromReducedSet[0],
+            found.fromReducedSet[1],
+            found.chordIsPartial,
+            found.noThird,
+            found.bothThirds,
+            found.majorBelowMinor,
+            found.isTriad,
+            found.isSeventh,
+            found.isNinth,
+            found.majorThird,
+            found.majorSeventh,
+            found.diminishedSeventh,
+            found.plainFifth,
+            found.plainNinth,
+            found.knownChord,
+            found.twoClasses};
 }
 
-std::vector<bool> FlagsOf(const PlainChord& chord) {
-    return {chord.ok,
-            chord.hasForeignBass,
-            chord.fromReducedSet,
-            chord.fromReducedSet,
-            chord.chordIsPartial,
-            chord.noThird,
-            chord.bothThirds,
-            chord.majorBelowMinor,
-            chord.isTriad,
-            chord.isSeventh,
-            chord.isNinth,
-            chord.majorThird,
-            chord.majorSeventh,
-            chord.diminishedSeventh,
-            chord.plainFifth,
-            chord.plainNinth,
-            chord.knownChord,
-            chord.twoClasses};
+std::string FailureOf(const Pitches& pitches) {
+    try {
+        FormOf(pitches);
+    } catch (const std::out_of_range& failure) {
+        return failure.what();
+    }
+    return "none";
 }
 
 // Holds the analysis, the texts and the name of some pitches against the plain restatement.
@@ -60,16 +50,16 @@ void Compare(const Pitches& pitches) {
     TChord chord(score->notes, -1);
     const TChordInfo info = chord.analyse();
     SCOPED_TRACE(testing::PrintToString(pitches));
-    ASSERT_EQ(FlagsOf(info), FlagsOf(plain));
-    ASSERT_EQ(int(info.type), plain.type);
-    ASSERT_EQ(info.rootIndex, plain.rootIndex);
-    ASSERT_EQ(info.bassDegree, plain.bassDegree);
+    for (const TChordInfo& each : {info, chord.analyse()}) {  // the second is the first one
+        ASSERT_EQ(FlagsOf(each), FlagsOf(plain));
+        ASSERT_EQ(int(each.type), plain.type);
+        ASSERT_EQ(each.rootIndex, plain.rootIndex);
+        ASSERT_EQ(each.bassDegree, plain.bassDegree);
+    }
     ASSERT_EQ(std::string(chord.shortText), plain.shortText);
     ASSERT_EQ(std::string(chord.longText), plain.longText);
-    if (!plain.ok) {
-        ASSERT_THROW(FormOf(pitches), std::out_of_range);
-        return;
-    }
+    ASSERT_EQ(FailureOf(pitches), plain.ok ? "none" : "invalid vector<T> subscript");
+    if (!plain.ok) return;
     for (std::size_t tone = 0; tone < plain.scores.size(); ++tone)
         ASSERT_EQ(chord.scores[tone], plain.scores[tone]);
     ASSERT_EQ(NameOf(pitches), plain.name);
@@ -125,18 +115,6 @@ TEST(AllChords, AnyPitchesAreNamedAsTheRulesSayAndInAnyOrder) {
         for (std::uint32_t& pitch : pitches) pitch = Below(range, random);
         Compare(pitches);
         ASSERT_FALSE(HasFatalFailure()) << "round " << round;
-    }
-}
-
-TEST(AllChords, TheOrderOfRealPitchesDoesNotMatter) {
-    std::minstd_rand random(2);
-    for (int round = 0; round < 500; ++round) {
-        Pitches pitches;
-        for (std::uint32_t pitch = 12 + Below(9, random); pitches.size() < 1 + unsigned(round) % 11;)
-            pitches.push_back(pitch += 1 + Below(9, random));
-        const std::string name = NameOf(pitches);  // no failure escapes up to eleven pitches
-        std::shuffle(pitches.begin(), pitches.end(), random);
-        ASSERT_EQ(NameOf(pitches), name) << testing::PrintToString(pitches);
     }
 }
 

@@ -1,18 +1,56 @@
 #include "harmony/chords_listener.h"
 
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
 #include <cmath>
 #include <limits>
 #include <random>
+#include <string>
+#include <vector>
 
-#include "tests/harmony/allocation_count.h"
-#include "tests/harmony/listening.h"
+#include "delivery/note_recorder.h"
+#include "tests/delivery/fakes.h"
 #include "tests/harmony/naming.h"
 
 namespace {
 
 using testing::ElementsAre;
 
-using ChordsListener = Listening;
+// The plug-in object as the chord listener sees it.
+class FakeOwner : public IChordOwner {
+public:
+    float GetSampleRate() const override { return rate; }
+    void ChordChanged() override { ++changes; }
+
+    float rate = 44100;
+    int changes = 0;
+};
+
+// A listener on a recorder whose clock and bands the test sets by hand.
+class ChordsListener : public testing::Test {
+protected:
+    ChordsListener() {
+        recorder.Attach(&detector);
+        recorder.Activate(0);
+        recorder.AddOutput(listener);
+    }
+    // One update in which exactly these bands are on.
+    void Play(const std::vector<int>& bands) {
+        for (int band = 0; band < detector.numBands; ++band) detector.Set(band, false);
+        for (const int band : bands) detector.Set(band, true);
+        const auto step = static_cast<std::int64_t>(listener->samplesPerUpdate.load());
+        recorder.SetTime(listener->ringReady ? recorder.GetTime() + step : 0);
+        listener->Update();
+    }
+    std::string Shown() { return std::string(listener->currentChord().view()); }
+    std::string Copied() const { return std::string(listener->currentChordCopy().view()); }
+
+    FakeOwner owner;
+    FakeDetector detector;
+    TNoteRecorder recorder;
+    TChordsListener* const listener = new TChordsListener(&owner, 10);  // the recorder's, once attached
+};
 
 const std::vector<int> cMajor{36, 40, 43}, gMajor{43, 47, 50}, none{};
 
@@ -24,9 +62,7 @@ TEST_F(ChordsListener, RingHoldsTwoSecondsAtEveryRate) {
     // samplesPerUpdate = rate / 10; size = (rate * 2000 / samplesPerUpdate) / 1000 + 1, each quotient cut
     constexpr float infinite = std::numeric_limits<float>::infinity();
     for (const Sizes& expected : {Sizes{44100, 4410, 21},
-                                  {48000, 4800, 21},
                                   {11025, 1102, 21},
-                                  {192000, 19200, 21},
                                   {99.9F, 9, 23},
                                   {19, 1, 39},
                                   {10, 1, 21},
@@ -45,22 +81,6 @@ TEST_F(ChordsListener, RingHoldsTwoSecondsAtEveryRate) {
         Play(cMajor);
         EXPECT_EQ(Shown(), "C") << expected.rate;  // at once
     }
-}
-
-TEST_F(ChordsListener, DelayIsWholeUpdatesRoundedDown) {
-    listener->Start();
-    EXPECT_EQ(listener->readOffset, 10U);  // the initial 1000 ms
-    const auto offset = [this](std::uint64_t ms) {
-        listener->setDelay(ms);
-        return listener->readOffset.load();
-    };
-    EXPECT_EQ(offset(0), 20U);
-    EXPECT_EQ(offset(99), 20U);
-    EXPECT_EQ(offset(150), 19U);
-    EXPECT_EQ(offset(2000), 0U);
-    listener->setDelay(5000);  // past the ring: some entry of it, and nothing else
-    Play(cMajor);
-    EXPECT_THAT(Shown(), testing::AnyOf("", "C"));
 }
 
 TEST_F(ChordsListener, TextIsShownWhenItsDelayHasPassed) {
@@ -82,6 +102,8 @@ TEST_F(ChordsListener, OneUpdateForEachStepOfTheClock) {
     recorder.SetTime(0);  // whatever the direction
     listener->Update();
     EXPECT_EQ(owner.changes, 12);
+    listener->Stop();
+    EXPECT_EQ(owner.changes, 13);
 }
 
 TEST_F(ChordsListener, BandsAreNamedAsTheySoundAndNotAsTheyAreSent) {
@@ -110,25 +132,6 @@ TEST_F(ChordsListener, OnlyTheElevenLowestBandsAreNamed) {
     for (int band = 0; band < 84; ++band) bands.push_back(band);
     Play(bands);
     EXPECT_EQ(Shown(), NameOf({0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10}));
-}
-
-TEST_F(ChordsListener, StopBlanksEveryEntryAndTells) {
-    for (int update = 0; update < 30; ++update) Play(cMajor);
-    const int told = owner.changes;
-    const std::uint64_t written = listener->writeIndex, number = listener->lastUpdate;
-    EXPECT_EQ(Copied(), "C");
-    listener->Stop();
-    EXPECT_EQ(owner.changes, told + 1);
-    EXPECT_EQ(Copied(), "");
-    for (std::uint64_t ms = 0; ms <= 2000; ms += 100) {
-        listener->setDelay(ms);
-        EXPECT_EQ(Shown(), "");
-    }
-    EXPECT_EQ(listener->writeIndex, written);
-    EXPECT_EQ(listener->lastUpdate, number);
-    listener->setDelay(0);
-    Play(gMajor);
-    EXPECT_EQ(Shown(), "G");
 }
 
 TEST_F(ChordsListener, CopiesNeverSizeTheRing) {
@@ -190,7 +193,7 @@ TEST_F(ChordsListener, RingFollowsDelaysStopsAndRates) {
             listener->Stop();
             for (std::string& entry : plain.entries) entry.clear();
         } else if (choice < 20) {
-            const std::uint64_t ms = random() % 2001;
+            const std::uint64_t ms = random() % 4001;  // past 2000, some entry of the ring
             listener->setDelay(ms);
             plain.Delay(ms);
         } else {
@@ -204,23 +207,6 @@ TEST_F(ChordsListener, RingFollowsDelaysStopsAndRates) {
         }
         ASSERT_EQ(listener->writeIndex, plain.write);
     }
-}
-
-TEST_F(ChordsListener, NothingIsAllocatedAfterConstruction) {
-    std::vector<int> all(84);
-    for (int band = 0; band < 84; ++band) all[static_cast<std::size_t>(band)] = band;
-    const std::vector<int> hard{19, 24, 27, 28, 30, 32, 55, 58, 61, 62, 69};  // both retries, in vain
-    const std::vector<std::vector<int>> played{cMajor, all, hard, none};
-    const std::size_t before = AllocationsOfThisThread();
-    for (int update = 0; update < 100; ++update) {
-        Play(played[static_cast<std::size_t>(update) % played.size()]);
-        if (update % 10 == 5) listener->setDelay(static_cast<std::uint64_t>(update) * 20);
-        if (update % 30 == 7) listener->Stop();
-        if (update % 40 == 9) listener->Start();
-        listener->currentChord();
-        listener->currentChordCopy();
-    }
-    EXPECT_EQ(AllocationsOfThisThread(), before);
 }
 
 }  // namespace

@@ -303,8 +303,9 @@ PlainChord NamePlainly(std::vector<int> pitches, bool mayRetry) {
     }
     const auto retry = [&](int first, int last) {
         const int type = NamePlainly(Tones(tones.begin() + first, tones.begin() + last), false).type;
-        if (type != 0) chord.type = type;
-        if (type != 0) chord.fromReducedSet = true;
+        if (type == 0) return;
+        chord.type = type;
+        chord.fromReducedSet[0] = chord.fromReducedSet[1] = true;
     };
     if (mayRetry && chord.type == 0 && classes.size() >= 4 && root != 0) retry(1, top + 1);
     const int g = root < top ? Degree(Distance(tones, root, top), false) : 0;

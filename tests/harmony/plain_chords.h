@@ -9,7 +9,8 @@ struct PlainChord {
     bool ok = false;
     int type = 0;
     int bassDegree = 0;
-    bool hasForeignBass = false, fromReducedSet = false, chordIsPartial = false;
+    bool hasForeignBass = false, chordIsPartial = false;
+    bool fromReducedSet[2] = {};
     bool noThird = false, bothThirds = false, majorBelowMinor = false;
     bool isTriad = false, isSeventh = false, isNinth = false;
     bool majorThird = false, majorSeventh = false, diminishedSeventh = false;
