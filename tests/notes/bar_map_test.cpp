@@ -130,24 +130,6 @@ TEST(BarMap, SpacingIsDefinedForEveryTempo) {
     EXPECT_EQ(BarSpacing(lastTick, 0, 1), std::uint64_t{lastTick} * 5292000);
 }
 
-// A gap of 10 bars and 11025 ticks: 10 counted, the first of them the bar that is there, so 9 are added.
-TEST(BarMap, NormalizingFillsAWideGapWithOneBarLessThanCounted) {
-    const auto score = WithBars({0, 44100, 44100 * 11 + 11025});
-    score->NormalizeBars(4, 2, 120, 0);
-    EXPECT_EQ(score->bars.size(), 3U + 9U);
-    EXPECT_EQ(std::prev(score->bars.end(), 2)->first, 44100U * 10);
-    EXPECT_EQ(score->bars.rbegin()->second.barIndex, 12U);
-}
-
-TEST(BarMap, NormalizingNeverComparesTheFirstBar) {
-    const auto score = WithBars({0, 1});
-    score->NormalizeBars(4, 2, 120, 0);
-    EXPECT_THAT(Times(score->bars), ElementsAre(0, 1));
-    score->NormalizeBars(3, 2, 120, 11026);  // the end is just far enough for a bar of its own
-    EXPECT_THAT(Times(score->bars), ElementsAre(0, 1, 11026));
-    EXPECT_EQ(score->bars.at(11026), (TBar{3, 3}));
-}
-
 // Spacings from a few ticks, where most new bars are merged again, to several minutes; numbers too.
 TEST(BarMap, NormalizingInOnePassIsNormalizingStepByStep) {
     std::minstd_rand random(1);
