@@ -35,45 +35,6 @@ std::vector<std::uint64_t> BitsOf(const Array& array, int count) {
     return bits;
 }
 
-// Band by band.
-inline std::vector<std::uint64_t> TapBits(const PlainDetector& detector, const PlainDetector::Taps& taps) {
-    std::vector<std::uint64_t> bits;
-    for (std::size_t band = 0; band < static_cast<std::size_t>(detector.numBands); ++band)
-        for (const std::int32_t tap : taps[band]) bits.push_back(BitsOf(tap));
-    return bits;
-}
-inline std::vector<std::uint64_t> TapBits(const TRealTimeTS107& detector,
-                                          const TAutoArray<std::int32_t>& taps) {
-    std::vector<std::uint64_t> bits;
-    for (int band = 0; band < detector.numBands; ++band)
-        for (int row = 0; row < detector.blockLength - 1; ++row)
-            bits.push_back(BitsOf(taps[row * detector.bandStride + band]));
-    return bits;
-}
-
-#define FIELD(name) state.push_back({#name, {BitsOf(d.name)}})
-#define ARRAY(name) state.push_back({#name, BitsOf(d.name, d.numBands)})
-
-// Tables, gains and every other setting: what no Reset changes.
-template <typename Detector>
-DetectorState SettingsOf(const Detector& d) {
-    DetectorState state;
-    FIELD(numBands), FIELD(sampleRate), FIELD(frameLength), FIELD(referenceBand), FIELD(dipFactor);
-    FIELD(tuningEnabled), FIELD(harmonicsEnabled), FIELD(equalizerEnabled), FIELD(monoEnabled);
-    FIELD(retriggerEnabled), FIELD(harmonicBase), FIELD(harmonic2), FIELD(harmonic3), FIELD(harmonic4);
-    FIELD(peakSlack), FIELD(floorDb), FIELD(relativeThreshold), FIELD(relativeThresholdSq), FIELD(tuneSeed);
-    FIELD(bandwidth), FIELD(tune), FIELD(blockLength), FIELD(blockDecay), FIELD(frameDecay), FIELD(refOmega);
-    FIELD(gainScale), FIELD(peakRatio), FIELD(floorAmp), FIELD(floorPower);
-    ARRAY(feedAA), ARRAY(feedAB), ARRAY(feedBA), ARRAY(feedBB), ARRAY(inputAR), ARRAY(inputAI);
-    ARRAY(inputBR), ARRAY(inputBI), ARRAY(tapZero), ARRAY(dipScale), ARRAY(eqGain), ARRAY(eqGainSq);
-    state.push_back({"harmonicCoefficients", BitsOf(d.harmonicCoefficients, 26)});
-    state.push_back({"tapPowersRe", BitsOf(d.tapPowersRe, d.blockLength - 1)});
-    state.push_back({"tapPowersIm", BitsOf(d.tapPowersIm, d.blockLength - 1)});
-    state.push_back({"tapsRe", TapBits(d, d.tapsRe)});
-    state.push_back({"tapsIm", TapBits(d, d.tapsIm)});
-    return state;
-}
-
 // The running block's accumulators, the real ones before the others; the detector keeps samples and folds
 // them later.
 inline std::vector<std::int32_t> AccumulatorsOf(const PlainDetector& d) {
@@ -87,28 +48,33 @@ inline std::vector<std::int32_t> AccumulatorsOf(const TRealTimeTS107& d) {
     return folded;
 }
 
-// What was heard so far.
+#define FIELD(name) state.push_back({#name, {BitsOf(d.name)}})
+#define ARRAY(name) state.push_back({#name, BitsOf(d.name, d.numBands)})
+
+// The tables of the resonators are not among it: whatever they hold shows in the states at the next block.
 template <typename Detector>
-DetectorState AnalysisOf(const Detector& d) {
+DetectorState StateOf(const Detector& d) {
     DetectorState state;
-    FIELD(blockCountdown), FIELD(frameCountdown), FIELD(tuneLeft), FIELD(tuneCentre), FIELD(tuneRight);
+    FIELD(blockCountdown), FIELD(frameCountdown);
     state.push_back({"accRe and accIm", BitsOf(AccumulatorsOf(d), 2 * d.numBands)});
-    ARRAY(stateA), ARRAY(stateB), ARRAY(energy), ARRAY(energyPrev1), ARRAY(energyPrev2);
-    ARRAY(separated), ARRAY(amplitude), ARRAY(eqAmplitude);
-    ARRAY(rising), ARRAY(peakNow), ARRAY(peakOld), ARRAY(peakOlder), ARRAY(noteOn);
-    FIELD(peakLevel), FIELD(threshold), ARRAY(levelCap), ARRAY(rhs);
+    ARRAY(stateA), ARRAY(stateB), ARRAY(energy), ARRAY(energyPrev1), ARRAY(energyPrev2), ARRAY(dipScale);
+    ARRAY(rising), ARRAY(peakNow), ARRAY(peakOld), ARRAY(peakOlder), ARRAY(noteOn), FIELD(peakRatio);
+    FIELD(tune), FIELD(tuneLeft), FIELD(tuneCentre), FIELD(tuneRight);
+    ARRAY(amplitude), ARRAY(levelCap), ARRAY(rhs), ARRAY(separated);
+    ARRAY(eqGain), ARRAY(eqGainSq), ARRAY(eqAmplitude), FIELD(peakLevel), FIELD(threshold);
     return state;
 }
 
 #undef FIELD
 #undef ARRAY
 
-// Empty if the states are the same bit for bit, or else the first field and element that differ.
-inline std::string Difference(const DetectorState& one, const DetectorState& other) {
-    if (one.size() != other.size()) return "unlike states";
-    for (std::size_t field = 0; field < one.size(); ++field) {
-        const auto& [name, bits] = one[field];
-        const auto& otherBits = other[field].second;
+// Empty if the detectors are the same bit for bit, or else the first field and element that differ.
+template <typename One, typename Other>
+std::string Difference(const One& one, const Other& other) {
+    const DetectorState state = StateOf(one), otherState = StateOf(other);
+    for (std::size_t field = 0; field < state.size(); ++field) {
+        const auto& [name, bits] = state[field];
+        const auto& otherBits = otherState[field].second;
         if (bits.size() != otherBits.size()) return name + ": unlike lengths";
         for (std::size_t index = 0; index < bits.size(); ++index) {
             if (bits[index] == otherBits[index]) continue;
@@ -120,8 +86,12 @@ inline std::string Difference(const DetectorState& one, const DetectorState& oth
     return {};
 }
 
-template <typename One, typename Other>
-std::string Difference(const One& one, const Other& other) {
-    const std::string settings = Difference(SettingsOf(one), SettingsOf(other));
-    return settings.empty() ? Difference(AnalysisOf(one), AnalysisOf(other)) : settings;
+// One frame on whatever stands in `energy`: a sample of silence within a block is folded in and steps
+// nothing.
+template <typename Detector>
+void RunFrame(Detector& detector) {
+    const short silence = 0;
+    detector.blockCountdown = detector.blockLength;
+    detector.frameCountdown = 1;
+    detector.Process(&silence, sizeof silence);
 }

@@ -1,5 +1,4 @@
 #pragma once
-#include <array>
 #include <cmath>
 #include <cstdint>
 #include <vector>
@@ -38,13 +37,32 @@ public:
     }
 
     void Reset() {
-        ClearAnalysis();
+        frameCountdown = frameLength;
+        blockCountdown = blockLength;
+        for (Floats* array :
+             {&energyPrev1, &energyPrev2, &separated, &eqAmplitude, &amplitude, &energy, &stateA, &stateB})
+            array->Clear();
+        for (Words* array : {&accRe, &accIm}) array->Clear();
+        for (Flags* array : {&peakNow, &peakOld, &peakOlder, &noteOn}) array->Clear();
         SeedTuning();
     }
 
-    void SetSampleRate(std::int32_t rate) {
-        sampleRate = rate;
-        RateSetUp();
+    void SetSampleRate(std::int32_t sampleRate) {
+        const auto rate = static_cast<float>(sampleRate);
+        blockLength = sampleRate / 4000 < 2 ? 2 : sampleRate / 4000;
+        frameLength = sampleRate / 100;
+        const auto frame = static_cast<float>(frameLength);
+        blockDecay = 0.01F / (static_cast<float>(blockLength) / rate + 0.01F);
+        frameDecay = 0.2F / (frame / rate + 0.2F);
+        refOmega = 2764.601535159024 / sampleRate;
+        dipFactor = frame * 0.00013911664F * frame * static_cast<float>(refOmega);
+        gainScale = std::sqrt(1.0 - static_cast<double>(blockDecay)) * 6.103888176768602e-05;
+        eqGain.assign(Count(), 1);
+        eqGainSq.assign(Count(), 1);
+        for (Taps* taps : {&tapsRe, &tapsIm})
+            for (auto& row : *taps) row.resize(At(blockLength - 1));
+        BuildResonators();
+        UpdatePeakRatio();
         Reset();
     }
 
@@ -56,30 +74,21 @@ public:
     }
 
     void SetHarmonics(std::int32_t base, std::int32_t second, std::int32_t third, std::int32_t fourth) {
-        harmonicBase = base, harmonic2 = second, harmonic3 = third, harmonic4 = fourth;
         const auto ratio = [base](std::int32_t h) {
             return static_cast<float>(h < 0 ? 0 : h) / static_cast<float>(base < 1 ? 1 : base);
         };
-        const float h2 = ratio(second), h3 = ratio(third), h4 = ratio(fourth);
-        const float a = h2 * h2, b = h3 * h3, c = h4 * h4;
-        const float d2 = 1 / (1 + a * a), d3 = 1 / (1 + a * a + b * b), d4 = 1 / (1 + a * a + b * b + c * c);
-        const float x5 = b * c, x7 = a * b, x12 = (1 + c) * a;
-        harmonicCoefficients = {d4,      d4 * a,   d4 * b,  d4 * c,   d3,      d3 * a,  d3 * b,
-                                d3 * c,  d2,       d2 * a,  d2 * b,   d2 * c,  a,       b,
-                                c,       d4 * x5,  d4 * x7, d4 * x12, d3 * x5, d3 * x7, d3 * x12,
-                                d2 * x7, d2 * x12, 1 - h2,  1 - h3,   1 - h4};
+        h2 = ratio(second), h3 = ratio(third), h4 = ratio(fourth);
+        a = h2 * h2, b = h3 * h3, c = h4 * h4;
+        d2 = 1 / (1 + a * a), d3 = 1 / (1 + a * a + b * b), d4 = 1 / (1 + a * a + b * b + c * c);
+        x5 = b * c, x7 = a * b, x12 = (1 + c) * a;
     }
 
     void SetFloorDb(float dB) {
-        floorDb = dB;
         floorPower = std::exp(dB * 0.2302609F);
         floorAmp = std::sqrt(floorPower);
     }
 
-    void SetRelativeThreshold(float ratio) {
-        relativeThreshold = ratio;
-        relativeThresholdSq = ratio * ratio;
-    }
+    void SetRelativeThreshold(float ratio) { relativeThresholdSq = ratio * ratio; }
 
     void SetTuningEnabled(bool enabled) {
         if (enabled && !tuningEnabled) SeedTuning();
@@ -101,7 +110,7 @@ public:
         eqGainSq[At(band)] = gain * gain;
     }
 
-    std::int32_t numBands, sampleRate = 0, frameLength = 0, referenceBand;
+    std::int32_t numBands, referenceBand, blockLength = 0, frameLength = 0;
     Floats stateA, stateB, feedAA, feedAB, feedBA, feedBB, inputAR, inputAI, inputBR, inputBI;
     Words accRe, accIm, tapZero;
     Taps tapsRe, tapsIm;  // [band][k - 1]: weight of the sample k samples before the block's newest
@@ -110,43 +119,24 @@ public:
     float dipFactor = 0;
     bool tuningEnabled = true, harmonicsEnabled = true, equalizerEnabled = false, monoEnabled = false;
     bool retriggerEnabled = true;
-    std::int32_t harmonicBase = 0, harmonic2 = 0, harmonic3 = 0, harmonic4 = 0;
-    float peakSlack = 0.5F, floorDb = 0, relativeThreshold = 0, relativeThresholdSq = 0, peakLevel = 0;
-    float tuneLeft = 0, tuneCentre = 0, tuneRight = 0, tuneSeed = 0;
-    std::vector<double> tapPowersRe, tapPowersIm;
+    float peakSlack = 0.5F, relativeThresholdSq = 0, peakLevel = 0;
+    float tuneLeft = 0, tuneCentre = 0, tuneRight = 0;
     float bandwidth = 0.02F, tune = 0;
     Floats energy, amplitude, eqAmplitude, separated;
     Floats eqGain, eqGainSq, levelCap, rhs;
-    std::array<float, 26> harmonicCoefficients = {};
-    std::int32_t blockCountdown = 0, frameCountdown = 0, blockLength = 0;
+    std::int32_t blockCountdown = 0, frameCountdown = 0;
     float blockDecay = 0, frameDecay = 0;
     double refOmega = 0, gainScale = 0;
     float peakRatio = 0, threshold = 0, floorAmp = 0, floorPower = 0;
 
 private:
+    float h2 = 0, h3 = 0, h4 = 0;   // amplitudes of a note's partials
+    float a = 0, b = 0, c = 0;      // and their powers
+    float d2 = 0, d3 = 0, d4 = 0;   // of the fit, by how many partials lie within the spectrum
+    float x5 = 0, x7 = 0, x12 = 0;  // overlaps of two notes so many bands apart
+
     static std::size_t At(std::int32_t index) { return static_cast<std::size_t>(index); }
     std::size_t Count() const { return At(numBands); }
-
-    void RateSetUp() {
-        const auto rate = static_cast<float>(sampleRate);
-        blockLength = sampleRate / 4000 < 2 ? 2 : sampleRate / 4000;
-        frameLength = sampleRate / 100;
-        const auto frame = static_cast<float>(frameLength);
-        blockDecay = 0.01F / (static_cast<float>(blockLength) / rate + 0.01F);
-        frameDecay = 0.2F / (frame / rate + 0.2F);
-        tuneSeed = 1 / (1 - frameDecay);
-        refOmega = 2764.601535159024 / sampleRate;
-        dipFactor = frame * 0.00013911664F * frame * static_cast<float>(refOmega);
-        gainScale = std::sqrt(1.0 - static_cast<double>(blockDecay)) * 6.103888176768602e-05;
-        eqGain.assign(Count(), 1);
-        eqGainSq.assign(Count(), 1);
-        for (Taps* taps : {&tapsRe, &tapsIm})
-            for (auto& row : *taps) row.resize(At(blockLength - 1));
-        tapPowersRe.resize(At(blockLength - 1));
-        tapPowersIm.resize(At(blockLength - 1));
-        BuildResonators();
-        UpdatePeakRatio();
-    }
 
     void BuildResonators() {
         const double r = bandwidth, t = tune, q = bandwidth * bandwidth;  // q: squared in single precision
@@ -160,10 +150,11 @@ private:
             dipScale[i] = static_cast<float>(omega) * dipFactor;
             const double rho = std::exp(-r * omega);
             const double p = rho * std::cos(omega * w), pIm = rho * std::sin(omega * w);
+            std::vector<double> powersRe, powersIm;
             double re = p, im = pIm, sumRe = 1, sumIm = 0;
-            for (std::size_t k = 0; k < tapPowersRe.size(); ++k) {
-                tapPowersRe[k] = re;
-                tapPowersIm[k] = im;
+            for (std::int32_t k = 1; k < blockLength; ++k) {
+                powersRe.push_back(re);
+                powersIm.push_back(im);
                 sumRe += std::fabs(re);
                 sumIm += std::fabs(im);
                 const double next = re * p - im * pIm;
@@ -172,9 +163,9 @@ private:
             }
             const double scaleRe = 2147483647 / (32767 * sumRe), scaleIm = 2147483647 / (32767 * sumIm);
             tapZero[i] = static_cast<std::int32_t>(scaleRe);
-            for (std::size_t k = 0; k < tapPowersRe.size(); ++k) {
-                tapsRe[i][k] = static_cast<std::int32_t>(scaleRe * tapPowersRe[k]);
-                tapsIm[i][k] = static_cast<std::int32_t>(scaleIm * tapPowersIm[k]);
+            for (std::size_t k = 0; k < powersRe.size(); ++k) {
+                tapsRe[i][k] = static_cast<std::int32_t>(scaleRe * powersRe[k]);
+                tapsIm[i][k] = static_cast<std::int32_t>(scaleIm * powersIm[k]);
             }
             const double s = im / w, u = 1 - p;
             feedAA[i] = static_cast<float>(re - r * s);
@@ -196,18 +187,8 @@ private:
     }
 
     void SeedTuning() {
-        tuneCentre = tuneSeed;
-        tuneLeft = tuneRight = tuneSeed * 0.5F * peakRatio;
-    }
-
-    void ClearAnalysis() {
-        frameCountdown = frameLength;
-        blockCountdown = blockLength;
-        for (Floats* array :
-             {&energyPrev1, &energyPrev2, &separated, &eqAmplitude, &amplitude, &energy, &stateA, &stateB})
-            array->Clear();
-        for (Words* array : {&accRe, &accIm}) array->Clear();
-        for (Flags* array : {&peakNow, &peakOld, &peakOlder, &noteOn}) array->Clear();
+        tuneCentre = 1 / (1 - frameDecay);
+        tuneLeft = tuneRight = tuneCentre * 0.5F * peakRatio;
     }
 
     static void AddProduct(std::int32_t& sum, std::int32_t weight, std::int32_t x) {  // wraps at 32 bits
@@ -226,9 +207,9 @@ private:
             for (std::size_t i = 0; i < Count(); ++i) {
                 AddProduct(accRe[i], tapZero[i], x);
                 const auto re = static_cast<float>(accRe[i]), im = static_cast<float>(accIm[i]);
-                const float a = stateA[i], b = stateB[i];
-                stateA[i] = a * feedAA[i] + b * feedAB[i] + re * inputAR[i] + im * inputAI[i];
-                stateB[i] = a * feedBA[i] + b * feedBB[i] + re * inputBR[i] + im * inputBI[i];
+                const float oldA = stateA[i], oldB = stateB[i];
+                stateA[i] = oldA * feedAA[i] + oldB * feedAB[i] + re * inputAR[i] + im * inputAI[i];
+                stateB[i] = oldA * feedBA[i] + oldB * feedBB[i] + re * inputBR[i] + im * inputBI[i];
                 accRe[i] = accIm[i] = 0;
                 energy[i] = energy[i] * blockDecay + stateA[i] * stateA[i] + stateB[i] * stateB[i];
             }
@@ -281,35 +262,45 @@ private:
 
     float LimitOf(std::size_t i) const {
         constexpr std::size_t distances[] = {12, 19, 24};
+        const float losses[] = {1 - h2, 1 - h3, 1 - h4};
         std::size_t partials = 0;
         while (partials < 3 && i + distances[partials] < Count()) ++partials;
         if (partials == 0) return energy[i];
-        const float a = amplitude[i];
-        float least = a;
+        const float alone = amplitude[i];
+        float least = alone;
         for (std::size_t partial = 0; partial < partials; ++partial) {
-            const float t = a * harmonicCoefficients[23 + partial] + amplitude[i + distances[partial]];
+            const float t = alone * losses[partial] + amplitude[i + distances[partial]];
             if (t < 0) return 0;
-            if (partials == 1 && t >= a) return energy[i];
+            if (partials == 1 && t >= alone) return energy[i];
             if (t < least) least = t;
         }
         return least * least;
     }
 
+    // The sum over a band and its partials, by how many of these lie within the spectrum.
+    float RightHandSideOf(std::size_t i) const {
+        const Floats& l = levelCap;
+        if (i + 24 < Count()) return d4 * l[i] + d4 * a * l[i + 12] + d4 * b * l[i + 19] + d4 * c * l[i + 24];
+        if (i + 19 < Count()) return d3 * l[i] + d3 * a * l[i + 12] + d3 * b * l[i + 19];
+        if (i + 12 < Count()) return d2 * l[i] + d2 * a * l[i + 12];
+        return l[i];
+    }
+
     // What the notes around a band already explain of its right-hand side, term by term.
     float CrossOf(std::size_t i) const {
         const auto& x = separated;
-        const auto& k = harmonicCoefficients;
         const auto below = [&](std::size_t distance) { return i < distance ? 0.0F : x[i - distance]; };
         const auto both = [&](std::size_t distance) { return below(distance) + x[i + distance]; };
         if (i + 24 < Count())
-            return k[15] * both(5) + k[16] * both(7) + k[17] * both(12) + k[2] * both(19) + k[3] * both(24);
+            return d4 * x5 * both(5) + d4 * x7 * both(7) + d4 * x12 * both(12) + d4 * b * both(19) +
+                   d4 * c * both(24);
         if (i + 19 < Count())
-            return k[18] * below(5) + k[19] * both(7) + k[20] * below(12) + k[5] * x[i + 12] +
-                   k[6] * both(19) + k[7] * below(24);
+            return d3 * x5 * below(5) + d3 * x7 * both(7) + d3 * x12 * below(12) + d3 * a * x[i + 12] +
+                   d3 * b * both(19) + d3 * c * below(24);
         if (i + 12 < Count())
-            return k[21] * below(7) + k[22] * below(12) + k[9] * x[i + 12] + k[10] * below(19) +
-                   k[11] * below(24);
-        return k[12] * below(12) + k[13] * below(19) + k[14] * below(24);
+            return d2 * x7 * below(7) + d2 * x12 * below(12) + d2 * a * x[i + 12] + d2 * b * below(19) +
+                   d2 * c * below(24);
+        return a * below(12) + b * below(19) + c * below(24);
     }
 
     void SeparateHarmonics() {
@@ -319,18 +310,7 @@ private:
         }
         for (std::size_t i = 0; i < Count(); ++i) amplitude[i] = std::sqrt(energy[i]);
         for (std::size_t i = 0; i < Count(); ++i) separated[i] = levelCap[i] = LimitOf(i);
-        const Floats& l = levelCap;
-        const auto& k = harmonicCoefficients;
-        for (std::size_t i = 0; i < Count(); ++i) {
-            if (i + 24 < Count())
-                rhs[i] = k[0] * l[i] + k[1] * l[i + 12] + k[2] * l[i + 19] + k[3] * l[i + 24];
-            else if (i + 19 < Count())
-                rhs[i] = k[4] * l[i] + k[5] * l[i + 12] + k[6] * l[i + 19];
-            else if (i + 12 < Count())
-                rhs[i] = k[8] * l[i] + k[9] * l[i + 12];
-            else
-                rhs[i] = l[i];
-        }
+        for (std::size_t i = 0; i < Count(); ++i) rhs[i] = RightHandSideOf(i);
         for (int sweep = 0; sweep < 10; ++sweep) {
             for (std::size_t i = 0; i < Count(); ++i) {
                 const float x = rhs[i] - CrossOf(i);

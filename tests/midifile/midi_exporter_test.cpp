@@ -70,15 +70,6 @@ TEST(MidiExporter, ASecondAtTempo120IsTwoQuarterNotes) {
                                                MidiEvent{480, 0x80, {69, 0}}));
 }
 
-TEST(MidiExporter, VelocitiesSurviveTheWayThroughALevel) {
-    const auto score = Score();
-    for (std::uint8_t velocity = 0; velocity < 128; ++velocity)
-        Add(*score, second * velocity, second * velocity + 9)->level = VelocityToLevel(velocity);
-    const std::vector<MidiEvent> voices = Voices(TracksOf(*score), 1);
-    for (std::uint8_t velocity = 0; velocity < 128; ++velocity)
-        EXPECT_EQ(voices.at(std::size_t{2} * velocity).data, (Bytes{69, velocity}));
-}
-
 TEST(MidiExporter, LevelsOfAnySizeAreClamped) {
     const auto score = Score();
     Add(*score, 0, 10)->level = std::numeric_limits<std::int32_t>::max();

@@ -29,20 +29,6 @@ TEST(Note, LevelIsTheTruncatedFormulaOfTheVelocity) {
     EXPECT_EQ(VelocityToLevel(0), -2934);   // -88026 / 30 = -2934.2
 }
 
-TEST(Note, EveryFlagIsSetClearedAndReadByItself) {
-    TSimpleNote note;
-    EXPECT_EQ(note.flags, 0xC0000000U);  // included and auxiliary
-    for (const TNoteFlag flag : {nfIncluded, nfAuxiliary, nfExcludedA, nfExcludedB}) {
-        note.flags = 0;
-        note.AssignFlag(flag, true);
-        EXPECT_EQ(note.flags, std::uint32_t{flag});
-        EXPECT_TRUE(note.HasFlag(flag));
-        note.flags = nfIncluded | nfAuxiliary | nfExcludedA | nfExcludedB;
-        note.AssignFlag(flag, false);
-        EXPECT_EQ(note.flags, 0xD8000000U & ~std::uint32_t{flag});
-    }
-}
-
 TEST(Note, EqualsLooksAtEverythingButTheTag) {
     TSimpleNote one, other;
     one.Init(10, 20, 45, -624, 1, 2, 3);

@@ -1,16 +1,26 @@
-// Peaks, hysteresis, threshold, mono rule and tuning, frame by frame on spectra set by hand.
+// Peaks, hysteresis, threshold, mono rule and separation, frame by frame on spectra set by hand.
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <initializer_list>
+#include <map>
 #include <string>
 
 #include "engine/real_time_detector.h"
-#include "tests/engine/spectrum.h"
+#include "tests/engine/detector_state.h"
 
 namespace {
 
-struct Decision : testing::Test {
-    Decision() { detector.SetTuningEnabled(false); }
+using Spectrum = std::map<int, float>;  // powers by band; 0 on all others
+
+void Frame(TRealTimeTS107& detector, const Spectrum& spectrum) {
+    for (int band = 0; band < detector.numBands; ++band) detector.energy[band] = 0;
+    for (const auto& [band, power] : spectrum) detector.energy[band] = power;
+    RunFrame(detector);
+}
+
+struct Frames : testing::Test {
+    Frames() { detector.SetTuningEnabled(false); }
 
     // One frame per letter: 'p' a peak on `band`, '-' silence. Returns noteOn after each, '1' or '0'.
     std::string Flags(const std::string& frames, int band = 45) {
@@ -21,12 +31,24 @@ struct Decision : testing::Test {
         }
         return flags;
     }
+    // Checks that all other bands hold 0.
+    void ExpectNothingBut(std::initializer_list<int> bands) {
+        for (const int band : bands) detector.separated[band] = 0;
+        for (int band = 0; band < detector.numBands; ++band) EXPECT_EQ(detector.separated[band], 0) << band;
+    }
     TRealTimeTS107 detector{44100, 45, 84};
 };
 
+// Powers of the default template's partials: 0.75^2, 0.5^2, 0.25^2.
+constexpr float A = 0.5625F, B = 0.25F, C = 0.0625F;
+
+Spectrum NoteOn(int band) {
+    return {{band, 1.0F}, {band + 12, A}, {band + 19, B}, {band + 24, C}};
+}
+
 }  // namespace
 
-TEST_F(Decision, ThreePeaksBeginANoteAndThreeGapsEndIt) {
+TEST_F(Frames, ThreePeaksBeginANoteAndThreeGapsEndIt) {
     EXPECT_EQ(Flags("ppp---"), "001110");
     EXPECT_EQ(Flags("pp-ppp-"), "0000011");
     EXPECT_EQ(Flags("-p--p---"), "11111110");  // on from above; two gaps at most, then three
@@ -34,7 +56,7 @@ TEST_F(Decision, ThreePeaksBeginANoteAndThreeGapsEndIt) {
 }
 
 // Neighbours whose sum equals 0.8696 of the band leave it no peak: the test is strict.
-TEST_F(Decision, APeakStandsAboveBothNeighboursByTheirSum) {
+TEST_F(Frames, APeakStandsAboveBothNeighboursByTheirSum) {
     const float limit = detector.peakRatio;
     Frame(detector, {{39, limit / 2}, {40, 1.0F}, {41, limit / 2}});
     EXPECT_FALSE(detector.peakNow[40]);
@@ -49,7 +71,7 @@ TEST_F(Decision, APeakStandsAboveBothNeighboursByTheirSum) {
     EXPECT_FALSE(detector.peakNow[41]);
 }
 
-TEST_F(Decision, ALevelEqualToTheThresholdCounts) {
+TEST_F(Frames, ALevelEqualToTheThresholdCounts) {
     detector.SetRelativeThreshold(0);
     Frame(detector, {{45, 1.0F}});
     const float level = detector.separated[45];
@@ -63,7 +85,7 @@ TEST_F(Decision, ALevelEqualToTheThresholdCounts) {
 }
 
 // At band 45 the dip must pass (2 - 2 e0) / (2 + 2 e0) = 0.1063, that is e0 = 0.808 between two frames of 1.
-TEST_F(Decision, ADipInMonoModeBeginsTheNoteAgain) {
+TEST_F(Frames, ADipInMonoModeBeginsTheNoteAgain) {
     const auto play = [this](float power) {
         Frame(detector, {{45, power}});
         return detector.noteOn[45];
@@ -82,14 +104,28 @@ TEST_F(Decision, ADipInMonoModeBeginsTheNoteAgain) {
     EXPECT_TRUE(play(0.4F) && play(1));
 }
 
-TEST_F(Decision, TuningWrapsAtThreeQuartersOfASemitone) {
-    detector.SetTuningEnabled(true);
-    for (const float side : {1.0F, -1.0F}) {
-        detector.SetBandwidthAndTune(0.02F, side * 0.74F);
-        detector.tuneCentre = 0;
-        detector.tuneLeft = side < 0 ? 1 / detector.frameDecay : 0;  // sums of 1 after this frame's decay
-        detector.tuneRight = side > 0 ? 1 / detector.frameDecay : 0;
-        Frame(detector, {{45, 1.0F}});
-        EXPECT_NEAR(detector.tune, side * -0.24, 1e-6);
-    }
+// Its second partial's shortfall leaves 1 - 0.75 of the amplitude, a 16th of the power, and the fit of that
+// 1 / (1 + A^2 + B^2 + C^2) = 0.7232.
+TEST_F(Frames, ALoneSineLosesTheAmplitudeItsPartialsDoNotSupport) {
+    Frame(detector, {{40, 2.0F}});
+    EXPECT_FLOAT_EQ(detector.levelCap[40], 2.0F / 16);
+    EXPECT_NEAR(detector.separated[40], 2 * 0.7232 / 16, 1e-5);
+    ExpectNothingBut({40});
+}
+
+TEST_F(Frames, ANoteTakesItsPartialsWithIt) {
+    Frame(detector, NoteOn(30));
+    EXPECT_FLOAT_EQ(detector.levelCap[30], 1);
+    EXPECT_NEAR(detector.separated[30], 0.78, 0.005);
+    ExpectNothingBut({30});
+}
+
+// Two notes a fifth apart share band 49: the third partial of 30 and the second of 37.
+TEST_F(Frames, TwoNotesThatShareAPartialBothStand) {
+    Spectrum both = NoteOn(30);
+    for (const auto& [band, power] : NoteOn(37)) both[band] += power;
+    Frame(detector, both);
+    EXPECT_NEAR(detector.separated[30], 0.76, 0.005);
+    EXPECT_NEAR(detector.separated[37], 0.73, 0.005);
+    ExpectNothingBut({30, 37});
 }
