@@ -12,7 +12,12 @@
 
 // Everything that a detector holds, as bits, so that two detectors can be compared and the first difference
 // be named. Works for both detectors, which share their fields' names.
-using DetectorState = std::vector<std::pair<std::string, std::vector<std::uint64_t>>>;
+struct StateWord {
+    const char* name;
+    int index;
+    std::uint64_t bits;
+};
+using DetectorState = std::vector<StateWord>;
 
 template <typename Value>
 std::uint64_t BitsOf(const Value& value) {
@@ -24,15 +29,13 @@ std::uint64_t BitsOf(const Value& value) {
 
 // The two detectors' arrays differ in the type of their index.
 template <typename Array>
-std::vector<std::uint64_t> BitsOf(const Array& array, int count) {
-    std::vector<std::uint64_t> bits;
+void Add(DetectorState& state, const char* name, const Array& array, int count) {
     for (int index = 0; index < count; ++index) {
         if constexpr (requires { array.Data(); })
-            bits.push_back(BitsOf(array[index]));
+            state.push_back({name, index, BitsOf(array[index])});
         else
-            bits.push_back(BitsOf(array[static_cast<std::size_t>(index)]));
+            state.push_back({name, index, BitsOf(array[static_cast<std::size_t>(index)])});
     }
-    return bits;
 }
 
 // The running block's accumulators, the real ones before the others; the detector keeps samples and folds
@@ -48,15 +51,15 @@ inline std::vector<std::int32_t> AccumulatorsOf(const TRealTimeTS107& d) {
     return folded;
 }
 
-#define FIELD(name) state.push_back({#name, {BitsOf(d.name)}})
-#define ARRAY(name) state.push_back({#name, BitsOf(d.name, d.numBands)})
+#define FIELD(name) state.push_back({#name, 0, BitsOf(d.name)})
+#define ARRAY(name) Add(state, #name, d.name, d.numBands)
 
 // The tables of the resonators are not among it: whatever they hold shows in the states at the next block.
 template <typename Detector>
 DetectorState StateOf(const Detector& d) {
     DetectorState state;
     FIELD(blockCountdown), FIELD(frameCountdown);
-    state.push_back({"accRe and accIm", BitsOf(AccumulatorsOf(d), 2 * d.numBands)});
+    Add(state, "accRe and accIm", AccumulatorsOf(d), 2 * d.numBands);
     ARRAY(stateA), ARRAY(stateB), ARRAY(energy), ARRAY(energyPrev1), ARRAY(energyPrev2), ARRAY(dipScale);
     ARRAY(rising), ARRAY(peakNow), ARRAY(peakOld), ARRAY(peakOlder), ARRAY(noteOn), FIELD(peakRatio);
     FIELD(tune), FIELD(tuneLeft), FIELD(tuneCentre), FIELD(tuneRight);
@@ -72,16 +75,13 @@ DetectorState StateOf(const Detector& d) {
 template <typename One, typename Other>
 std::string Difference(const One& one, const Other& other) {
     const DetectorState state = StateOf(one), otherState = StateOf(other);
-    for (std::size_t field = 0; field < state.size(); ++field) {
-        const auto& [name, bits] = state[field];
-        const auto& otherBits = otherState[field].second;
-        if (bits.size() != otherBits.size()) return name + ": unlike lengths";
-        for (std::size_t index = 0; index < bits.size(); ++index) {
-            if (bits[index] == otherBits[index]) continue;
-            std::ostringstream text;
-            text << name << '[' << index << "]: " << std::hex << bits[index] << " and " << otherBits[index];
-            return text.str();
-        }
+    if (state.size() != otherState.size()) return "unlike numbers of bands";
+    for (std::size_t word = 0; word < state.size(); ++word) {
+        const auto& [name, index, bits] = state[word];
+        if (bits == otherState[word].bits) continue;
+        std::ostringstream text;
+        text << name << '[' << index << "]: " << std::hex << bits << " and " << otherState[word].bits;
+        return text.str();
     }
     return {};
 }

@@ -104,15 +104,6 @@ TEST_F(Frames, ADipInMonoModeBeginsTheNoteAgain) {
     EXPECT_TRUE(play(0.4F) && play(1));
 }
 
-// Its second partial's shortfall leaves 1 - 0.75 of the amplitude, a 16th of the power, and the fit of that
-// 1 / (1 + A^2 + B^2 + C^2) = 0.7232.
-TEST_F(Frames, ALoneSineLosesTheAmplitudeItsPartialsDoNotSupport) {
-    Frame(detector, {{40, 2.0F}});
-    EXPECT_FLOAT_EQ(detector.levelCap[40], 2.0F / 16);
-    EXPECT_NEAR(detector.separated[40], 2 * 0.7232 / 16, 1e-5);
-    ExpectNothingBut({40});
-}
-
 TEST_F(Frames, ANoteTakesItsPartialsWithIt) {
     Frame(detector, NoteOn(30));
     EXPECT_FLOAT_EQ(detector.levelCap[30], 1);

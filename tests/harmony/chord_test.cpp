@@ -11,25 +11,8 @@ namespace {
 
 using testing::ElementsAre;
 
-std::vector<std::int32_t> ScoresOf(const TChord& chord) {
-    return {chord.scores.begin(), chord.scores.begin() + chord.noteCount};
-}
-
 Pitches PitchesOf(const TChord& chord) {
     return {chord.pitches.begin(), chord.pitches.end()};
-}
-
-// C: third 30, fifth 33, whole chord 10, place 3 * 3. E: its minor third 25 and 2 * 3; the sixth below, C, is
-// worth nothing. G: 1 * 3.
-TEST(Chord, RootOfATriadScoresHighest) {
-    const auto score = Together({60, 64, 67});
-    TChord chord(score->notes, -1);
-    const TChordInfo info = chord.analyse();
-    EXPECT_THAT(ScoresOf(chord), ElementsAre(82, 31, 3));
-    EXPECT_EQ(info.type, ctMajor);
-    EXPECT_EQ(info.rootIndex, 0);
-    EXPECT_TRUE(chord.rootIsBass && chord.knownChord);
-    EXPECT_EQ(chord.longText, " Vertical: do-mi-sol Your accord is C");
 }
 
 TEST(Chord, NamesOverC) {

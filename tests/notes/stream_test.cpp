@@ -166,23 +166,20 @@ TEST(StreamValues, TextsTakeMemoryWithinTheBudget) {
 }
 
 TEST(SharedPointer, TheLastOneDeletesTheObject) {
-    struct Mourned : TSerial {
-        explicit Mourned(int& counter) : deaths(counter) {}
-        ~Mourned() override { ++deaths; }
-        void Read(TBaseStream&) override {}
-        void Write(TBaseStream&) const override {}
+    struct Mourned {
         int& deaths;
+        ~Mourned() { ++deaths; }
     };
     int deaths = 0;
-    TPtr<TSerial> first(new Mourned(deaths)), none;
+    TPtr<Mourned> first(new Mourned{deaths}), none;
     {
-        TPtr<TSerial> second(first);
+        TPtr<Mourned> second(first);
         EXPECT_EQ(*first.count, 2U);
         second = second;
         none = second;
     }
-    first = TPtr<TSerial>();
+    first = TPtr<Mourned>();
     EXPECT_EQ(deaths, 0);
-    none = TPtr<TSerial>();
+    none = TPtr<Mourned>();
     EXPECT_EQ(deaths, 1);
 }

@@ -10,10 +10,9 @@ namespace {
 
 std::uint64_t Digest(const DetectorState& state) {
     std::uint64_t digest = 14695981039346656037U;  // FNV-1a
-    for (const auto& [name, words] : state)
-        for (const std::uint64_t word : words)
-            for (int byte = 0; byte < 8; ++byte)
-                digest = (digest ^ (word >> 8 * byte & 0xFF)) * 1099511628211U;
+    for (const StateWord& word : state)
+        for (int byte = 0; byte < 8; ++byte)
+            digest = (digest ^ (word.bits >> 8 * byte & 0xFF)) * 1099511628211U;
     return digest;
 }
 
