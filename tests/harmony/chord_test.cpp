@@ -111,4 +111,12 @@ TEST(Chord, WithoutNotesThereIsNoChord) {
     EXPECT_FALSE(limited.analyse().ok);
 }
 
+TEST(ChordTone, AToneThatIsInNoChordEmptiesTheMask) {
+    for (const std::int32_t stranger : {2, 15, -1}) {
+        std::uint16_t mask = 1;
+        EXPECT_FALSE(addChordTone(stranger, mask));
+        EXPECT_EQ(mask, 0);
+    }
+}
+
 }  // namespace

@@ -75,10 +75,15 @@ TEST(Vocabulary, FifthsRiseByAFifthEach) {
 
 TEST(Vocabulary, OddWordsAndRowsStayAsUsersKnowThem) {
     EXPECT_STREQ(IntervalNames[3], "forth");
+    EXPECT_STREQ(BassDegreeNames[8], "ninth");
     EXPECT_STREQ(IntervalQualities[0], "double dimished");
+    EXPECT_STREQ(IntervalQualities[3], "perfect");
     EXPECT_STREQ(IntervalPairNames[6], "DoFis");
     EXPECT_STREQ(AccidentalMarks[4], "x");
+    EXPECT_STREQ(DegreeNumerals[6], "VII");
     EXPECT_STREQ(ModeNames[1], "moll");
+    EXPECT_STREQ(PitchNamesFlat[6], "Gb");
+    EXPECT_STREQ(PitchNamesSharp[8], "G#");
     EXPECT_STREQ(DegreeNameSets[5][9], "VIIb");
     for (const int equal : {8, 9})
         for (int semitones = 0; semitones < classCount; ++semitones)
@@ -89,6 +94,7 @@ TEST(Vocabulary, OddWordsAndRowsStayAsUsersKnowThem) {
 TEST(Vocabulary, InstrumentsBearTheirNumbers) {
     for (int program = 0; program < 128; ++program)
         EXPECT_THAT(InstrumentNames[program], testing::StartsWith(std::to_string(program) + " "));
+    EXPECT_STREQ(InstrumentNames[56], "56 Trumpet");
     EXPECT_STREQ(InstrumentNames[75], "75 Pan Flute ");
     EXPECT_STREQ(InstrumentNames[87], "87 Lead 8 (bass + lead)");
     EXPECT_EQ(InstrumentNames[128], nullptr);
@@ -102,6 +108,8 @@ TEST(Vocabulary, ClassesAndStepsGoRound) {
     EXPECT_EQ(addClass(2, -7), 7);
     EXPECT_EQ(addStep(6, 1), 0);
     EXPECT_EQ(addStep(0, -1), 6);
+    EXPECT_EQ(degreeOf(12, true), 0);
+    EXPECT_EQ(degreeOf(-1, true), 0);
     EXPECT_EQ(pitchClassOf(69), 9);
     EXPECT_EQ(octaveOf(69), 5);
     EXPECT_EQ(12 * octaveOf(-14) + pitchClassOf(-14), -14);

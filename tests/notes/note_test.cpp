@@ -78,6 +78,7 @@ TEST(Note, AssigningToANoteOfAScoreRefilesIt) {
 TEST(Note, OutsideAScoreTheSettersOnlyStore) {
     const auto note = std::make_unique<TNote>();
     EXPECT_EQ(note->flags, 0xC0000000U);
+    EXPECT_EQ(nfIncluded | nfAuxiliary | nfExcludedA | nfExcludedB, 0xD8000000U);
     note->SetEnd(50);
     note->MoveTo(10);
     note->SetPitch(3);
