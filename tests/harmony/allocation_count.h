@@ -1,5 +1,6 @@
 #pragma once
 #include <cstddef>
 
-// How often the calling thread has asked `new` for memory, in any of its forms, since it began.
+// How often the calling thread has asked for memory since it began, by `new` or by `malloc`. Under a
+// sanitizer, which has an allocator of its own, nothing is counted.
 std::size_t AllocationsOfThisThread();
