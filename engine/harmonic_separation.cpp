@@ -3,9 +3,11 @@
 // four-partial template is fitted to the limited spectrum by least squares.
 #include <algorithm>
 
+#include "base/float_environment.h"
 #include "engine/real_time_detector.h"
 
 void TRealTimeTS107::SetHarmonics(std::int32_t base, std::int32_t h2, std::int32_t h3, std::int32_t h4) {
+    const FlushToZero arithmetic;
     harmonicBase = base;
     harmonic2 = h2;
     harmonic3 = h3;

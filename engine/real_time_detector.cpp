@@ -215,6 +215,7 @@ void TRealTimeTS107::SetEqualizerEnabled(bool enabled) {
 }
 
 void TRealTimeTS107::SetBandGain(std::int32_t band, float gain) {
+    const FlushToZero arithmetic;
     eqGain[band] = gain;
     eqGainSq[band] = gain * gain;
 }

@@ -185,6 +185,7 @@ void TRealTimeTS107::SetRelativeThreshold(float ratio) {
 
 // The picture of a tone exactly on a band.
 void TRealTimeTS107::SeedTuning() {
+    const FlushToZero arithmetic;
     tuneCentre = tuneSeed;
     tuneLeft = tuneRight = tuneSeed * 0.5F * peakRatio;
 }
