@@ -247,7 +247,7 @@ void TryChordText(Trial& trial) {
 const Registered tables({"THR-2",
                          "no event mixes two settings, and a take stays paired, whatever changes when", inAll,
                          1000, 25, 60, TryMappings});
-const Registered texts({"THR-4", "each chord text read is one that was written", inAll, 200, 10, 60,
+const Registered texts({"THR-4", "each chord text read is one that was written", inAll, 200, 1, 60,
                         TryChordText});
 
 }  // namespace
