@@ -6,6 +6,7 @@
 #include <cstring>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -29,18 +30,17 @@ public:
     FakeHost(const FakeHost&) = delete;
     FakeHost& operator=(const FakeHost&) = delete;
 
-    static std::intptr_t Callback(AEffect* effect, std::int32_t opcode, std::int32_t index,
-                                  std::intptr_t value, void* ptr, float opt) {
-        return current->Answer(effect, opcode, index, value, ptr, opt);
+    static std::intptr_t Callback(AEffect*, std::int32_t opcode, std::int32_t index, std::intptr_t, void* ptr,
+                                  float opt) {
+        return current->Answer(opcode, index, ptr, opt);
     }
     int Count(AudioMasterOpcodes opcode) const { return asked[static_cast<std::size_t>(opcode)]; }
     std::vector<Event> TakenEvents() { return std::exchange(events, {}); }
 
     std::intptr_t version;
-    const char* vendor;             // null: the host fills in nothing
-    const char* product = nullptr;  // likewise
+    const char* vendor;  // null: the host fills in nothing
     std::intptr_t sampleRate = 44100;
-    bool unterminated = false;  // the host writes 64 bytes of 'x' for a text and no terminator
+    bool unterminated = false;  // the host writes 64 bytes of 'x' for its vendor and no terminator
     bool keepsEvents = true;    // not while two threads call: what is kept has no lock
     std::int64_t clock = 0;     // samples handed over before the block in progress
 
@@ -49,31 +49,27 @@ public:
     std::array<std::atomic<int>, 64> asked{};
     std::atomic<int> calls{0};
     std::vector<Event> events;
-    std::vector<std::string> canDos;
     std::int32_t lastIndex = 0;  // of the last call
-    std::intptr_t lastValue = 0;
     float lastOpt = 0;
 
 private:
-    std::intptr_t Answer(AEffect*, std::int32_t opcode, std::int32_t index, std::intptr_t value, void* ptr,
-                         float opt) {
+    std::intptr_t Answer(std::int32_t opcode, std::int32_t index, void* ptr, float opt) {
         // Relaxed, so that the counting keeps no two threads apart.
         calls.fetch_add(1, std::memory_order_relaxed);
         if (opcode >= 0 && opcode < 64)
             asked[static_cast<std::size_t>(opcode)].fetch_add(1, std::memory_order_relaxed);
         if (!keepsEvents) return opcode == audioMasterVersion ? version : 0;
         lastIndex = index;
-        lastValue = value;
         lastOpt = opt;
         switch (opcode) {
             case audioMasterVersion: return version;
             case audioMasterGetSampleRate: return sampleRate;
-            case audioMasterGetVendorString: return Fill(ptr, vendor);
-            case audioMasterGetProductString: return Fill(ptr, product);
+            case audioMasterGetVendorString: return GiveVendor(static_cast<char*>(ptr));
             case audioMasterGetVendorVersion: return 1234;
-            case audioMasterCanDo:
-                canDos.emplace_back(static_cast<const char*>(ptr));
-                return canDos.back() == "offline" ? -1 : canDos.back() == "sizeWindow" ? 1 : 0;
+            case audioMasterCanDo: {
+                const std::string_view question(static_cast<const char*>(ptr));
+                return question == "offline" ? -1 : question == "sizeWindow" ? 1 : 0;
+            }
             case audioMasterProcessEvents:
                 Keep(*static_cast<const VstEvents*>(ptr));
                 if (const auto once = std::exchange(atNextEvent, nullptr)) once();
@@ -81,10 +77,10 @@ private:
             default: return 0;
         }
     }
-    std::intptr_t Fill(void* ptr, const char* text) const {
-        if (unterminated) return std::memset(ptr, 'x', 64), 1;
-        if (text == nullptr) return 0;
-        std::strcpy(static_cast<char*>(ptr), text);
+    std::intptr_t GiveVendor(char* text) const {
+        if (unterminated) return std::memset(text, 'x', 64), 1;
+        if (vendor == nullptr) return 0;
+        std::strcpy(text, vendor);
         return 1;
     }
     void Keep(const VstEvents& sent) {

@@ -14,17 +14,16 @@
 
 // One instance of the plug-in in a fake host.
 //
-// Two facts about the host, its version and whether it is the one with special needs, are asked once per
-// process and kept. Under ctest each test has a process of its own; where many run in one, those whose host
-// is not like the first one met are skipped.
+// Whether the host is the one with special needs is asked once per process and kept. Under ctest each test
+// has a process of its own; where many run in one, those whose host is not like the first one met are
+// skipped.
 class PluginTest : public testing::Test {
 protected:
-    explicit PluginTest(std::intptr_t version = 2400, const char* vendor = "Maker") : host(version, vendor) {}
+    explicit PluginTest(const char* vendor = "Maker") : host(2400, vendor) {}
     void SetUp() override {
-        const std::pair<bool, bool> kind{
-            host.version == 2400, host.vendor != nullptr && std::string_view(host.vendor) == "Ableton"};
-        static const std::pair<bool, bool> first = kind;
-        if (kind != first) GTEST_SKIP() << "this host needs a process of its own";
+        const bool isAbleton = host.vendor != nullptr && std::string_view(host.vendor) == "Ableton";
+        static const bool first = isAbleton;
+        if (isAbleton != first) GTEST_SKIP() << "this host needs a process of its own";
         plug.emplace(OpenPlugin(FakeHost::Callback));
         ASSERT_NE(plug->effect, nullptr);
     }
