@@ -13,11 +13,8 @@
 namespace {
 
 namespace fs = std::filesystem;
-using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::Not;
 
 struct NodeEnd {
     void operator()(LilvNode* node) const { lilv_node_free(node); }
@@ -80,6 +77,8 @@ protected:
 const std::string portProps = "http://lv2plug.in/ns/ext/port-props#";
 
 TEST_F(Description, HasAudioInAndOutNotesAndAControlForEachParameter) {
+    const Node name(lilv_plugin_get_name(plugin));
+    EXPECT_STREQ(lilv_node_as_string(name.get()), "ORVA Audio To MIDI");
     ASSERT_EQ(lilv_plugin_get_num_ports(plugin), 3U + 96U);
     const auto is = [&](std::uint32_t index, const char* one, const char* other) {
         const LilvPort* port = lilv_plugin_get_port_by_index(plugin, index);
@@ -113,22 +112,18 @@ TEST_F(Description, KeepsItsSymbols) {
     EXPECT_EQ(symbols, expected);
 }
 
-TEST_F(Description, NamesRangesAndDefaultsAreThoseOfTheParameters) {
+TEST_F(Description, EachControlIsNamedBoundedAndMarkedAsItsParameterAsks) {
     for (std::int32_t i = 0; i < parameterCount; ++i) {
+        SCOPED_TRACE(ParameterName(i));
         const Node name(lilv_port_get_name(plugin, Port(i)));
         EXPECT_EQ(lilv_node_as_string(name.get()), ParameterName(i));
         const float most = i == paramActivePage ? 5.0F : 1.0F;
-        EXPECT_THAT(Range(i), ElementsAre(0.0F, most, ParameterInitialValue(i))) << ParameterName(i);
-    }
-}
-
-TEST_F(Description, MarksSwitchesChoicesAndWhatIsNotAutomated) {
-    for (std::int32_t i = 0; i < parameterCount; ++i) {
-        EXPECT_EQ(Has(i, LV2_CORE__toggled), i == 89 || i == 91 || i == 93 || i == 95) << i;
-        EXPECT_EQ(Has(i, LV2_CORE__enumeration), i == 87 || i == 90) << i;
-        EXPECT_EQ(Has(i, portProps + "notAutomatic"), i >= 87) << i;
-        EXPECT_EQ(Has(i, portProps + "notOnGUI"), i == 92) << i;
-        EXPECT_EQ(Points(i).empty(), i != 87 && i != 90 && i != 92) << i;
+        EXPECT_THAT(Range(i), ElementsAre(0.0F, most, ParameterInitialValue(i)));
+        EXPECT_EQ(Has(i, LV2_CORE__toggled), i == 89 || i == 91 || i == 93 || i == 95);
+        EXPECT_EQ(Has(i, LV2_CORE__enumeration), i == 87 || i == 90);
+        EXPECT_EQ(Has(i, portProps + "notAutomatic"), i >= 87);
+        EXPECT_EQ(Has(i, portProps + "notOnGUI"), i == 92);
+        EXPECT_EQ(Points(i).empty(), i != 87 && i != 90 && i != 92);
     }
 }
 
@@ -187,14 +182,6 @@ TEST_F(Tools, ValidateFindsNoError) {
     const auto [text, code] = Told("lv2_validate " ORVA_BUNDLE "/manifest.ttl " ORVA_BUNDLE "/orva.ttl");
     EXPECT_EQ(code, 0) << text;
     EXPECT_THAT(text, HasSubstr("Found 0 errors"));
-}
-
-TEST_F(Tools, InfoShowsThePlugInWithoutComplaint) {
-    const auto [text, code] = Told(std::string("lv2info ") + pluginUri);
-    EXPECT_EQ(code, 0);
-    EXPECT_THAT(text, HasSubstr("Name:              ORVA Audio To MIDI"));
-    EXPECT_THAT(text, HasSubstr("Symbol:      send_program_change"));
-    EXPECT_THAT(text, Not(HasSubstr("rror:")));
 }
 
 // An instrumented file does not load into a program that is not.
