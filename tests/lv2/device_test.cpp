@@ -1,9 +1,9 @@
 // Parameters 88 and 89: MIDI devices are never opened by the thread of a run.
 #include <future>
 
-#include "platform/message_box.h"
 #include "tests/delivery/midi_device_layer.h"
 #include "tests/lv2/lv2_host.h"
+#include "tests/plugin/messages.h"
 
 namespace {
 
@@ -11,12 +11,8 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-class Lv2Device : public DeviceTest, public IMessageBox {
+class Lv2Device : public DeviceTest {
 protected:
-    Lv2Device() { SubstituteSystemMessageBox(this); }
-    ~Lv2Device() override { SubstituteSystemMessageBox(nullptr); }
-    void Show(const std::string& text, const std::string&) override { messages.push_back(text); }
-
     // The devices that were opened and closed since the last question, without what was sent to them.
     FakeLayer::Calls Opened() {
         FakeLayer::Calls calls;
@@ -25,7 +21,7 @@ protected:
         return calls;
     }
     static constexpr float on = 1, off = 0;
-    std::vector<std::string> messages;
+    Messages messages;
 };
 
 TEST_F(Lv2Device, TheHostsWorkerOpensItAndTheNewestWishWins) {
@@ -80,7 +76,7 @@ TEST_F(Lv2Device, ADeviceThatIsNotToBeHadIsToldOnce) {
     host.control[paramDeviceEnabled] = on;
     for (int i = 0; i < 100; ++i) {  // a second and more
         host.Run(std::vector<float>(1000));
-        EXPECT_THAT(messages, SizeIs(i == 0 ? 0 : 1));  // never from the run
+        EXPECT_THAT(messages.shown, SizeIs(i == 0 ? 0 : 1));  // never from the run
         host.Work();
     }
     EXPECT_THAT(Opened(), ElementsAre("open 0"));

@@ -10,11 +10,11 @@
 
 #include "lv2/instance.h"
 #include "lv2/uris.h"
-#include "platform/message_box.h"
 #include "tests/delivery/midi_device_layer.h"
 #include "tests/editor/display_server.h"
 #include "tests/editor/parent_window.h"
 #include "tests/lv2/lv2_host.h"
+#include "tests/plugin/messages.h"
 
 namespace {
 
@@ -337,17 +337,11 @@ TEST_F(Lv2Window, IsRefusedWhereItCannotOpen) {
     EXPECT_TRUE(Open());
 }
 
-class Silent : public IMessageBox {
-public:
-    void Show(const std::string&, const std::string&) override {}
-};
-
 // The port follows what is really open, and the host's echo asks for nothing.
 TEST_F(Lv2Window, ADeviceThatIsNotToBeHadSwitchesItsPortOff) {
     FakeLayer layer;
-    Silent box;
+    Messages messages;
     SubstituteMidiOut(&layer);
-    SubstituteSystemMessageBox(&box);
     layer.refusedOpens[0] = MMSYSERR_ALLOCATED;
     ASSERT_TRUE(Open());
     host->control[paramDeviceEnabled] = 1;
@@ -364,7 +358,6 @@ TEST_F(Lv2Window, ADeviceThatIsNotToBeHadSwitchesItsPortOff) {
     EXPECT_EQ(written.size(), 1U);
     Close();
     host.reset();
-    SubstituteSystemMessageBox(nullptr);
     SubstituteMidiOut(nullptr);
 }
 

@@ -6,6 +6,7 @@
 
 #include "plugin/gui_plugin_ex.h"
 #include "tests/delivery/midi_device_layer.h"
+#include "tests/plugin/messages.h"
 #include "tests/plugin/plugin_test.h"
 
 namespace {
@@ -29,20 +30,9 @@ public:
     std::vector<Told>& told;
 };
 
-class Messages : public IMessageBox {
-public:
-    Messages() { SubstituteSystemMessageBox(this); }
-    ~Messages() override { SubstituteSystemMessageBox(nullptr); }
-    void Show(const std::string& text, const std::string& caption) override {
-        shown.push_back(caption + ": " + text);
-    }
-    std::vector<std::string> shown;
-};
-
-class Outputs : public testing::Test {
+class Outputs : public DeviceTest {
 protected:
     Outputs() {
-        SubstituteMidiOut(&layer);
         static std::vector<Told>* list;
         list = &told;
         auto* const object =
@@ -51,11 +41,6 @@ protected:
             });
         effect = object;
         plug.emplace(object->getAeffect());
-    }
-    ~Outputs() override {
-        plug.reset();
-        EXPECT_TRUE(layer.open.empty()) << "a device was left open";
-        SubstituteMidiOut(nullptr);
     }
     void Set(std::int32_t index, float value) { plug->effect->setParameter(plug->effect, index, value); }
     float Get(std::int32_t index) { return plug->effect->getParameter(plug->effect, index); }
@@ -69,7 +54,6 @@ protected:
         return heard;
     }
 
-    FakeLayer layer;
     Messages messages;
     FakeHost host;
     std::vector<Told> told;
