@@ -149,6 +149,14 @@ protected:
         }
         return condition();
     }
+    // Gives idle time until the window says that it is closed; false if it never does.
+    bool AwaitEnd() {
+        for (int round = 0; round < 2000; ++round) {
+            if (Idle() == 1) return true;
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        }
+        return false;
+    }
     // Until the slider looks the same for a while.
     std::vector<std::uint8_t> SettledSlider() {
         std::vector<std::uint8_t> last;
@@ -304,12 +312,7 @@ TEST_F(Lv2Window, StandsOnTheDesktopForHostsWithoutAWindow) {
             EXPECT_EQ(Shower().hide(window), 0);
         } else {
             desktop.CloseByManager(all.back());
-            int closed = 0;
-            for (int round = 0; round < 2000 && closed == 0; ++round) {
-                closed = Idle();
-                std::this_thread::sleep_for(std::chrono::milliseconds(5));
-            }
-            EXPECT_EQ(closed, 1);
+            EXPECT_TRUE(AwaitEnd());
         }
         EXPECT_EQ(desktop.Children(desktop.screen->root).size(), others);
     }
@@ -320,9 +323,7 @@ TEST_F(Lv2Window, TheHostsWindowMayGoFirst) {
     SettledSlider();
     xcb_destroy_window(desktop.connection, desktop.parent);
     desktop.Children(desktop.screen->root);  // an answer says that it has gone
-    int closed = 0;
-    for (int round = 0; round < 2000 && closed == 0; ++round) closed = Idle();
-    EXPECT_EQ(closed, 1);
+    EXPECT_TRUE(AwaitEnd());
 }
 
 // A display that does not answer, and a window that is none.
