@@ -3,7 +3,7 @@
 #include "platform/midi_out_devices.h"
 #include "platform/shell.h"
 #include "tests/editor/editor_test.h"
-#include "tests/editor/temp_folder.h"
+#include "tests/support/temp_folder.h"
 
 namespace {
 
@@ -236,7 +236,7 @@ TEST_F(Controls, TheRecordButtonStaysLitWhileItRecords) {
 
 TEST_F(Controls, WithNothingRecordedThereIsAMessageAndNoDialog) {
     TempFolder folder;
-    folder.Program("zenity", "touch " + folder.File("started"));
+    folder.Program("zenity", "touch " + (folder / "started"));
     folder.BecomePath(true);
     Open();
     NotePlain();
@@ -252,7 +252,7 @@ TEST_F(Controls, WithNothingRecordedThereIsAMessageAndNoDialog) {
 TEST_F(Controls, ARecordingIsSavedUnderTheNameThatTheUserChose) {
     TempFolder folder;
     folder.Program("zenity",
-                   "printf '%s\\n' \"$@\" > " + folder.File("told") + "; echo " + folder.File("take.mid"));
+                   "printf '%s\\n' \"$@\" > " + (folder / "told") + "; echo " + (folder / "take.mid"));
     folder.BecomePath(true);
     Open();
     host->plugin.resume();
@@ -262,9 +262,9 @@ TEST_F(Controls, ARecordingIsSavedUnderTheNameThatTheUserChose) {
     Click(saveButton);  // ends the recording first
     EXPECT_FALSE(host->plugin.recordingOn);
     EXPECT_TRUE(host->Await([&] { return folder.Has("take.mid"); }));
-    EXPECT_THAT(folder.Text("told"),
+    EXPECT_THAT(ReadAll(folder / "told"),
                 testing::HasSubstr("--title=Select MIDI file\n--filename=midi_output.mid\n"));
-    const std::string file = folder.Text("take.mid");
+    const std::string file = ReadAll(folder / "take.mid");
     EXPECT_EQ(file.substr(0, 4), "MThd");
     EXPECT_NE(file.find(std::string("\x45\x64", 2)), std::string::npos)
         << "no A 440 (note 69) at velocity 100";
@@ -300,14 +300,14 @@ TEST_F(Controls, WithoutADialogProgramTheUserIsTold) {
 
 TEST_F(Controls, ClosingTheWindowEndsItsDialog) {
     TempFolder folder;
-    folder.Program("zenity", "echo $$ > " + folder.File("pid") + ".part; mv " + folder.File("pid") +
-                                 ".part " + folder.File("pid") + "; exec sleep 1000");
+    folder.Program("zenity", "echo $$ > " + (folder / "pid") + ".part; mv " + (folder / "pid") + ".part " +
+                                 (folder / "pid") + "; exec sleep 1000");
     folder.BecomePath(true);
     host->plugin.setParameter(92, 5.0F);
     Open();
     Click(saveLogButton);
     ASSERT_TRUE(host->Await([&] { return folder.Has("pid"); }));
-    const pid_t dialog = std::stoi(folder.Text("pid"));
+    const pid_t dialog = std::stoi(ReadAll(folder / "pid"));
     EXPECT_EQ(kill(dialog, 0), 0);
     host->Call(effEditClose);
     EXPECT_NE(kill(dialog, 0), 0);  // gone, and gathered
@@ -315,14 +315,14 @@ TEST_F(Controls, ClosingTheWindowEndsItsDialog) {
 
 TEST_F(Controls, TheLogIsSaved) {
     TempFolder folder;
-    folder.Program("zenity", "echo " + folder.File("log.txt"));
+    folder.Program("zenity", "echo " + (folder / "log.txt"));
     folder.BecomePath(true);
     host->plugin.open();  // writes what is known of the host
     host->plugin.setParameter(92, 5.0F);
     Open();
     Click(saveLogButton);
     EXPECT_TRUE(host->Await([&] { return folder.Has("log.txt"); }));
-    EXPECT_FALSE(folder.Text("log.txt").empty());
+    EXPECT_FALSE(ReadAll(folder / "log.txt").empty());
 }
 
 TEST_F(Controls, NameAndCodeAreStoredTogether) {

@@ -1,10 +1,7 @@
 #pragma once
-#include <xcb/xcb.h>
-
 #include <chrono>
 #include <cstdint>
 #include <functional>
-#include <memory>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -13,8 +10,8 @@
 
 #include "editor/editor_factory.h"
 #include "plugin/gui_plugin_ex.h"
-#include "tests/editor/display_server.h"
-#include "tests/editor/parent_window.h"
+#include "tests/support/display_server.h"
+#include "tests/support/parent_window.h"
 
 // What a host sees of the plug-in and its editor: a window of its own at the display's upper left corner, the
 // host calls, and the changes that the plug-in tells it.
@@ -23,7 +20,7 @@ struct Automation {
     float value;
 };
 
-class EditorHost {
+class EditorHost : public ParentWindow {
 public:
     EditorHost() : plugin(&Callback, &MakeGuiEditor) {
         host = this;
@@ -31,23 +28,10 @@ public:
     }
     ~EditorHost() {
         Call(effEditClose);
-        if (connection != nullptr) xcb_disconnect(connection);
         if (host == this) host = nullptr;
     }
     EditorHost(const EditorHost&) = delete;
     EditorHost& operator=(const EditorHost&) = delete;
-
-    void Connect() {
-        connection = xcb_connect(nullptr, nullptr);
-        if (xcb_connection_has_error(connection) != 0) return;
-        screen = xcb_setup_roots_iterator(xcb_get_setup(connection)).data;
-        MakeParent();
-    }
-    void MakeParent() {
-        parent = MakeParentWindow(connection, screen);
-        Sync();
-    }
-    void Sync() { free(xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr)); }
 
     std::intptr_t Call(std::int32_t opcode, std::int32_t index = 0, std::intptr_t value = 0,
                        void* ptr = nullptr, float opt = 0) {
@@ -98,18 +82,6 @@ public:
     void Key(const char* name) { Tool({"key", name}); }
     void Type(const char* text) { Tool({"type", text}); }
 
-    // Four bytes a pixel: blue, green, red, unused.
-    std::vector<std::uint8_t> Pixels(int x, int y, int width, int height) {
-        const auto cookie =
-            xcb_get_image(connection, XCB_IMAGE_FORMAT_Z_PIXMAP, parent, static_cast<std::int16_t>(x),
-                          static_cast<std::int16_t>(y), static_cast<std::uint16_t>(width),
-                          static_cast<std::uint16_t>(height), ~0U);
-        std::unique_ptr<xcb_get_image_reply_t, void (*)(void*)> reply(
-            xcb_get_image_reply(connection, cookie, nullptr), &free);
-        if (!reply) return {};
-        const std::uint8_t* data = xcb_get_image_data(reply.get());
-        return {data, data + xcb_get_image_data_length(reply.get())};
-    }
     std::uint32_t Pixel(int x, int y) {  // 0xRRGGBB
         const auto p = Pixels(x, y, 1, 1);
         return p.empty() ? 0U : std::uint32_t{p[2]} << 16 | std::uint32_t{p[1]} << 8 | p[0];
@@ -125,9 +97,6 @@ public:
 
     std::vector<Automation> automated;
     bool receivesMidi = true;
-    xcb_connection_t* connection = nullptr;
-    xcb_screen_t* screen = nullptr;
-    xcb_window_t parent = 0;
     CORVAguivstEx plugin;
 
 private:

@@ -8,7 +8,7 @@
 #include <chrono>
 #include <thread>
 
-#include "tests/editor/temp_folder.h"
+#include "tests/support/temp_folder.h"
 
 namespace {
 
@@ -34,20 +34,20 @@ protected:
 }  // namespace
 
 TEST_F(FileDialogTest, GivesEachArgumentAsItIs) {
-    folder.Program("zenity", "printf '%s\\n' \"$#\" \"$@\" > " + folder.File("told") + "; echo /music/a.mid");
+    folder.Program("zenity", "printf '%s\\n' \"$#\" \"$@\" > " + (folder / "told") + "; echo /music/a.mid");
     ASSERT_TRUE(dialog.Start({"Take; $(touch x) \"1\"", "MIDI Files (*.mid)", "mid", "midi_output.mid"}));
     EXPECT_EQ(Answer(), State::chosen);
     EXPECT_EQ(dialog.Path(), "/music/a.mid");
-    EXPECT_EQ(folder.Text("told"),
+    EXPECT_EQ(ReadAll(folder / "told"),
               "6\n--file-selection\n--save\n--confirm-overwrite\n--title=Take; $(touch x) \"1\"\n"
               "--filename=midi_output.mid\n--file-filter=MIDI Files (*.mid) | *.mid\n");
 }
 
 TEST_F(FileDialogTest, TakesTheOtherProgramWhereItIsTheOnlyOne) {
-    folder.Program("kdialog", "printf '%s\\n' \"$@\" > " + folder.File("told") + "; echo /music/a.mid");
+    folder.Program("kdialog", "printf '%s\\n' \"$@\" > " + (folder / "told") + "; echo /music/a.mid");
     ASSERT_TRUE(dialog.Start(midiFile));
     EXPECT_EQ(Answer(), State::chosen);
-    EXPECT_EQ(folder.Text("told"),
+    EXPECT_EQ(ReadAll(folder / "told"),
               "--title\nSelect MIDI file\n--getsavefilename\nmidi_output.mid\nMIDI Files (*.mid)\n");
 }
 
@@ -92,12 +92,12 @@ TEST_F(FileDialogTest, AFloodOfOutputIsReadAndForgotten) {
 
 // The program and what it started are gone when the dialog is: the pid that it wrote down names nobody.
 TEST_F(FileDialogTest, EndingItLeavesNoProcess) {
-    folder.Program("zenity", "/bin/sleep 1000 & echo $! > " + folder.File("pid") + ".part; /bin/mv " +
-                                 folder.File("pid") + ".part " + folder.File("pid") + "; wait");
+    folder.Program("zenity", "/bin/sleep 1000 & echo $! > " + (folder / "pid") + ".part; /bin/mv " +
+                                 (folder / "pid") + ".part " + (folder / "pid") + "; wait");
     ASSERT_TRUE(dialog.Start(midiFile));
     for (int round = 0; round < 3000 && !folder.Has("pid"); ++round)
         std::this_thread::sleep_for(std::chrono::milliseconds(2));
-    const pid_t sleeper = std::stoi(folder.Text("pid"));
+    const pid_t sleeper = std::stoi(ReadAll(folder / "pid"));
     ASSERT_EQ(kill(sleeper, 0), 0);
     EXPECT_EQ(dialog.Poll(), State::running);
     dialog.End();
@@ -118,9 +118,9 @@ TEST_F(FileDialogTest, TheProgramInheritsNothingButTheStandardFiles) {
     const int kept =
         open("/dev/null", O_RDONLY);  // without close-on-exec, as a careless host opens its files
     folder.Program("zenity",
-                   "/bin/ls /proc/self/fd | /usr/bin/wc -l > " + folder.File("count") + "; echo a.mid");
+                   "/bin/ls /proc/self/fd | /usr/bin/wc -l > " + (folder / "count") + "; echo a.mid");
     ASSERT_TRUE(dialog.Start(midiFile));
     EXPECT_EQ(Answer(), State::chosen);
     close(kept);
-    EXPECT_EQ(std::stoi(folder.Text("count")), 4);  // 0, 1, 2, and the folder that ls reads
+    EXPECT_EQ(std::stoi(ReadAll(folder / "count")), 4);  // 0, 1, 2, and the folder that ls reads
 }

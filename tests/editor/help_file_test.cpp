@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/editor/temp_folder.h"
+#include "tests/support/temp_folder.h"
 
 namespace {
 
@@ -17,7 +17,7 @@ void Write(const fs::path& file) {
 
 TEST(HelpFile, TheManualOfABuildIsFoundFromThePlugInAndFromTheBundle) {
     const TempFolder folder;
-    const fs::path build = folder.File("build");
+    const fs::path build = folder / "build";
     EXPECT_EQ(ManualOf(build), fs::path());
     Write(build / "manual/manual.html");
     EXPECT_EQ(ManualOf(build), build / "manual/manual.html");
@@ -27,7 +27,7 @@ TEST(HelpFile, TheManualOfABuildIsFoundFromThePlugInAndFromTheBundle) {
 
 TEST(HelpFile, TheManualOfAPackageIsFoundUnderItsPrefix) {
     const TempFolder folder;
-    const fs::path prefix = folder.File("usr");
+    const fs::path prefix = folder / "usr";
     const fs::path lv2 = prefix / "share/doc/orva-lv2/manual.html",
                    vst = prefix / "share/doc/orva-vst/manual.html";
     Write(lv2);
@@ -35,7 +35,7 @@ TEST(HelpFile, TheManualOfAPackageIsFoundUnderItsPrefix) {
     Write(vst);
     EXPECT_EQ(ManualOf(prefix / "lib/vst"), vst);
     EXPECT_EQ(ManualOf(prefix / "lib/x86_64-linux-gnu/vst"), vst);
-    EXPECT_EQ(ManualOf(folder.File("home/.vst")), fs::path());
+    EXPECT_EQ(ManualOf(folder / "home/.vst"), fs::path());
     fs::create_directories(prefix / "lib/vst/orva_vst.html");  // a folder is no page
     EXPECT_EQ(ManualOf(prefix / "lib/vst"), vst);
 }

@@ -1,18 +1,15 @@
 // The real program and the real module between the ports of a real JACK server without a sound card.
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <spawn.h>
-#include <sys/wait.h>
 
 #include <map>
 
-#include "await.h"
-#include "beginning.h"
 #include "jack_player.h"
-#include "midi_file_reader.h"
-#include "temp_folder.h"
+#include "run_host.h"
+#include "test_audio.h"
 #include "tests/platform/jack_server.h"
+#include "tests/support/await.h"
+#include "tests/support/midi_reader.h"
 #include "tools/host/note_list.h"
 #include "tools/host/renderer.h"
 
@@ -24,58 +21,14 @@ constexpr int rate = 44100;                // Hz, of the shipped recordings
 constexpr std::size_t period = 1024;       // samples, of the test's server
 constexpr std::size_t length = 4 * 43008;  // samples, 3.9 s: a whole number of periods
 
-// orva-host live in the background, without a display.
-class LiveHost {
-public:
-    explicit LiveHost(std::vector<std::string> arguments) {
-        arguments.insert(arguments.begin(), {ORVA_HOST_PROGRAM, "live"});
-        std::vector<char*> words;
-        for (std::string& argument : arguments) words.push_back(argument.data());
-        words.push_back(nullptr);
-        unsetenv("DISPLAY");
-        posix_spawn_file_actions_t actions;
-        posix_spawn_file_actions_init(&actions);
-        posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-        constexpr int flags = O_WRONLY | O_CREAT | O_APPEND;
-        posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, (folder / "out").c_str(), flags, 0600);
-        posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, (folder / "err").c_str(), flags, 0600);
-        if (posix_spawn(&process, words[0], &actions, nullptr, words.data(), environ) != 0) process = -1;
-        posix_spawn_file_actions_destroy(&actions);
-    }
-    ~LiveHost() { End(SIGKILL); }
-    LiveHost(const LiveHost&) = delete;
-    LiveHost& operator=(const LiveHost&) = delete;
-
-    // The exit code; -1 where it did not end by itself.
-    int Wait() {
-        int status = 0;
-        if (process <= 0 || waitpid(process, &status, 0) != process) return -1;
-        process = -1;
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    }
-    int End(int signal) {
-        if (process > 0) kill(process, signal);
-        return Wait();
-    }
-    std::string Out() const { return ReadAll(folder / "out"); }
-    std::string Err() const { return ReadAll(folder / "err"); }
-    bool AwaitErr(const std::string& text) const {
-        return AwaitThat([&] { return Err().find(text) != std::string::npos; });
-    }
-
-private:
-    TempFolder folder;
-    pid_t process = -1;
-};
-
 // The beginning of a recording, as samples and as what `render` makes of it.
 struct Music {
     explicit Music(const std::string& name) {
-        const std::string path = folder / "music.wav";
-        WriteBeginning(std::string(ORVA_RECORDINGS) + "/" + name, path, static_cast<double>(length) / rate);
-        AudioFile audio(path, AudioFile::Channel::first);
+        samples = ReadAudio(std::string(ORVA_RECORDINGS) + "/" + name);
         samples.resize(length);
-        EXPECT_EQ(audio.Read(samples.data(), length), length);
+        const std::string path = folder / "music.wav";
+        WriteAudio(path, samples, rate);
+        samples = ReadAudio(path);  // as 16 bits have them
         const PluginModule module(ORVA_MODULE);
         RenderSettings settings;
         settings.blockSize = period;
@@ -97,12 +50,25 @@ struct Music {
 };
 
 // The notes that arrived. Where a sound begins after silence, a program change comes before them.
-std::vector<std::uint32_t> Received(const JackReceiver& receiver) {
+std::vector<std::uint32_t> NotesAt(const JackReceiver& receiver) {
     std::vector<std::uint32_t> words;
     for (std::size_t i = 0; i < receiver.Count(); ++i)
         if ((receiver.At(i) & 0xE0) == 0x80) words.push_back(receiver.At(i));
     return words;
 }
+
+// Whom the host plays between.
+struct Neighbours {
+    explicit Neighbours(const Music& music) : player("player", music.samples, 20 * length) {}
+
+    bool AwaitHost() const {
+        return AwaitThat([this] { return player.IsHeard() && !synth.Senders().empty(); });
+    }
+    std::vector<std::uint32_t> Received() const { return NotesAt(synth); }
+
+    JackReceiver synth{"synth"};
+    JackPlayer player;
+};
 
 class Live : public testing::Test {
 protected:
@@ -116,51 +82,48 @@ TEST_F(Live, PlaysTheNotesThatRenderFindsAndPassesTheAudioOn) {
     const std::vector<std::uint32_t> expected = music.Words();
     ASSERT_GE(expected.size(), 40U);
 
-    JackReceiver receiver("synth");
-    JackPlayer player("player", music.samples, 20 * length);
-    LiveHost host({"--connect", "player:out", "--midi-to", "synth:in", "--midi", music.folder / "live.mid"});
-    ASSERT_TRUE(AwaitThat([&] { return player.IsHeard() && !receiver.Senders().empty(); })) << host.Err();
-    EXPECT_EQ(receiver.Senders(), std::vector<std::string>{"orva:midi"});
-    ASSERT_TRUE(player.Hear("orva:out"));
-    player.Play();
-    ASSERT_TRUE(AwaitThat([&] { return Received(receiver).size() >= expected.size(); }));
-    ASSERT_TRUE(AwaitThat([&] { return player.Heard().size() >= length; }));
+    Neighbours jack(music);
+    HostProcess host(
+        {"live", "--connect", "player:out", "--midi-to", "synth:in", "--midi", music.folder / "live.mid"});
+    ASSERT_TRUE(jack.AwaitHost()) << host.Err();
+    EXPECT_EQ(jack.synth.Senders(), std::vector<std::string>{"orva:midi"});
+    ASSERT_TRUE(jack.player.Hear("orva:out"));
+    jack.player.Play();
+    ASSERT_TRUE(AwaitThat([&] { return jack.Received().size() >= expected.size(); }));
+    ASSERT_TRUE(AwaitThat([&] { return jack.player.Heard().size() >= length; }));
     EXPECT_EQ(host.End(SIGTERM), 0) << host.Err();
     EXPECT_EQ(host.Err(), "");
 
-    EXPECT_EQ(Received(receiver), expected);
-    std::vector<float> heard = player.Heard();  // bit for bit; then silence
+    EXPECT_EQ(jack.Received(), expected);
+    std::vector<float> heard = jack.player.Heard();
     heard.resize(length);
-    EXPECT_TRUE(std::equal(heard.begin(), heard.end(), music.samples.begin()));
+    EXPECT_TRUE(heard == music.samples);  // bit for bit
     EXPECT_THAT(host.Out(), HasSubstr("orva: 44100 Hz, periods of 1024 samples\n"));
     EXPECT_THAT(host.Out(), HasSubstr(NoteName(static_cast<int>(expected[0] >> 8 & 0x7F))));
-    EXPECT_EQ(MidiFileReader(ReadAll(music.folder / "live.mid")).Notes().size(),
-              PairNotes(music.take).size());
+    const std::string file = ReadAll(music.folder / "live.mid");
+    EXPECT_EQ(MidiReader({file.begin(), file.end()}).Notes().size(), PairNotes(music.take).size());
 }
 
 // The server dies in the middle of the music, and with it the connections; another one comes.
 TEST_F(Live, ComesBackWithTheServerAndConnectsAgain) {
     const Music music("flute_melody.ogg");
     const std::vector<std::uint32_t> expected = music.Words();
-    auto receiver = std::make_unique<JackReceiver>("synth");
-    auto player = std::make_unique<JackPlayer>("player", music.samples, length);
-    LiveHost host({"--name", "ears", "--connect", "player:out", "--midi-to", "synth:in"});
-    ASSERT_TRUE(AwaitThat([&] { return player->IsHeard() && !receiver->Senders().empty(); })) << host.Err();
-    player->Play();
-    ASSERT_TRUE(receiver->Await(1));
+    auto jack = std::make_unique<Neighbours>(music);
+    HostProcess host({"live", "--name", "ears", "--connect", "player:out", "--midi-to", "synth:in"});
+    ASSERT_TRUE(jack->AwaitHost()) << host.Err();
+    jack->player.Play();
+    ASSERT_TRUE(jack->synth.Await(1));
     server.Die();
     ASSERT_TRUE(host.AwaitErr("orva-host: the JACK server has gone; waiting for it to come back\n"));
-    receiver.reset();
-    player.reset();
+    jack.reset();
 
     server.Start();
     ASSERT_TRUE(host.AwaitErr("orva-host: the JACK server is back\n")) << host.Err();
-    receiver = std::make_unique<JackReceiver>("synth");
-    player = std::make_unique<JackPlayer>("player", music.samples, length);
-    ASSERT_TRUE(AwaitThat([&] { return player->IsHeard() && !receiver->Senders().empty(); })) << host.Err();
-    player->Play();
-    ASSERT_TRUE(AwaitThat([&] { return Received(*receiver).size() >= expected.size(); }));
-    EXPECT_EQ(Received(*receiver), expected);
+    jack = std::make_unique<Neighbours>(music);
+    ASSERT_TRUE(jack->AwaitHost()) << host.Err();
+    jack->player.Play();
+    ASSERT_TRUE(AwaitThat([&] { return jack->Received().size() >= expected.size(); }));
+    EXPECT_EQ(jack->Received(), expected);
     EXPECT_EQ(host.End(SIGINT), 0) << host.Err();
     EXPECT_EQ(host.Err(),
               "orva-host: the JACK server has gone; waiting for it to come back\n"
@@ -169,29 +132,27 @@ TEST_F(Live, ComesBackWithTheServerAndConnectsAgain) {
 
 // What sounds when the program ends, ends with it.
 TEST_F(Live, LeavesNoNoteSounding) {
-    const Music music("piano_chords.ogg");
-    JackReceiver receiver("synth");
-    JackPlayer player("player", music.samples, length);
-    LiveHost host({"--connect", "player:out", "--midi-to", "synth:in"});
-    ASSERT_TRUE(AwaitThat([&] { return player.IsHeard() && !receiver.Senders().empty(); })) << host.Err();
-    player.Play();
-    std::map<int, int> sounding;  // by note
-    ASSERT_TRUE(receiver.Await(1));
+    Neighbours jack(Music("piano_chords.ogg"));
+    HostProcess host({"live", "--connect", "player:out", "--midi-to", "synth:in"});
+    ASSERT_TRUE(jack.AwaitHost()) << host.Err();
+    jack.player.Play();
+    ASSERT_TRUE(jack.synth.Await(1));
     EXPECT_EQ(host.End(SIGTERM), 0) << host.Err();
-    for (const std::uint32_t word : Received(receiver))
+    std::map<int, int> sounding;  // by note
+    for (const std::uint32_t word : jack.Received())
         sounding[static_cast<int>(word >> 8 & 0x7F)] += (word & 0xF0) == 0x90 ? 1 : -1;
     for (const auto& [note, count] : sounding) EXPECT_EQ(count, 0) << "note " << note;
 }
 
 TEST_F(Live, ListsPortsAndHearsTheFirstCapturePort) {
     const JackReceiver receiver("synth");
-    LiveHost list({"--list"});
-    EXPECT_EQ(list.Wait(), 0) << list.Err();
-    EXPECT_EQ(list.Out(),
+    const Ended list = RunHost({"live", "--list"});
+    EXPECT_EQ(list.code, 0) << list.err;
+    EXPECT_EQ(list.out,
               "audio to hear (--connect)\n  system:capture_1\n  system:capture_2\n"
               "MIDI to play to (--midi-to)\n  synth:in\n");
 
-    LiveHost host({"--connect"});
+    HostProcess host({"live", "--connect"});
     jack_client_t* const looker = QuietJackClient("looker");
     ASSERT_NE(looker, nullptr);
     EXPECT_TRUE(AwaitThat([&] {
@@ -203,29 +164,48 @@ TEST_F(Live, ListsPortsAndHearsTheFirstCapturePort) {
 }
 
 TEST_F(Live, WhatIsNotThereIsToldInOneLine) {
+    const std::string noServer = "no JACK server \"orva-test-no-server\" answers";
+    const std::string noPort = ": cannot be connected; orva-host live --list lists what can";
     const std::vector<std::pair<std::vector<std::string>, std::string>> faults = {
-        {{"--server", "orva-test-no-server"}, "no JACK server \"orva-test-no-server\" answers"},
-        {{"--list", "--server", "orva-test-no-server"}, "no JACK server \"orva-test-no-server\" answers"},
-        {{"--connect", "a:b"}, "a:b: cannot be connected; orva-host live --list lists what can"},
-        {{"--midi-to", "c:d"}, "c:d: cannot be connected; orva-host live --list lists what can"},
+        {{"live", "--server", "orva-test-no-server"}, noServer},
+        {{"live", "--list", "--server", "orva-test-no-server"}, noServer},
+        {{"live", "--connect", "a:b"}, "a:b" + noPort},
+        {{"live", "--midi-to", "c:d"}, "c:d" + noPort},
     };
     for (const auto& [arguments, text] : faults) {
-        LiveHost host(arguments);
-        EXPECT_EQ(host.Wait(), 1) << text;
-        EXPECT_EQ(host.Err(), "orva-host: " + text + "\n");
+        const Ended ended = RunHost(arguments);
+        EXPECT_EQ(ended.code, 1) << text;
+        EXPECT_EQ(ended.err, "orva-host: " + text + "\n");
     }
 }
 
 TEST_F(Live, EndsOnEachSignalEvenWithoutAServer) {
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-        LiveHost host({"--connect"});
-        ASSERT_TRUE(AwaitThat([&] { return host.Out().find("orva: ") == 0; })) << host.Err();
+        HostProcess host({"live", "--connect"});
+        ASSERT_TRUE(host.AwaitOut("orva: ")) << host.Err();
         EXPECT_EQ(host.End(signal), 0) << host.Err();
         EXPECT_EQ(host.Err(), "");
     }
-    LiveHost host({});
-    ASSERT_TRUE(AwaitThat([&] { return host.Out().find("orva: ") == 0; })) << host.Err();
+    HostProcess host({"live"});
+    ASSERT_TRUE(host.AwaitOut("orva: ")) << host.Err();
     server.Die();
     ASSERT_TRUE(host.AwaitErr("the JACK server has gone; waiting for it to come back\n"));
     EXPECT_EQ(host.End(SIGINT), 0) << host.Err();
+}
+
+// The same messages to a device as to the host, whose are dated back by each band's delay: so only their
+// number is equal, word by word.
+TEST(Device, HearsTheNotesThatTheHostHears) {
+    const Music music("flute_melody.ogg");
+    const JackServer server;
+    JackReceiver synth("synth");
+    const Ended ended = RunHost({"render", music.folder / "music.wav", "--device", "synth:in"});
+    ASSERT_EQ(ended.code, 0) << ended.err;
+    std::vector<std::uint32_t> sent = music.Words();
+    ASSERT_GE(sent.size(), 8U);
+    ASSERT_TRUE(AwaitThat([&] { return NotesAt(synth).size() >= sent.size(); }));
+    std::vector<std::uint32_t> received = NotesAt(synth);
+    std::sort(sent.begin(), sent.end());
+    std::sort(received.begin(), received.end());
+    EXPECT_EQ(received, sent);
 }

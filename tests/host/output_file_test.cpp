@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "temp_folder.h"
+#include "tests/support/temp_folder.h"
 
 namespace fs = std::filesystem;
 
@@ -33,7 +33,7 @@ TEST(OutputFile, WhatCannotBeWrittenIsToldAndLeavesNothingBehind) {
     EXPECT_EQ(folder.Files(), 1U);
 }
 
-TEST(OutputFile, EachRecordingHasAPlaceOfItsOwn) {
+TEST(OutputFile, EachRecordingHasAPlaceOfItsOwnAndNoneIsReplaced) {
     const TempFolder folder;
     const fs::path inside = folder.path;
     EXPECT_EQ(OutputPaths({"x/a.wav"}, "out.csv", ".csv"), std::vector<fs::path>{"out.csv"});
@@ -41,6 +41,9 @@ TEST(OutputFile, EachRecordingHasAPlaceOfItsOwn) {
               (std::vector<fs::path>{inside / "a.csv", inside / "b.c.csv"}));
     EXPECT_THROW(OutputPaths({"a.wav", "b.wav"}, "out.csv", ".csv"), std::invalid_argument);
     EXPECT_THROW(OutputPaths({"x/a.wav", "y/a.ogg"}, inside, ".csv"), std::invalid_argument);
+    WriteAll(folder / "a.wav", "sound");
+    for (const fs::path& same : {inside / "a.wav", inside / "." / "a.wav"})
+        EXPECT_THROW(OutputPaths({folder / "a.wav"}, same, ".csv"), std::invalid_argument);
 }
 
 TEST(OutputFile, APatternTakesNameAndFolderFromEachRecording) {
@@ -63,11 +66,4 @@ TEST(OutputFile, IsUpToDateUnlessItsRecordingIsNewer) {
     EXPECT_TRUE(IsUpToDate(notes, sound));
     fs::last_write_time(sound, fs::last_write_time(notes) + std::chrono::seconds(1));
     EXPECT_FALSE(IsUpToDate(notes, sound));
-}
-
-TEST(OutputFile, NoRecordingIsReplaced) {
-    const TempFolder folder;
-    WriteAll(folder / "a.wav", "sound");
-    EXPECT_THROW(OutputPaths({folder / "a.wav"}, folder / "a.wav", ".csv"), std::invalid_argument);
-    EXPECT_THROW(OutputPaths({folder / "a.wav"}, folder.path / "." / "a.wav", ".csv"), std::invalid_argument);
 }

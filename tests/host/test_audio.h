@@ -1,12 +1,14 @@
 #pragma once
-#include <gtest/gtest.h>
 #include <sndfile.h>
 
 #include <cmath>
 #include <numbers>
 #include <random>
+#include <stdexcept>
 #include <string>
 #include <vector>
+
+#include "tools/host/audio_file.h"
 
 constexpr int formatWav16 = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
 
@@ -18,10 +20,18 @@ inline void WriteAudio(const std::string& path, const std::vector<float>& sample
     info.channels = channels;
     info.format = format;
     SNDFILE* const file = sf_open(path.c_str(), SFM_WRITE, &info);
-    ASSERT_NE(file, nullptr) << path << ": " << sf_strerror(nullptr);
     const auto count = static_cast<sf_count_t>(samples.size());
-    EXPECT_EQ(sf_write_float(file, samples.data(), count), count);
-    EXPECT_EQ(sf_close(file), 0);
+    const bool written = file != nullptr && sf_write_float(file, samples.data(), count) == count;
+    if (sf_close(file) != 0 || !written) throw std::runtime_error(path + ": " + sf_strerror(nullptr));
+}
+
+// The first channel.
+inline std::vector<float> ReadAudio(const std::string& path) {
+    AudioFile audio(path, AudioFile::Channel::first);
+    std::vector<float> samples, piece(65536);
+    while (const std::size_t count = audio.Read(piece.data(), piece.size()))
+        samples.insert(samples.end(), piece.begin(), piece.begin() + static_cast<std::ptrdiff_t>(count));
+    return samples;
 }
 
 // One held note from `begin` to `end`, in seconds of `length`: four partials that fall off by 1/n, as a

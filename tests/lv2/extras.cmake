@@ -3,7 +3,6 @@ pkg_check_modules(LILV REQUIRED IMPORTED_TARGET lilv-0)
 pkg_check_modules(LV2_TEST_XCB REQUIRED IMPORTED_TARGET xcb)
 add_dependencies(test_lv2 orva_lv2_bundle)
 target_link_libraries(test_lv2 PRIVATE orva_module PkgConfig::LILV PkgConfig::LV2_TEST_XCB ${CMAKE_DL_LIBS})
-target_sources(test_lv2 PRIVATE
-  ${CMAKE_CURRENT_LIST_DIR}/../harmony/allocation_count.cpp ${CMAKE_CURRENT_LIST_DIR}/../editor/sanitizers.cpp)
+target_sources(test_lv2 PRIVATE ${CMAKE_CURRENT_LIST_DIR}/../harmony/allocation_count.cpp)
 target_compile_definitions(test_lv2 PRIVATE ORVA_BUNDLE="$<TARGET_FILE_DIR:orva_lv2_file>"
   $<$<BOOL:${ORVA_SANITIZE}>:ORVA_SANITIZED>)

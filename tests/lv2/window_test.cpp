@@ -11,22 +11,15 @@
 #include "lv2/instance.h"
 #include "lv2/uris.h"
 #include "tests/delivery/midi_device_layer.h"
-#include "tests/editor/display_server.h"
-#include "tests/editor/parent_window.h"
 #include "tests/lv2/lv2_host.h"
 #include "tests/plugin/messages.h"
+#include "tests/support/display_server.h"
+#include "tests/support/parent_window.h"
 
 namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-template <typename T>
-struct Freed {
-    void operator()(T* memory) const { free(memory); }
-};
-template <typename T>
-using Reply = std::unique_ptr<T, Freed<T>>;
 
 const LV2UI_Descriptor* FileWindow() {
     const auto entry = reinterpret_cast<LV2UI_DescriptorFunction>(dlsym(Lv2File(), "lv2ui_descriptor"));
@@ -34,41 +27,19 @@ const LV2UI_Descriptor* FileWindow() {
 }
 
 // The display of the tests, and a host's window in its upper left corner.
-class Desktop {
+class Desktop : public ParentWindow {
 public:
-    Desktop() : connection(xcb_connect(nullptr, nullptr)) {
-        screen = xcb_setup_roots_iterator(xcb_get_setup(connection)).data;
-        parent = MakeParentWindow(connection, screen);
-        Children(parent);  // an answer says that it is there
-    }
-    ~Desktop() { xcb_disconnect(connection); }
-    Desktop(const Desktop&) = delete;
-    Desktop& operator=(const Desktop&) = delete;
-
-    std::vector<xcb_window_t> Children(xcb_window_t of) const {
-        const Reply<xcb_query_tree_reply_t> reply(
-            xcb_query_tree_reply(connection, xcb_query_tree(connection, of), nullptr));
-        if (!reply) return {};
-        const xcb_window_t* first = xcb_query_tree_children(reply.get());
-        return {first, first + xcb_query_tree_children_length(reply.get())};
-    }
+    Desktop() { Connect(); }
     std::pair<int, int> Size(xcb_window_t of) const {
-        const Reply<xcb_get_geometry_reply_t> reply(
+        const XcbReply<xcb_get_geometry_reply_t> reply(
             xcb_get_geometry_reply(connection, xcb_get_geometry(connection, of), nullptr));
         return reply ? std::pair<int, int>(reply->width, reply->height) : std::pair<int, int>(0, 0);
     }
     // The first slider, as it is drawn.
-    std::vector<std::uint8_t> SliderPixels() const {
-        const Reply<xcb_get_image_reply_t> reply(xcb_get_image_reply(
-            connection, xcb_get_image(connection, XCB_IMAGE_FORMAT_Z_PIXMAP, parent, 22, 67, 22, 216, ~0U),
-            nullptr));
-        if (!reply) return {};
-        const std::uint8_t* data = xcb_get_image_data(reply.get());
-        return {data, data + xcb_get_image_data_length(reply.get())};
-    }
+    std::vector<std::uint8_t> SliderPixels() const { return Pixels(22, 67, 22, 216); }
     void CloseByManager(xcb_window_t window) const {
         const auto atom = [this](const char* name) {
-            const Reply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
+            const XcbReply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
                 connection,
                 xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(std::strlen(name)), name),
                 nullptr));
@@ -83,10 +54,6 @@ public:
         xcb_send_event(connection, 0, window, 0, reinterpret_cast<const char*>(&message));
         xcb_flush(connection);
     }
-
-    xcb_connection_t* connection;
-    xcb_screen_t* screen = nullptr;
-    xcb_window_t parent = 0;
 };
 
 struct Written {
@@ -109,7 +76,7 @@ protected:
                       return 0;
                   }};
         const LV2_Feature access{LV2_INSTANCE_ACCESS_URI, instance}, sizes{LV2_UI__resize, &resize},
-            place{LV2_UI__parent, reinterpret_cast<void*>(std::uintptr_t{desktop.parent})};
+            place{LV2_UI__parent, desktop.Handle()};
         std::vector<const LV2_Feature*> features{&sizes};
         if (instance != nullptr) features.push_back(&access);
         if (where == inParent) features.push_back(&place);
@@ -209,13 +176,13 @@ TEST_F(Lv2Window, OpensInTheHostsWindowAndLeavesNothingThere) {
         for (int life = 0; life < 3; ++life) {
             ASSERT_TRUE(Open(inParent, hosted.handle));
             const auto inside = static_cast<xcb_window_t>(reinterpret_cast<std::uintptr_t>(widget));
-            EXPECT_THAT(desktop.Children(desktop.parent), ElementsAre(inside));
+            EXPECT_THAT(desktop.Children(), ElementsAre(inside));
             EXPECT_EQ(desktop.Size(inside), std::pair(400, 320));
             EXPECT_EQ(resized, std::pair(400, 320));
             const std::vector<std::uint8_t> blank = desktop.SliderPixels();
             EXPECT_TRUE(Await([&] { return desktop.SliderPixels() != blank; })) << "nothing is drawn";
             Close();
-            EXPECT_TRUE(desktop.Children(desktop.parent).empty());
+            EXPECT_TRUE(desktop.Children().empty());
         }
     }
     EXPECT_THAT(written, IsEmpty());
@@ -273,7 +240,7 @@ TEST_F(Lv2Window, TheInstanceMayGoFirst) {
     SettledSlider();
     host.reset();
     EXPECT_EQ(Idle(), 1);
-    EXPECT_TRUE(desktop.Children(desktop.parent).empty());
+    EXPECT_TRUE(desktop.Children().empty());
     EXPECT_EQ(Idle(), 1);
     PortEvent(0, 0.5F);
     EXPECT_NE(Shower().show(window), 0);
@@ -322,7 +289,7 @@ TEST_F(Lv2Window, TheHostsWindowMayGoFirst) {
     ASSERT_TRUE(Open());
     SettledSlider();
     xcb_destroy_window(desktop.connection, desktop.parent);
-    desktop.Children(desktop.screen->root);  // an answer says that it has gone
+    desktop.Sync();
     EXPECT_TRUE(AwaitEnd());
 }
 

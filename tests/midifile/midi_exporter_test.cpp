@@ -7,7 +7,7 @@
 #include <memory>
 #include <random>
 
-#include "tests/midifile/midi_reader.h"
+#include "tests/midifile/exported.h"
 
 namespace {
 

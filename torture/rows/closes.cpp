@@ -10,7 +10,7 @@
 
 #include "editor/editor_factory.h"
 #include "editor/gui_editor.h"
-#include "tests/editor/temp_folder.h"
+#include "tests/support/temp_folder.h"
 #include "torture/life/counting_devices.h"
 #include "torture/life/host_window.h"
 #include "torture/life/instance.h"
@@ -38,8 +38,8 @@ std::intptr_t Host(AEffect*, std::int32_t opcode, std::int32_t, std::intptr_t, v
 const TempFolder& Programs() {
     static const TempFolder& folder = *[] {
         auto* const made = new TempFolder;
-        made->Program("zenity", "/bin/sleep 1000 & echo $$ $! > " + made->File("new") + "; /bin/mv " +
-                                    made->File("new") + " " + made->File("process") + "; wait");
+        made->Program("zenity", "/bin/sleep 1000 & echo $$ $! > " + (*made / "new") + "; /bin/mv " +
+                                    (*made / "new") + " " + (*made / "process") + "; wait");
         std::atexit([] {
             std::error_code ignored;
             std::filesystem::remove_all(Programs().path, ignored);
@@ -58,13 +58,13 @@ bool IsGone(pid_t process) {
 
 // The processes of a dialog that runs; awaited.
 std::vector<pid_t> DialogInPlace(const Trial& trial, const Instance& plug) {
-    std::filesystem::remove(Programs().File("process"));
+    std::filesystem::remove(Programs() / "process");
     editor->AskForFile({"title", "MIDI Files (*.mid)", "mid", "take.mid"}, [](const std::string&) {});
     for (int i = 0; i < 5000; ++i) {
         plug.Call(effEditIdle);
         if (Programs().Has("process")) {
             std::vector<pid_t> both(2);
-            std::ifstream(Programs().File("process")) >> both[0] >> both[1];
+            std::ifstream(Programs() / "process") >> both[0] >> both[1];
             return both;
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
@@ -97,7 +97,7 @@ void TryClose(Trial& trial) {
         for (int i = 0; i < 50 && !closeWanted; ++i) plug.Play(tones);
         trial.Require(closeWanted, "no note came");
     }  // the host closes it as soon as the call has returned from which the note came
-    trial.Require(window.Children() == 0, "a window is left");
+    trial.Require(window.Children().empty(), "a window is left");
     trial.Require(devices.opened - opened == (is(deviceOpen) ? 1 : 0), "the device was not opened once");
     trial.Require(devices.closed - closed == devices.opened - opened, "the device was not closed once");
     trial.Require(devices.faults == 0 && devices.stale == 0, "a device met what it should not");

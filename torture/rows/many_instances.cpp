@@ -93,7 +93,7 @@ void TryThreadsOfALife(Trial& trial) {
     onItsOwn([&] { plug.reset(); });
     trial.Require(whole, "a block came out changed");
     trial.Require(opened, "the window did not open");
-    trial.Require(window.Children() == 0, "a window is left");
+    trial.Require(window.Children().empty(), "a window is left");
     const CountingDevices& devices = Substitutes::InPlace().devices;
     trial.Require(devices.opened == devices.closed && devices.faults == 0, "a device was left open");
 }

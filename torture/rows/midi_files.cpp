@@ -8,10 +8,12 @@
 
 #include "delivery/note_out.h"
 #include "delivery/rt_recording.h"
-#include "tests/midifile/midi_reader.h"
+#include "midifile/midi_exporter.h"
+#include "tests/notes/memory_stream.h"
+#include "tests/support/midi_reader.h"
+#include "tests/support/temp_folder.h"
 #include "torture/row.h"
 #include "torture/rows/plug_in.h"
-#include "torture/rows/temp_folder.h"
 
 namespace {
 

@@ -65,7 +65,7 @@ void TryLives(Trial& trial) {
     static const ProcessState before = Settled(trial, window);
     Live(trial, trial.number % 10 == 9 ? &window : nullptr);
     ProcessState::Now().RequireSameAs(before, trial);
-    trial.Require(window.Children() == 0, "a window is left");
+    trial.Require(window.Children().empty(), "a window is left");
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
     static long lives = 0;
     static double settled = 0;  // memory after a hundred lives

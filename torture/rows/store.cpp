@@ -11,8 +11,8 @@
 
 #include "platform/user_store.h"
 #include "plugin/mem_log.h"
+#include "tests/support/temp_folder.h"
 #include "torture/row.h"
-#include "torture/rows/temp_folder.h"
 
 namespace {
 

@@ -8,9 +8,9 @@
 #include <locale>
 #include <string>
 
+#include "tests/support/temp_folder.h"
 #include "torture/row.h"
 #include "torture/rows/plug_in.h"
-#include "torture/rows/temp_folder.h"
 
 namespace {
 

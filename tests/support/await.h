@@ -4,10 +4,10 @@
 
 // Waits for a condition that nobody signals; false after a long time.
 template <typename Condition>
-bool AwaitThat(Condition met) {
-    const auto patience = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+bool AwaitThat(Condition met, std::chrono::seconds patience = std::chrono::seconds(30)) {
+    const auto end = std::chrono::steady_clock::now() + patience;
     while (!met()) {
-        if (std::chrono::steady_clock::now() > patience) return false;
+        if (std::chrono::steady_clock::now() > end) return false;
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
     return true;

@@ -1,0 +1,53 @@
+#pragma once
+#include <sys/stat.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+#include <string>
+
+inline std::string ReadAll(const std::filesystem::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+inline void WriteAll(const std::filesystem::path& path, const std::string& content) {
+    std::ofstream(path, std::ios::binary) << content;
+}
+
+// A folder of its own for a test or a case, gone with the object.
+class TempFolder {
+public:
+    TempFolder() {
+        std::string name = (std::filesystem::temp_directory_path() / "orva-test-XXXXXX").string();
+        if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary folder");
+        path = name;
+    }
+    ~TempFolder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(path, ignored);
+    }
+    TempFolder(const TempFolder&) = delete;
+    TempFolder& operator=(const TempFolder&) = delete;
+
+    std::string operator/(const std::string& name) const { return (path / name).string(); }
+    bool Has(const std::string& name) const { return std::filesystem::exists(path / name); }
+    std::size_t Files() const {
+        return static_cast<std::size_t>(
+            std::distance(std::filesystem::directory_iterator(path), std::filesystem::directory_iterator()));
+    }
+
+    // A program that runs the lines of `script`, in the place of one of the desktop's.
+    void Program(const std::string& name, const std::string& script) const {
+        WriteAll(path / name, "#!/bin/sh\n" + script + "\n");
+        chmod((path / name).c_str(), 0700);
+    }
+    // Programs are found here and nowhere else but in the system's own folders, if at all.
+    void BecomePath(bool withSystem) const {
+        setenv("PATH", (path.string() + (withSystem ? ":/usr/bin:/bin" : "")).c_str(), 1);
+    }
+
+    std::filesystem::path path;
+};
