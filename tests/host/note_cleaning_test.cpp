@@ -9,28 +9,20 @@ namespace {
 constexpr std::int32_t rate = 44100;
 constexpr int C = 60, E = 64;
 
-std::int64_t Samples(int ms) {
-    return std::llround(ms * 44.1);
-}
-
 HeardNote Note(int pitch, int begin, int end, int velocity = 100) {  // ms
-    return {Samples(begin), Samples(end), 0, pitch, velocity};
+    return {std::llround(begin * 44.1), std::llround(end * 44.1), 0, pitch, velocity};
 }
 
-std::string Ms(std::int64_t samples) {
-    return std::to_string(std::lround(static_cast<double>(samples) / 44.1));
-}
-
-std::string Spell(const std::vector<HeardNote>& notes) {
+// In milliseconds.
+std::string Cleaned(const std::vector<HeardNote>& notes, const NoteCleaning& cleaning) {
+    const auto ms = [](std::int64_t samples) {
+        return std::to_string(std::lround(static_cast<double>(samples) / 44.1));
+    };
     std::string text;
-    for (const HeardNote& note : notes)
-        text += std::to_string(note.pitch) + " " + Ms(note.begin) + "-" + Ms(note.end) + " v" +
+    for (const HeardNote& note : CleanNotes(notes, cleaning, rate))
+        text += std::to_string(note.pitch) + " " + ms(note.begin) + "-" + ms(note.end) + " v" +
                 std::to_string(note.velocity) + "; ";
     return text;
-}
-
-std::string Cleaned(const std::vector<HeardNote>& notes, const NoteCleaning& cleaning) {
-    return Spell(CleanNotes(notes, cleaning, rate));
 }
 
 }  // namespace
@@ -54,11 +46,14 @@ TEST(NoteCleaning, ShortGapsJoinNotesOfOnePitch) {
 }
 
 // At 120 quarters a minute a sixteenth is 125 ms.
-TEST(NoteCleaning, TheGridTakesBothEnds) {
+TEST(NoteCleaning, TheGridTakesBothEndsAndNotesOfOnePitchNeverOverlapOnIt) {
     NoteCleaning cleaning;
     cleaning.gridParts = ParseGrid("1/16");
     EXPECT_EQ(Cleaned({Note(C, 60, 300), Note(E, 65, 70), Note(C, 370, 430)}, cleaning),
               "60 0-250 v100; 64 125-250 v100; 60 375-500 v100; ");
+    EXPECT_EQ(Cleaned({Note(C, 0, 100, 50), Note(C, 30, 260, 90)}, cleaning), "60 0-250 v90; ");
+    EXPECT_EQ(Cleaned({Note(C, 0, 60), Note(C, 70, 200)}, cleaning), "60 0-125 v100; 60 125-250 v100; ");
+    EXPECT_EQ(Cleaned({Note(C, 0, 190), Note(C, 185, 400)}, cleaning), "60 0-125 v100; 60 125-375 v100; ");
     cleaning.tempo = 60;  // 250 ms
     EXPECT_EQ(Cleaned({Note(C, 130, 490)}, cleaning), "60 250-500 v100; ");
     cleaning.gridParts = ParseGrid("1/12");  // a third of a second
@@ -80,14 +75,6 @@ TEST(NoteCleaning, TheGridIsMetInTheMidiFileToTheTick) {
                 EXPECT_EQ(static_cast<int>(static_cast<double>(scoreTick) * tempo * 120 / 60 / 22050),
                           30 * line);
             }
-}
-
-TEST(NoteCleaning, NotesOfOnePitchNeverOverlapOnTheGrid) {
-    NoteCleaning cleaning;
-    cleaning.gridParts = 16;
-    EXPECT_EQ(Cleaned({Note(C, 0, 100, 50), Note(C, 30, 260, 90)}, cleaning), "60 0-250 v90; ");
-    EXPECT_EQ(Cleaned({Note(C, 0, 60), Note(C, 70, 200)}, cleaning), "60 0-125 v100; 60 125-250 v100; ");
-    EXPECT_EQ(Cleaned({Note(C, 0, 190), Note(C, 185, 400)}, cleaning), "60 0-125 v100; 60 125-375 v100; ");
 }
 
 TEST(NoteCleaning, AnUntouchedTakeStaysAsItIsAndOtherMessagesStayInIt) {
