@@ -1,16 +1,17 @@
-#include <cstring>
-
-#include "platform/midi_out_devices.h"
 #include "platform/shell.h"
+#include "platform/user_store.h"
+#include "tests/delivery/midi_device_layer.h"
 #include "tests/editor/editor_test.h"
 #include "tests/support/temp_folder.h"
 
 namespace {
 
-using testing::Each;
+using testing::_;
 using testing::ElementsAre;
 using testing::EndsWith;
+using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Pair;
 using testing::SizeIs;
 
 class Controls : public EditorTest {
@@ -18,6 +19,7 @@ protected:
     void Open() {
         ASSERT_TRUE(host->Open());
         host->Settle();
+        ground = host->Pixel(6, 318);
     }
     void Click(Place place) {
         host->Click(place.x, place.y);
@@ -33,36 +35,14 @@ protected:
         host->Settle();
     }
     bool MessageIsUp() { return host->Pixel(6, 318) != ground; }
-    void NotePlain() { ground = host->Pixel(6, 318); }
 
     std::uint32_t ground = 0;  // a pixel of the bare window that a message's veil darkens
 };
 
-// Two devices that open and swallow all.
-class TwoDevices : public MidiOutDevices {
+class Devices : public FakeLayer {
 public:
-    TwoDevices() { SubstituteMidiOut(this); }
-    ~TwoDevices() override { SubstituteMidiOut(nullptr); }
-
-    std::uint32_t midiOutGetNumDevs() override { return 2; }
-    std::uint32_t midiOutGetDevCapsW(std::uint32_t id, MidiOutCaps& caps) override {
-        const char16_t* name = id == 0 ? u"Desk Piano" : u"Rack Synth";
-        std::char_traits<char16_t>::copy(caps.name, name, 11);
-        return 0;
-    }
-    std::uint32_t midiOutOpen(MidiOutHandle& handle, std::uint32_t id) override {
-        opened.push_back(id);
-        handle = id + 1;
-        return 0;
-    }
-    std::uint32_t midiOutClose(MidiOutHandle) override { return 0; }
-    std::uint32_t midiOutShortMsg(MidiOutHandle, std::uint32_t) override { return 0; }
-    std::uint32_t midiOutReset(MidiOutHandle) override { return 0; }
-    std::uint32_t midiOutLongMsg(MidiOutHandle, const MidiLongMessage&) override { return 0; }
-    std::uint32_t midiOutGetErrorTextW(std::uint32_t, MidiOutErrorTextW&) override { return 0; }
-    SystemVersion GetVersionExA() override { return {10, 0}; }
-
-    std::vector<std::uint32_t> opened;
+    Devices() { SubstituteMidiOut(this); }
+    ~Devices() override { SubstituteMidiOut(nullptr); }
 };
 
 class FakeShell : public IShell {
@@ -74,30 +54,13 @@ public:
     bool OpenHelpFile(const std::string& path) override { return Note("help " + path); }
 
     std::vector<std::string> opened;
-    bool works = true;
     std::string absent = "?";  // what ends so cannot be opened
 
 private:
     bool Note(const std::string& what) {
         opened.push_back(what);
-        return works && !what.ends_with(absent);
+        return !what.ends_with(absent);
     }
-};
-
-// A manual beside this program, in which the window is a part of the program.
-class ManualBesideUs {
-public:
-    ManualBesideUs() { std::ofstream(file) << "<!DOCTYPE html>"; }
-    ~ManualBesideUs() {
-        std::error_code ignored;
-        std::filesystem::remove(file, ignored);
-    }
-    ManualBesideUs(const ManualBesideUs&) = delete;
-    ManualBesideUs& operator=(const ManualBesideUs&) = delete;
-
-private:
-    const std::filesystem::path file =
-        std::filesystem::read_symlink("/proc/self/exe").parent_path() / "orva_vst.html";
 };
 
 }  // namespace
@@ -122,7 +85,7 @@ TEST_F(Controls, ASliderStandsWhereAQuickHandLetItGo) {
     EXPECT_EQ(host->plugin.getParameter(1), 0.0F);
 }
 
-TEST_F(Controls, AFreehandStrokeSetsEveryBarItPasses) {
+TEST_F(Controls, BarsAreSetByAFreehandStrokeAndDrawnAsTheyAre) {
     host->plugin.setParameter(92, 3.0F);
     Open();
     // The bars begin at 7, 48; bar b is at 3 * b + 1. From bar 10 to bar 20 at half height: y 101 of 203.
@@ -134,9 +97,15 @@ TEST_F(Controls, AFreehandStrokeSetsEveryBarItPasses) {
         else
             EXPECT_THAT(told, ElementsAre(102.0F / 203.0F)) << bar;
     }
-    const int x = 7 + 3 * 15 + 1;
-    EXPECT_EQ(host->Pixel(x, 48 + 206 - 102 - 2), 0xFFFF00U);  // the bar's upper edge
-    EXPECT_NE(host->Pixel(x, 48 + 206 - 102 - 3), 0xFFFF00U);
+    const auto expectDrawn = [this](int bar, int pixels) {
+        const int x = 7 + 3 * bar + 1, top = 48 + 206 - pixels - 2;
+        EXPECT_TRUE(host->Await([&] { return host->Pixel(x, top - 1) != 0xFFFF00U; }));
+        EXPECT_EQ(host->Pixel(x, top), 0xFFFF00U);
+    };
+    expectDrawn(15, 102);
+    host->plugin.setParameter(3 + 40, 0.25F);  // by the host
+    expectDrawn(40, 50);                       // int(0.25 * 203)
+    EXPECT_THAT(host->ToldOf(3 + 40), IsEmpty());
 }
 
 TEST_F(Controls, TheBarButtonsSetAllBarsInOrderEvenWhenReleasedOutside) {
@@ -156,18 +125,8 @@ TEST_F(Controls, TheBarButtonsSetAllBarsInOrderEvenWhenReleasedOutside) {
     EXPECT_THAT(host->ToldOf(3), ElementsAre(0.0F, 1.0F));
 }
 
-TEST_F(Controls, TheHostsBarsAreDrawnAsTheyAre) {
-    host->plugin.setParameter(92, 3.0F);
-    Open();
-    host->plugin.setParameter(3 + 40, 0.25F);  // int(0.25 * 203) = 50 pixels
-    const int x = 7 + 3 * 40 + 1, top = 48 + 206 - 50 - 2;
-    EXPECT_TRUE(host->Await([&] { return host->Pixel(x, top - 1) != 0xFFFF00U; }));
-    EXPECT_EQ(host->Pixel(x, top), 0xFFFF00U);
-    EXPECT_THAT(host->automated, IsEmpty());
-}
-
 TEST_F(Controls, SwitchesAndSlidersOfTheOptionsPage) {
-    TwoDevices devices;
+    Devices devices;
     host->plugin.setParameter(92, 4.0F);
     Open();
     Click({60, 62});  // Show chords
@@ -178,7 +137,7 @@ TEST_F(Controls, SwitchesAndSlidersOfTheOptionsPage) {
     EXPECT_THAT(host->ToldOf(91), ElementsAre(0.0F));
     Click({60, 182});  // MIDI device
     EXPECT_THAT(host->ToldOf(89), ElementsAre(1.0F));
-    EXPECT_THAT(devices.opened, ElementsAre(0U));
+    EXPECT_THAT(devices.open, ElementsAre(Pair(_, 0U)));
     Click({152, 242});  // Send Program Change
     EXPECT_THAT(host->ToldOf(95), ElementsAre(1.0F));
     Drag({89, 86}, {300, 86});  // Chords Delay to its end
@@ -203,7 +162,7 @@ TEST_F(Controls, ChoosingAChannelTellsItInFifteenths) {
 }
 
 TEST_F(Controls, ChoosingADeviceSwitchesTheOutputOn) {
-    TwoDevices devices;
+    Devices devices;
     host->plugin.setParameter(92, 4.0F);
     Open();
     Click({120, 204});
@@ -212,7 +171,7 @@ TEST_F(Controls, ChoosingADeviceSwitchesTheOutputOn) {
     EXPECT_TRUE(host->Await([&] { return !host->ToldOf(89).empty(); }));
     EXPECT_THAT(host->ToldOf(88), ElementsAre(0.01F));
     EXPECT_THAT(host->ToldOf(89), ElementsAre(1.0F));
-    EXPECT_THAT(devices.opened, ElementsAre(1U));
+    EXPECT_THAT(devices.open, ElementsAre(Pair(_, 1U)));
     host.reset();
 }
 
@@ -234,67 +193,41 @@ TEST_F(Controls, TheRecordButtonStaysLitWhileItRecords) {
     EXPECT_FALSE(host->plugin.recordingOn);
 }
 
-TEST_F(Controls, WithNothingRecordedThereIsAMessageAndNoDialog) {
-    TempFolder folder;
-    folder.Program("zenity", "touch " + (folder / "started"));
-    folder.BecomePath(true);
-    Open();
-    NotePlain();
-    Click(recordButton);
-    Click(saveButton);
-    EXPECT_FALSE(host->plugin.recordingOn);
-    EXPECT_TRUE(host->Await([&] { return MessageIsUp(); }));
-    EXPECT_FALSE(folder.Has("started"));
-    host->Key("Return");
-    EXPECT_TRUE(host->Await([&] { return !MessageIsUp(); }));
-}
-
-TEST_F(Controls, ARecordingIsSavedUnderTheNameThatTheUserChose) {
-    TempFolder folder;
-    folder.Program("zenity",
-                   "printf '%s\\n' \"$@\" > " + (folder / "told") + "; echo " + (folder / "take.mid"));
-    folder.BecomePath(true);
-    Open();
-    host->plugin.resume();
-    Click(recordButton);
-    Play({440.0}, 1.0);
-    Play({}, 0.5);
-    Click(saveButton);  // ends the recording first
-    EXPECT_FALSE(host->plugin.recordingOn);
-    EXPECT_TRUE(host->Await([&] { return folder.Has("take.mid"); }));
-    EXPECT_THAT(ReadAll(folder / "told"),
-                testing::HasSubstr("--title=Select MIDI file\n--filename=midi_output.mid\n"));
-    const std::string file = ReadAll(folder / "take.mid");
-    EXPECT_EQ(file.substr(0, 4), "MThd");
-    EXPECT_NE(file.find(std::string("\x45\x64", 2)), std::string::npos)
-        << "no A 440 (note 69) at velocity 100";
-}
-
-TEST_F(Controls, AFileThatCannotBeWrittenIsTold) {
-    TempFolder folder;
-    folder.Program("zenity", "echo /nowhere/at/all/take.mid");
-    folder.BecomePath(true);
-    Open();
-    NotePlain();
-    host->plugin.resume();
-    Click(recordButton);
-    Play({440.0}, 1.0);
-    Click(saveButton);
-    EXPECT_TRUE(host->Await([&] { return MessageIsUp(); }));
-    EXPECT_FALSE(host->plugin.nothingRecorded());  // the take is kept for another try
-}
-
-TEST_F(Controls, WithoutADialogProgramTheUserIsTold) {
+TEST_F(Controls, ATakeIsSavedUnderTheChosenNameAndKeptUntilItIs) {
     TempFolder folder;
     folder.Program("xdotool", "exec /usr/bin/xdotool \"$@\"");
     folder.BecomePath(false);
     Open();
-    NotePlain();
+    const auto expectMessage = [this](const char* reason) {
+        Click(saveButton);
+        EXPECT_FALSE(host->plugin.recordingOn) << reason;  // ended first
+        EXPECT_TRUE(host->Await([&] { return MessageIsUp(); })) << reason;
+        host->Key("Return");
+        EXPECT_TRUE(host->Await([&] { return !MessageIsUp(); })) << reason;
+    };
+    folder.Program("zenity", ": > " + (folder / "started"));
+    Click(recordButton);
+    expectMessage("nothing recorded");
+    EXPECT_FALSE(folder.Has("started"));
+
     host->plugin.resume();
     Click(recordButton);
     Play({440.0}, 1.0);
+    Play({}, 0.5);
+    std::filesystem::remove(folder / "zenity");
+    expectMessage("no program for the dialog");
+    folder.Program("zenity", "echo /nowhere/at/all/take.mid");
+    expectMessage("a file that cannot be written");
+
+    folder.Program("zenity",
+                   "printf '%s\\n' \"$@\" > " + (folder / "told") + "; echo " + (folder / "take.mid"));
     Click(saveButton);
-    EXPECT_TRUE(host->Await([&] { return MessageIsUp(); }));
+    EXPECT_TRUE(host->Await([&] { return folder.Has("take.mid"); }));
+    EXPECT_THAT(ReadAll(folder / "told"),
+                HasSubstr("--title=Select MIDI file\n--filename=midi_output.mid\n"));
+    const std::string file = ReadAll(folder / "take.mid");
+    EXPECT_EQ(file.substr(0, 4), "MThd");
+    EXPECT_THAT(file, HasSubstr("\x45\x64")) << "no A 440 (note 69) at velocity 100";
     setenv("PATH", "/usr/bin:/bin", 1);
 }
 
@@ -330,22 +263,12 @@ TEST_F(Controls, NameAndCodeAreStoredTogether) {
     setenv("XDG_CONFIG_HOME", folder.path.c_str(), 1);
     host->plugin.setParameter(92, 5.0F);
     Open();
-    NotePlain();
-    const auto stored = [&](const std::string& text) {
-        for (const auto& each : std::filesystem::recursive_directory_iterator(folder.path)) {
-            if (!each.is_regular_file()) continue;
-            std::ifstream file(each.path());
-            const std::string content(std::istreambuf_iterator<char>(file), {});
-            if (content.find(text) != std::string::npos) return true;
-        }
-        return false;
-    };
     Click({120, 243});
     host->Type("Jane Doe");
     host->Settle();
     Click(registerButton);  // no code yet
     EXPECT_TRUE(host->Await([&] { return MessageIsUp(); }));
-    EXPECT_FALSE(stored("Jane Doe"));
+    EXPECT_EQ(readRegistryString("Name"), "");
     host->Key("Return");
     EXPECT_TRUE(host->Await([&] { return !MessageIsUp(); }));
     Click({120, 266});
@@ -353,8 +276,8 @@ TEST_F(Controls, NameAndCodeAreStoredTogether) {
     host->Settle();
     Click(registerButton);  // takes what was typed, without a Return
     EXPECT_TRUE(host->Await([&] { return MessageIsUp(); }));
-    EXPECT_TRUE(stored("Jane Doe"));
-    EXPECT_TRUE(stored("1234-ABCD"));
+    EXPECT_EQ(readRegistryString("Name"), "Jane Doe");
+    EXPECT_EQ(readRegistryString("Code"), "1234-ABCD");
     unsetenv("XDG_CONFIG_HOME");
 }
 
@@ -390,10 +313,9 @@ TEST_F(Controls, LinksOpenTheirPages) {
                                           "mail support@orva-labs.example"));
 }
 
-TEST_F(Controls, HelpComesByItsButtonAndByF1) {
+TEST_F(Controls, HelpComesByItsButtonAndByF1AndFromTheManualOtherwise) {
     FakeShell shell;
     Open();
-    NotePlain();
     Click(helpButton);
     EXPECT_THAT(shell.opened, ElementsAre(EndsWith("/orva_vst.chm")));
     EXPECT_EQ(host->Call(effEditKeyDown, 0, VKEY_F1), 1);
@@ -401,26 +323,22 @@ TEST_F(Controls, HelpComesByItsButtonAndByF1) {
     EXPECT_THAT(shell.opened, SizeIs(2));
     host->Key("F1");  // the button's press has given the window the keys
     EXPECT_TRUE(host->Await([&] { return shell.opened.size() == 3; }));
+
+    // Without the help file the manual beside this program, in which the window is a part of the program.
+    shell.absent = ".chm";
+    const auto manual = std::filesystem::read_symlink("/proc/self/exe").parent_path() / "orva_vst.html";
+    WriteAll(manual, "<!DOCTYPE html>");
+    Click(helpButton);
+    std::filesystem::remove(manual);
+    EXPECT_THAT(shell.opened.back(), EndsWith("/orva_vst.html"));
     EXPECT_FALSE(MessageIsUp());
-    shell.works = false;
+    shell.absent = "";  // all
     Click(helpButton);
     EXPECT_TRUE(host->Await([&] { return MessageIsUp(); }));
 }
 
-TEST_F(Controls, HelpIsTheManualWhereTheHelpFileIsNotThere) {
-    const ManualBesideUs manual;
-    FakeShell shell;
-    shell.absent = ".chm";
-    Open();
-    NotePlain();
-    Click(helpButton);
-    EXPECT_THAT(shell.opened, ElementsAre(EndsWith("/orva_vst.chm"), EndsWith("/orva_vst.html")));
-    EXPECT_FALSE(MessageIsUp());
-}
-
 TEST_F(Controls, MessagesComeOneAfterAnother) {
     Open();
-    NotePlain();
     std::thread([&] {
         host->plugin.messages.Show("first", "Error");
         host->plugin.messages.Show("second", "Error");
@@ -428,7 +346,6 @@ TEST_F(Controls, MessagesComeOneAfterAnother) {
     EXPECT_TRUE(host->Await([&] { return MessageIsUp(); }));
     host->Settle();
     const auto first = host->Pixels(0, 0, 267, 320);
-    host->Key("Escape");  // keys reach the message only once the window has the focus
     Click({320, 185});
     host->Settle();
     EXPECT_TRUE(MessageIsUp());

@@ -16,14 +16,6 @@ struct Clock {
 
 }  // namespace
 
-TEST(IdleClock, StepsOnlyWhenFiftyMillisecondsHaveAddedUp) {
-    Clock clock{1000};
-    EXPECT_EQ(clock.At(1020), 0U);
-    EXPECT_EQ(clock.At(1049), 0U);
-    EXPECT_EQ(clock.At(1050), 1U);
-    EXPECT_EQ(clock.At(1051), 0U);
-}
-
 // Calls every 33 ms: 100 of them are 3300 ms, 66 whole steps, although no call alone comes near one and a
 // half.
 TEST(IdleClock, LosesNoTimeToRounding) {

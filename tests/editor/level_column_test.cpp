@@ -18,25 +18,6 @@ TEST(LevelColumn, ThePaletteRunsFromOneBlueToTheOtherAndEndsInOrange) {
     expect(255, 255, 150, 70);
 }
 
-TEST(LevelColumn, HighNotesAreAtTheTopThreePixelsEach) {
-    std::vector<unsigned char> levels(84);
-    levels[83] = 9;   // B7, the highest
-    levels[0] = 200;  // C1, the lowest
-    const auto column = ColumnOf(levels);
-    for (std::size_t y = 0; y < column.size(); ++y)
-        EXPECT_EQ(column[y], y < 3 ? 9 : y >= 249 ? 200 : 0) << "pixel " << y;
-}
-
-TEST(LevelColumn, ASoundingNoteHasALineOfTheGradientsEndUnderIt) {
-    std::vector<unsigned char> levels(84);
-    levels[83] = 255;
-    levels[82] = 254;
-    levels[81] = 1;
-    const auto column = ColumnOf(levels);
-    const int expected[] = {255, 255, 254, 254, 254, 254, 1, 1, 1, 0};
-    for (std::size_t y = 0; y < std::size(expected); ++y) EXPECT_EQ(column[y], expected[y]) << "pixel " << y;
-}
-
 TEST(LevelColumn, TakesAnyNumberOfBands) {
     for (const std::size_t count : {0U, 1U, 83U, 84U, 85U, 128U}) {
         const auto column = ColumnOf(std::vector<unsigned char>(count, 100));
