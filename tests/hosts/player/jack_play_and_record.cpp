@@ -5,16 +5,16 @@
 //   jack_play_and_record                       awaits the server, and no more
 //
 // Exit code 0: the audio came back as it was played, to the last bit; 1: it did not, or something is missing.
-#include <chrono>
 #include <cstdio>
 #include <fstream>
 #include <iostream>
 #include <memory>
-#include <thread>
 
 #include "tests/host/jack_player.h"
+#include "tests/host/test_audio.h"
 #include "tests/hosts/player/jack_recorder.h"
-#include "tools/host/audio_file.h"
+#include "tests/support/await.h"
+#include "tools/host/take_output.h"
 
 namespace {
 
@@ -24,11 +24,8 @@ constexpr int tail = 1;       // s after the music
 
 template <typename Condition>
 void Await(const std::string& what, int seconds, Condition condition) {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(seconds);
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > end) throw std::runtime_error(what + " does not come");
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    }
+    if (!AwaitThat(condition, std::chrono::seconds(seconds)))
+        throw std::runtime_error(what + " does not come");
 }
 
 using Client = std::unique_ptr<jack_client_t, decltype(&jack_client_close)>;
@@ -40,49 +37,6 @@ Client AwaitServer() {
         return client != nullptr;
     });
     return client;
-}
-
-std::vector<float> AllOf(const std::string& path, int rate) {
-    AudioFile file(path, AudioFile::Channel::first);
-    if (file.Rate() != rate) throw std::runtime_error(path + " is not at the server's rate");
-    std::vector<float> samples;
-    std::vector<float> piece(65536);
-    while (const std::size_t count = file.Read(piece.data(), piece.size()))
-        samples.insert(samples.end(), piece.begin(), piece.begin() + static_cast<std::ptrdiff_t>(count));
-    return samples;
-}
-
-void WriteAudio(const std::string& path, const float* samples, std::size_t count, int rate) {
-    SF_INFO form{};
-    form.samplerate = rate;
-    form.channels = 1;
-    form.format = SF_FORMAT_WAV | SF_FORMAT_FLOAT;
-    SNDFILE* const file = sf_open(path.c_str(), SFM_WRITE, &form);
-    const auto length = static_cast<sf_count_t>(count);
-    const bool written = file != nullptr && sf_write_float(file, samples, length) == length;
-    if (sf_close(file) != 0 || !written) throw std::runtime_error(path + " cannot be written");
-}
-
-const char* KindOf(const JackRecorder::Event& event) {
-    switch (event.bytes[0] & 0xF0) {
-        case 0x80: return "note off";
-        case 0x90: return event.bytes[2] != 0 ? "note on" : "note off";
-        case 0xC0: return "program";
-        default: return "other";
-    }
-}
-
-void WriteEvents(const std::string& path, const std::vector<JackRecorder::Event>& events, std::size_t begin,
-                 int rate) {
-    std::ofstream file(path);
-    file << "time,sample,status,data1,data2,kind\n" << std::fixed;
-    file.precision(6);
-    for (const JackRecorder::Event& event : events) {
-        const auto sample = static_cast<std::int64_t>(event.at) - static_cast<std::int64_t>(begin);
-        file << static_cast<double>(sample) / rate << ',' << sample << ',' << int{event.bytes[0]} << ','
-             << int{event.bytes[1]} << ',' << int{event.bytes[2]} << ',' << KindOf(event) << '\n';
-    }
-    if (!file.flush()) throw std::runtime_error(path + " cannot be written");
 }
 
 // The begin and what follows, as it was played? Tells.
@@ -100,7 +54,9 @@ bool IsSame(const std::vector<float>& played, const float* heard) {
 bool PlayAndRecord(jack_client_t& looker, const std::string& audio, const std::string& host,
                    const std::string& heard) {
     const int rate = static_cast<int>(jack_get_sample_rate(&looker));
-    const std::vector<float> music = AllOf(audio, rate);
+    if (AudioFile(audio, AudioFile::Channel::first).Rate() != rate)
+        throw std::runtime_error(audio + " is not at the server's rate");
+    const std::vector<float> music = ReadAudio(audio);
     const auto seconds = [&](int count) {
         return static_cast<std::size_t>(count) * static_cast<std::size_t>(rate);
     };
@@ -124,9 +80,17 @@ bool PlayAndRecord(jack_client_t& looker, const std::string& audio, const std::s
     recorder.Stop();
 
     const std::size_t begin = recorder.PeriodAt(player.BeganAt());
-    WriteEvents(heard + ".csv", recorder.Events(), begin, rate);
-    WriteAudio(heard + ".wav", recorder.Samples().data() + begin, recorder.Length() - begin, rate);
-    return IsSame(music, recorder.Samples().data() + begin);
+    Take take{rate, 0, {}};
+    for (const JackRecorder::Event& event : recorder.Events())
+        take.events.push_back(
+            {static_cast<std::int64_t>(event.at) - static_cast<std::int64_t>(begin), event.bytes});
+    std::ofstream csv(heard + ".csv");
+    csv << EventCsv(take);
+    if (!csv.flush()) throw std::runtime_error(heard + ".csv cannot be written");
+    const float* const samples = recorder.Samples().data();
+    WriteAudio(heard + ".wav", {samples + begin, samples + recorder.Length()}, rate, 1,
+               SF_FORMAT_WAV | SF_FORMAT_FLOAT);
+    return IsSame(music, samples + begin);
 }
 
 }  // namespace
