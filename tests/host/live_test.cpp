@@ -4,7 +4,7 @@
 
 #include <map>
 
-#include "jack_player.h"
+#include "jack_neighbour.h"
 #include "run_host.h"
 #include "test_audio.h"
 #include "tests/platform/jack_server.h"
@@ -67,7 +67,7 @@ struct Neighbours {
     std::vector<std::uint32_t> Received() const { return NotesAt(synth); }
 
     JackReceiver synth{"synth"};
-    JackPlayer player;
+    JackNeighbour player;
 };
 
 class Live : public testing::Test {
@@ -87,7 +87,7 @@ TEST_F(Live, PlaysTheNotesThatRenderFindsAndPassesTheAudioOn) {
         {"live", "--connect", "player:out", "--midi-to", "synth:in", "--midi", music.folder / "live.mid"});
     ASSERT_TRUE(jack.AwaitHost()) << host.Err();
     EXPECT_EQ(jack.synth.Senders(), std::vector<std::string>{"orva:midi"});
-    ASSERT_TRUE(jack.player.Hear("orva:out"));
+    ASSERT_TRUE(jack.player.HearAudio("orva:out"));
     jack.player.Play();
     ASSERT_TRUE(AwaitThat([&] { return jack.Received().size() >= expected.size(); }));
     ASSERT_TRUE(AwaitThat([&] { return jack.player.Heard().size() >= length; }));

@@ -10,9 +10,8 @@
 #include <iostream>
 #include <memory>
 
-#include "tests/host/jack_player.h"
+#include "tests/host/jack_neighbour.h"
 #include "tests/host/test_audio.h"
-#include "tests/hosts/player/jack_recorder.h"
 #include "tests/support/await.h"
 #include "tools/host/take_output.h"
 
@@ -66,10 +65,9 @@ bool PlayAndRecord(jack_client_t& looker, const std::string& audio, const std::s
 
     // Two clients: one that hears itself through another is a circle, which the server breaks by a period's
     // delay.
-    JackPlayer player("player", music, 0);
-    JackRecorder recorder("recorder", music.size() + seconds(margin + tail));
+    JackNeighbour player("player", music, 0), recorder("recorder", {}, music.size() + seconds(margin + tail));
     if (jack_connect(&looker, "player:out", (host + ":in").c_str()) != 0 ||
-        !recorder.Hear(host + ":out", host + ":midi"))
+        !recorder.HearAudio(host + ":out") || !recorder.HearMidi(host + ":midi"))
         throw std::runtime_error(host + " cannot be connected");
     player.Play();
     const int length = static_cast<int>(music.size() / seconds(1)) + 1;
@@ -79,9 +77,9 @@ bool PlayAndRecord(jack_client_t& looker, const std::string& audio, const std::s
     if (recorder.IsFull()) throw std::runtime_error("the recorder is full");
     recorder.Stop();
 
-    const std::size_t begin = recorder.PeriodAt(player.BeganAt());
+    const std::size_t begin = recorder.BeginOf(player);
     Take take{rate, 0, {}};
-    for (const JackRecorder::Event& event : recorder.Events())
+    for (const JackNeighbour::Event& event : recorder.Events())
         take.events.push_back(
             {static_cast<std::int64_t>(event.at) - static_cast<std::int64_t>(begin), event.bytes});
     std::ofstream csv(heard + ".csv");
