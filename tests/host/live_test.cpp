@@ -18,21 +18,15 @@ namespace {
 using testing::HasSubstr;
 
 constexpr int rate = 44100;                // Hz, of the shipped recordings
-constexpr std::size_t period = 1024;       // samples, of the test's server
-constexpr std::size_t length = 4 * 43008;  // samples, 3.9 s: a whole number of periods
+constexpr std::size_t length = 4 * 43008;  // samples, 3.9 s: a whole number of the server's periods
 
 // The beginning of a recording, as samples and as what `render` makes of it.
 struct Music {
     explicit Music(const std::string& name) {
         samples = ReadAudio(std::string(ORVA_RECORDINGS) + "/" + name);
         samples.resize(length);
-        const std::string path = folder / "music.wav";
-        WriteAudio(path, samples, rate);
-        samples = ReadAudio(path);  // as 16 bits have them
-        const PluginModule module(ORVA_MODULE);
-        RenderSettings settings;
-        settings.blockSize = period;
-        take = Render(module, path, settings, [](double) {});
+        WriteAudio(folder / "music.wav", samples, rate, 1, SF_FORMAT_WAV | SF_FORMAT_FLOAT);
+        take = Render(PluginModule(ORVA_MODULE), folder / "music.wav", {}, [](double) {});
     }
     // Its notes as words, in the order of sending.
     std::vector<std::uint32_t> Words() const {
@@ -64,7 +58,6 @@ struct Neighbours {
     bool AwaitHost() const {
         return AwaitThat([this] { return player.IsHeard() && !synth.Senders().empty(); });
     }
-    std::vector<std::uint32_t> Received() const { return NotesAt(synth); }
 
     JackReceiver synth{"synth"};
     JackNeighbour player;
@@ -89,12 +82,12 @@ TEST_F(Live, PlaysTheNotesThatRenderFindsAndPassesTheAudioOn) {
     EXPECT_EQ(jack.synth.Senders(), std::vector<std::string>{"orva:midi"});
     ASSERT_TRUE(jack.player.HearAudio("orva:out"));
     jack.player.Play();
-    ASSERT_TRUE(AwaitThat([&] { return jack.Received().size() >= expected.size(); }));
+    ASSERT_TRUE(AwaitThat([&] { return NotesAt(jack.synth).size() >= expected.size(); }));
     ASSERT_TRUE(AwaitThat([&] { return jack.player.Heard().size() >= length; }));
     EXPECT_EQ(host.End(SIGTERM), 0) << host.Err();
     EXPECT_EQ(host.Err(), "");
 
-    EXPECT_EQ(jack.Received(), expected);
+    EXPECT_EQ(NotesAt(jack.synth), expected);
     std::vector<float> heard = jack.player.Heard();
     heard.resize(length);
     EXPECT_TRUE(heard == music.samples);  // bit for bit
@@ -122,8 +115,8 @@ TEST_F(Live, ComesBackWithTheServerAndConnectsAgain) {
     jack = std::make_unique<Neighbours>(music);
     ASSERT_TRUE(jack->AwaitHost()) << host.Err();
     jack->player.Play();
-    ASSERT_TRUE(AwaitThat([&] { return jack->Received().size() >= expected.size(); }));
-    EXPECT_EQ(jack->Received(), expected);
+    ASSERT_TRUE(AwaitThat([&] { return NotesAt(jack->synth).size() >= expected.size(); }));
+    EXPECT_EQ(NotesAt(jack->synth), expected);
     EXPECT_EQ(host.End(SIGINT), 0) << host.Err();
     EXPECT_EQ(host.Err(),
               "orva-host: the JACK server has gone; waiting for it to come back\n"
@@ -139,7 +132,7 @@ TEST_F(Live, LeavesNoNoteSounding) {
     ASSERT_TRUE(jack.synth.Await(1));
     EXPECT_EQ(host.End(SIGTERM), 0) << host.Err();
     std::map<int, int> sounding;  // by note
-    for (const std::uint32_t word : jack.Received())
+    for (const std::uint32_t word : NotesAt(jack.synth))
         sounding[static_cast<int>(word >> 8 & 0x7F)] += (word & 0xF0) == 0x90 ? 1 : -1;
     for (const auto& [note, count] : sounding) EXPECT_EQ(count, 0) << "note " << note;
 }
