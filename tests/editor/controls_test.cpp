@@ -16,7 +16,9 @@ using testing::SizeIs;
 
 class Controls : public EditorTest {
 protected:
-    void Open() {
+    // At one of the pages, as the parameter numbers them.
+    void Open(float page = 2) {
+        host->plugin.setParameter(92, page);
         ASSERT_TRUE(host->Open());
         host->Settle();
         ground = host->Pixel(6, 318);
@@ -86,8 +88,7 @@ TEST_F(Controls, ASliderStandsWhereAQuickHandLetItGo) {
 }
 
 TEST_F(Controls, BarsAreSetByAFreehandStrokeAndDrawnAsTheyAre) {
-    host->plugin.setParameter(92, 3.0F);
-    Open();
+    Open(3);
     // The bars begin at 7, 48; bar b is at 3 * b + 1. From bar 10 to bar 20 at half height: y 101 of 203.
     Drag({7 + 31, 48 + 101}, {7 + 61, 48 + 101});
     for (int bar = 0; bar < 84; ++bar) {
@@ -109,8 +110,7 @@ TEST_F(Controls, BarsAreSetByAFreehandStrokeAndDrawnAsTheyAre) {
 }
 
 TEST_F(Controls, TheBarButtonsSetAllBarsInOrderEvenWhenReleasedOutside) {
-    host->plugin.setParameter(92, 3.0F);
-    Open();
+    Open(3);
     Click(barsHalf);
     ASSERT_THAT(host->automated, SizeIs(84));
     for (std::size_t i = 0; i < 84; ++i) {
@@ -127,8 +127,7 @@ TEST_F(Controls, TheBarButtonsSetAllBarsInOrderEvenWhenReleasedOutside) {
 
 TEST_F(Controls, SwitchesAndSlidersOfTheOptionsPage) {
     Devices devices;
-    host->plugin.setParameter(92, 4.0F);
-    Open();
+    Open(4);
     Click({60, 62});  // Show chords
     EXPECT_THAT(host->ToldOf(93), ElementsAre(1.0F));
     Click({60, 62});
@@ -148,8 +147,7 @@ TEST_F(Controls, SwitchesAndSlidersOfTheOptionsPage) {
 }
 
 TEST_F(Controls, ChoosingAChannelTellsItInFifteenths) {
-    host->plugin.setParameter(92, 4.0F);
-    Open();
+    Open(4);
     Click({80, 242});
     host->Key("Down");
     host->Key("Down");
@@ -163,8 +161,7 @@ TEST_F(Controls, ChoosingAChannelTellsItInFifteenths) {
 
 TEST_F(Controls, ChoosingADeviceSwitchesTheOutputOn) {
     Devices devices;
-    host->plugin.setParameter(92, 4.0F);
-    Open();
+    Open(4);
     Click({120, 204});
     host->Settle();
     host->Click(120, 204 + 30);  // the second row of the menu, which hangs below
@@ -231,13 +228,17 @@ TEST_F(Controls, ATakeIsSavedUnderTheChosenNameAndKeptUntilItIs) {
     setenv("PATH", "/usr/bin:/bin", 1);
 }
 
-TEST_F(Controls, ClosingTheWindowEndsItsDialog) {
+TEST_F(Controls, TheLogIsSavedAndClosingTheWindowEndsItsDialog) {
     TempFolder folder;
-    folder.Program("zenity", "echo $$ > " + (folder / "pid") + ".part; mv " + (folder / "pid") + ".part " +
-                                 (folder / "pid") + "; exec sleep 1000");
+    folder.Program("zenity", "echo " + (folder / "log.txt"));
     folder.BecomePath(true);
-    host->plugin.setParameter(92, 5.0F);
-    Open();
+    host->plugin.open();  // writes what is known of the host
+    Open(5);
+    Click(saveLogButton);
+    EXPECT_TRUE(host->Await([&] { return folder.Has("log.txt"); }));
+    EXPECT_FALSE(ReadAll(folder / "log.txt").empty());
+
+    folder.Program("zenity", "cd " + folder.path.string() + "; echo $$ > new; mv new pid; exec sleep 1000");
     Click(saveLogButton);
     ASSERT_TRUE(host->Await([&] { return folder.Has("pid"); }));
     const pid_t dialog = std::stoi(ReadAll(folder / "pid"));
@@ -246,23 +247,10 @@ TEST_F(Controls, ClosingTheWindowEndsItsDialog) {
     EXPECT_NE(kill(dialog, 0), 0);  // gone, and gathered
 }
 
-TEST_F(Controls, TheLogIsSaved) {
-    TempFolder folder;
-    folder.Program("zenity", "echo " + (folder / "log.txt"));
-    folder.BecomePath(true);
-    host->plugin.open();  // writes what is known of the host
-    host->plugin.setParameter(92, 5.0F);
-    Open();
-    Click(saveLogButton);
-    EXPECT_TRUE(host->Await([&] { return folder.Has("log.txt"); }));
-    EXPECT_FALSE(ReadAll(folder / "log.txt").empty());
-}
-
 TEST_F(Controls, NameAndCodeAreStoredTogether) {
     TempFolder folder;
     setenv("XDG_CONFIG_HOME", folder.path.c_str(), 1);
-    host->plugin.setParameter(92, 5.0F);
-    Open();
+    Open(5);
     Click({120, 243});
     host->Type("Jane Doe");
     host->Settle();
@@ -303,8 +291,7 @@ TEST_F(Controls, TheHiddenGestureLastsUntilTheWindowCloses) {
 
 TEST_F(Controls, LinksOpenTheirPages) {
     FakeShell shell;
-    host->plugin.setParameter(92, 5.0F);
-    Open();
+    Open(5);
     Click({73 + 5, 38 + 137});
     Click({63 + 5, 38 + 190});
     Click({63 + 5, 38 + 170});  // between them

@@ -35,38 +35,27 @@ TEST_F(Window, OutlivesItsDisplay) {
 }
 
 TEST_F(Window, ClosesInTheMiddleOfAnythingAndTheNextOneIsAsGoodAsNew) {
-    const struct {
-        const char* what;
-        float page;
-        std::function<void()> begin;
-    } states[] = {
-        {"a menu is down", 4,
-         [&] {
-             Click({80, 242});
-         }},
-        {"a message is up", 2, [&] { host->plugin.messages.Show("text", "Error"); }},
-        {"the mouse holds a slider", 2,
-         [&] {
-             PressAt({33, 100});
-         }},
-        {"the mouse strokes over the bars", 3,
-         [&] {
-             PressAt({60, 100});
-             host->MoveTo(120, 150);
-         }},
+    const auto menuIsDown = [this] { Click({80, 242}); };
+    const auto messageIsUp = [this] { host->plugin.messages.Show("text", "Error"); };
+    const auto mouseHoldsSlider = [this] { PressAt({33, 100}); };
+    const auto mouseStrokesBars = [this] {
+        PressAt({60, 100});
+        host->MoveTo(120, 150);
     };
-    for (const auto& state : states) {
-        host->plugin.setParameter(92, state.page);
+    const std::pair<float, std::function<void()>> states[] = {
+        {4, menuIsDown}, {2, messageIsUp}, {2, mouseHoldsSlider}, {3, mouseStrokesBars}};  // by page
+    for (const auto& [page, begin] : states) {
+        host->plugin.setParameter(92, page);
         ASSERT_TRUE(host->Open());
         host->Settle();
         const std::uint32_t bare = host->Pixel(6, 318);
-        state.begin();
+        begin();
         host->Settle();
         host->Call(effEditClose);
         host->Release();
         ASSERT_TRUE(host->Open());
         host->Settle();
-        EXPECT_EQ(host->Pixel(6, 318), bare) << state.what;
+        EXPECT_EQ(host->Pixel(6, 318), bare) << "on page " << page;
     }
 }
 
