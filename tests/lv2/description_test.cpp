@@ -1,6 +1,5 @@
 // The description as LV2's own library reads it, and what LV2's tools say of the bundle.
 #include <lilv/lilv.h>
-#include <unistd.h>
 
 #include <array>
 #include <cstdio>
@@ -9,6 +8,7 @@
 #include "lv2/uris.h"
 #include "plugin/parameter_display.h"
 #include "tests/lv2/lv2_host.h"
+#include "tests/support/temp_folder.h"
 
 namespace {
 
@@ -160,22 +160,18 @@ TEST_F(Description, SaysWhatItNeedsAndWhatItCanDo) {
 // A folder of bundles with ours alone.
 class Tools : public testing::Test {
 protected:
-    Tools() : folder(fs::temp_directory_path() / ("orva_lv2_" + std::to_string(getpid()))) {
-        fs::create_directory(folder);
-        fs::create_directory_symlink(ORVA_BUNDLE, folder / "orva.lv2");
-    }
-    ~Tools() override { fs::remove_all(folder); }
+    Tools() { fs::create_directory_symlink(ORVA_BUNDLE, folder / "orva.lv2"); }
 
     // What a program says, and its exit code.
     std::pair<std::string, int> Told(const std::string& command) const {
         FILE* pipe =
-            popen(("LV2_PATH=" + folder.string() + ":/usr/lib/lv2 " + command + " 2>&1").c_str(), "r");
+            popen(("LV2_PATH=" + folder.path.string() + ":/usr/lib/lv2 " + command + " 2>&1").c_str(), "r");
         std::string text;
         std::array<char, 4096> part{};
         while (pipe != nullptr && std::fgets(part.data(), part.size(), pipe) != nullptr) text += part.data();
         return {text, pipe != nullptr ? pclose(pipe) : -1};
     }
-    fs::path folder;
+    const TempFolder folder;
 };
 
 TEST_F(Tools, ValidateFindsNoError) {

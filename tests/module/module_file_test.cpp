@@ -15,6 +15,8 @@
 #include <string_view>
 #include <vector>
 
+#include "tests/support/temp_folder.h"
+
 namespace {
 
 using testing::HasSubstr;
@@ -187,14 +189,11 @@ TEST(ModuleLoad, WorksInEveryWayOfLoadingAndLeavesTheProcessAsItWas) {
 
 class ModuleCopies : public testing::Test {
 protected:
-    ModuleCopies() { std::filesystem::create_directory(folder); }
-    ~ModuleCopies() override { std::filesystem::remove_all(folder); }
     std::string Copy(const std::filesystem::path& file, const char* name) const {
         std::filesystem::copy_file(file, folder / name);
-        return (folder / name).string();
+        return folder / name;
     }
-    const std::filesystem::path folder =
-        std::filesystem::temp_directory_path() / ("orva_module_" + std::to_string(getpid()));
+    const TempFolder folder;
 };
 
 // A library of another name, so that the loader takes it for another.
@@ -207,7 +206,7 @@ TEST_F(ModuleCopies, LoadBesideAnotherLibraryOfTheLanguage) {
     const std::size_t at = bytes.find(name);
     ASSERT_NE(at, std::string::npos) << info.dli_fname;
     bytes.replace(at, name.size(), "libstdc++.so.X");
-    const std::string other = (folder / "libstdc++.so.X").string();
+    const std::string other = folder / "libstdc++.so.X";
     std::ofstream(other, std::ios::binary) << bytes;
     EXPECT_EQ(PlainHost("local 3 +" + other + " " ORVA_MODULE_FILE), "");
 }

@@ -16,6 +16,7 @@
 #include "gmock/gmock.h"
 #include "platform/message_box.h"
 #include "platform/shell.h"
+#include "tests/support/temp_folder.h"
 
 namespace {
 
@@ -27,8 +28,6 @@ using Texts = std::vector<std::string>;
 class Programs : public testing::Test {
 protected:
     Programs() {
-        std::string made = testing::TempDir() + "programs.XXXXXX";
-        folder = mkdtemp(made.data());
         mkfifo((folder / "report").c_str(), 0600);
         setenv("PATH", folder.c_str(), 1);
         setenv("DISPLAY", ":77", 1);
@@ -37,7 +36,6 @@ protected:
     ~Programs() override {
         setenv("PATH", pathBefore.c_str(), 1);
         unsetenv("DISPLAY");
-        fs::remove_all(folder);
     }
     // It reports each argument and what it finds of its parent's, each ended by a line of one dot.
     void AddProgram(const std::string& name) {
@@ -75,7 +73,8 @@ protected:
     std::string Path(const std::string& name) const { return folder / name; }
 
     const std::string pathBefore = std::getenv("PATH");
-    fs::path folder;
+    const TempFolder temporary;
+    const fs::path folder = temporary.path;
 };
 
 TEST_F(Programs, GetTheirArgumentsAndNothingElseOfOurs) {

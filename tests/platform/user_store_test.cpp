@@ -11,6 +11,7 @@
 #include <iterator>
 
 #include "gtest/gtest.h"
+#include "tests/support/temp_folder.h"
 
 namespace {
 
@@ -20,13 +21,10 @@ namespace fs = std::filesystem;
 class UserStore : public testing::Test {
 protected:
     UserStore() {
-        std::string made = testing::TempDir() + "store.XXXXXX";
-        base = mkdtemp(made.data());
         setenv("XDG_CONFIG_HOME", base.c_str(), 1);
         folder = base / "Software" / "ORVA Labs" / "ORVA Audio To MIDI VST 1.30";
     }
     ~UserStore() override {
-        fs::remove_all(base);
         unsetenv("XDG_CONFIG_HOME");
         setenv("HOME", homeBefore.c_str(), 1);
     }
@@ -35,7 +33,9 @@ protected:
             std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
     }
     const std::string homeBefore = std::getenv("HOME") != nullptr ? std::getenv("HOME") : "/";
-    fs::path base, folder;
+    const TempFolder temporary;
+    const fs::path base = temporary.path;
+    fs::path folder;
 };
 
 TEST_F(UserStore, ASettingIsAFileForTheUserAlone) {

@@ -55,17 +55,11 @@ private:
     std::thread thread;
 };
 
-std::size_t Children(EditorHost& host, xcb_window_t window) {
-    const std::unique_ptr<xcb_query_tree_reply_t, void (*)(void*)> tree(
-        xcb_query_tree_reply(host.connection, xcb_query_tree(host.connection, window), nullptr), &free);
-    return tree ? tree->children_len : 0U;
-}
-
 // The plug-in's own connection may lag behind the host's.
 bool Become(EditorHost& host, xcb_window_t window, std::size_t children) {
-    for (int round = 0; round < 1000 && Children(host, window) != children; ++round)
+    for (int round = 0; round < 1000 && host.Children(window).size() != children; ++round)
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    return Children(host, window) == children;
+    return host.Children(window).size() == children;
 }
 
 // What a window that has just been opened looks like, all but the picture that never rests.
