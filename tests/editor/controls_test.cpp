@@ -209,7 +209,7 @@ TEST_F(Controls, ATakeIsSavedUnderTheChosenNameAndKeptUntilItIs) {
 
     host->plugin.resume();
     Click(recordButton);
-    Play({440.0}, 1.0);
+    Play({69}, 1.0);
     Play({}, 0.5);
     std::filesystem::remove(folder / "zenity");
     expectMessage("no program for the dialog");

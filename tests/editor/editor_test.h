@@ -4,10 +4,10 @@
 
 #include <cmath>
 #include <memory>
-#include <numbers>
 #include <vector>
 
 #include "tests/editor/editor_host.h"
+#include "tests/support/tones.h"
 
 // One plug-in in one host, on a display of the tests' own.
 class EditorTest : public testing::Test {
@@ -17,23 +17,14 @@ protected:
 
     EditorTest() : host(std::make_unique<EditorHost>()) {}
 
-    // Tones that the plug-in hears as notes: sines in blocks, as a host hands them over.
-    void Play(std::initializer_list<double> hertz, double seconds) {
-        constexpr double rate = 44100;
-        constexpr int block = 441;
-        std::vector<float> in(block), out(block);
-        const int blocks = static_cast<int>(seconds * rate) / block;
-        for (int b = 0; b < blocks; ++b) {
-            for (int i = 0; i < block; ++i) {
-                double sum = 0;
-                for (const double tone : hertz)
-                    sum += 0.2 * std::sin(2 * std::numbers::pi * tone * (played + i) / rate);
-                in[static_cast<std::size_t>(i)] = static_cast<float>(sum);
-            }
+    // Hands over MIDI notes, or silence, in blocks as a host does.
+    void Play(const std::vector<int>& notes, double seconds) {
+        constexpr std::int32_t block = 441;  // samples, of 44100 a second
+        for (int left = static_cast<int>(100 * seconds); left > 0; --left, played += block) {
+            std::vector<float> in = Chord(notes, block, played), out(block);
             float* from = in.data();
             float* to = out.data();
             host->plugin.processReplacing(&from, &to, block);
-            played += block;
         }
     }
 
@@ -41,7 +32,7 @@ protected:
     std::unique_ptr<EditorHost> host;
 
 private:
-    int played = 0;  // samples
+    std::size_t played = 0;  // samples
 };
 
 // Where things are in the window, in its pixels. Pages begin 38 below its upper edge.

@@ -126,9 +126,9 @@ TEST_F(Window, TheChordStandsOnAPlateWhileChordsAreShown) {
 TEST_F(Window, ThePictureTakesTheLevelsAsAColumnAtItsLeftEdgeAndMovesOn) {
     ASSERT_TRUE(host->Open());
     host->plugin.resume();
-    Play({440.0}, 0.5);
+    Play({69}, 0.5);
     constexpr int left = 269, top = 48;  // of the picture
-    // A 440 is band 45: row 83 - 45 of the picture, 3 pixels each.
+    // Note 69 is band 45: row 83 - 45 of the picture, 3 pixels each.
     constexpr int row = top + 3 * (83 - 45);
     EXPECT_TRUE(host->Await([&] { return host->Pixel(left, row) == 0xFF9646U; }));      // the notes' orange
     EXPECT_TRUE(host->Await([&] { return host->Pixel(left + 6, row) == 0xFF9646U; }));  // moved on

@@ -2,8 +2,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cmath>
-#include <numbers>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -11,6 +9,7 @@
 #include "module/plugin_entry.h"
 #include "plugin/plugin_object.h"
 #include "tests/plugin/fake_host.h"
+#include "tests/support/tones.h"
 
 // One instance of the plug-in in a fake host.
 //
@@ -36,15 +35,8 @@ protected:
     std::optional<Plug> plug;
 };
 
-// Sines of MIDI notes, 0.2 each; in equal temperament note n has 440 x 2^((n - 69) / 12) Hz.
 inline std::vector<float> Sines(const std::vector<int>& notes, double seconds, double rate = 44100) {
-    std::vector<float> audio(static_cast<std::size_t>(seconds * rate));
-    for (const int note : notes) {
-        const double step = 2 * std::numbers::pi * 440 * std::exp2((note - 69) / 12.0) / rate;
-        for (std::size_t i = 0; i < audio.size(); ++i)
-            audio[i] += static_cast<float>(0.2 * std::sin(step * static_cast<double>(i)));
-    }
-    return audio;
+    return Chord(notes, static_cast<std::size_t>(seconds * rate), 0, rate);
 }
 
 inline std::vector<float> Silence(std::size_t samples) {

@@ -1,13 +1,12 @@
 #pragma once
-#include <cmath>
 #include <cstdint>
 #include <cstring>
-#include <numbers>
 #include <string>
 #include <vector>
 
 #include "module/plugin_entry.h"
 #include "plugin/gui_plugin_ex.h"
+#include "tests/support/tones.h"
 #include "vst2/records.h"
 
 // One instance of the plug-in as a host holds it: what is called goes through its record.
@@ -53,15 +52,3 @@ public:
 
     AEffect* effect;
 };
-
-// Sines of MIDI notes, 0.2 each; in equal temperament note n has 440 x 2^((n - 69) / 12) Hz.
-inline std::vector<float> Chord(const std::vector<int>& notes, std::size_t samples, std::size_t from = 0,
-                                double rate = 44100) {
-    std::vector<float> audio(samples);
-    for (const int note : notes) {
-        const double step = 2 * std::numbers::pi * 440 * std::exp2((note - 69) / 12.0) / rate;
-        for (std::size_t i = 0; i < samples; ++i)
-            audio[i] += static_cast<float>(0.2 * std::sin(step * static_cast<double>(from + i)));
-    }
-    return audio;
-}

@@ -3,10 +3,10 @@
 #include <bit>
 #include <cmath>
 #include <cstring>
-#include <numbers>
 
 #include "delivery/rt_recording.h"
 #include "module/plugin_entry.h"
+#include "tests/support/tones.h"
 
 namespace {
 
@@ -273,11 +273,7 @@ std::vector<float> SomeAudio(Trial& trial, std::size_t samples, float sampleRate
         for (float& sample : audio) sample = static_cast<float>(trial.Below(2001)) / 1000.0F - 1;
         return audio;
     }
-    for (std::uint64_t count = 1 + trial.Below(4); count > 0; --count) {
-        const double hertz = 440 * std::exp2((static_cast<double>(trial.Below(60)) - 45) / 12);
-        const double step = 2 * std::numbers::pi * hertz / static_cast<double>(sampleRate);
-        for (std::size_t i = 0; i < samples; ++i)
-            audio[i] += static_cast<float>(0.2 * std::sin(step * static_cast<double>(i)));
-    }
-    return audio;
+    std::vector<int> notes(1 + trial.Below(4));
+    for (int& note : notes) note = 24 + static_cast<int>(trial.Below(60));
+    return Chord(notes, samples, 0, static_cast<double>(sampleRate));
 }

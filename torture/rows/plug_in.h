@@ -3,7 +3,6 @@
 #include <cmath>
 #include <cstdint>
 #include <functional>
-#include <numbers>
 #include <random>
 #include <set>
 #include <utility>
@@ -11,6 +10,7 @@
 
 #include "module/plugin_entry.h"
 #include "plugin/gui_plugin.h"
+#include "tests/support/tones.h"
 #include "vst2/records.h"
 
 // One event as a host got it.
@@ -104,16 +104,9 @@ inline std::vector<SentEvent> Later(std::vector<SentEvent> events, std::int64_t 
     return events;
 }
 
-// Sines of MIDI notes, `level` each; note n has 440 x 2^((n - 69) / 12) Hz.
 inline std::vector<float> Tones(const std::vector<int>& notes, double seconds, double rate,
                                 double level = 0.2) {
-    std::vector<float> audio(static_cast<std::size_t>(seconds * rate));
-    for (const int note : notes) {
-        const double step = 2 * std::numbers::pi * 440 * std::exp2((note - 69) / 12.0) / rate;
-        for (std::size_t i = 0; i < audio.size(); ++i)
-            audio[i] += static_cast<float>(level * std::sin(step * static_cast<double>(i)));
-    }
-    return audio;
+    return Chord(notes, static_cast<std::size_t>(seconds * rate), 0, rate, level);
 }
 
 // Chords of one to four notes, 0.1 to 0.6 s each, some with a pause behind them.

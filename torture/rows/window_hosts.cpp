@@ -5,11 +5,10 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
-#include <cmath>
 #include <cstring>
-#include <numbers>
 
 #include "tests/editor/editor_host.h"
+#include "tests/support/tones.h"
 #include "torture/row.h"
 
 namespace {
@@ -34,15 +33,9 @@ public:
 private:
     void Run(CORVAguivstEx& plugin) {
         constexpr std::int32_t size = 441;
-        std::vector<float> in(size), out(size);
-        for (long played = 0; !stop; played += size) {
-            for (std::size_t i = 0; i < in.size(); ++i) {
-                const double time = static_cast<double>(played + static_cast<long>(i)) / 44100;
-                double sum = 0;
-                for (const double hertz : {220.0, 277.2, 329.6})
-                    sum += 0.2 * std::sin(2 * std::numbers::pi * hertz * time);
-                in[i] = static_cast<float>(sum);
-            }
+        std::vector<float> out(size);
+        for (std::size_t played = 0; !stop; played += size) {
+            std::vector<float> in = Chord({57, 61, 64}, size, played);
             float* from = in.data();
             float* to = out.data();
             plugin.processReplacing(&from, &to, size);
