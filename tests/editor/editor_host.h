@@ -13,13 +13,13 @@
 #include "tests/support/display_server.h"
 #include "tests/support/parent_window.h"
 
-// What a host sees of the plug-in and its editor: a window of its own at the display's upper left corner, the
-// host calls, and the changes that the plug-in tells it.
 struct Automation {
     std::int32_t index;
     float value;
 };
 
+// What a host sees of the plug-in and its editor: a window of its own, the host calls, and the changes that
+// the plug-in tells it.
 class EditorHost : public ParentWindow {
 public:
     EditorHost() : plugin(&Callback, &MakeGuiEditor) {

@@ -34,6 +34,22 @@ TEST_F(Window, OutlivesItsDisplay) {
     EXPECT_TRUE(host->Await([&] { return host->Pixel(45, 27) != host->screen->white_pixel; }));
 }
 
+TEST_F(Window, IsDrawnAgainWhenItsParentWasHiddenAndOfAnotherSize) {
+    ASSERT_TRUE(host->Open());
+    host->Settle();
+    const auto page = Page();
+    for (const std::uint32_t size : {1U, 32767U, 400U}) {
+        const std::uint32_t values[] = {size, size};
+        xcb_configure_window(host->connection, host->parent,
+                             XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, values);
+        xcb_unmap_window(host->connection, host->parent);
+        xcb_map_window(host->connection, host->parent);
+        host->Sync();
+        for (int i = 0; i < 5; ++i) host->Idle();
+    }
+    EXPECT_TRUE(host->Await([&] { return Page() == page; }));
+}
+
 TEST_F(Window, ClosesInTheMiddleOfAnythingAndTheNextOneIsAsGoodAsNew) {
     const auto menuIsDown = [this] { Click({80, 242}); };
     const auto messageIsUp = [this] { host->plugin.messages.Show("text", "Error"); };
