@@ -181,21 +181,3 @@ TEST_F(Window, ThePictureTakesTheLevelsAsAColumnAtItsLeftEdgeAndMovesOn) {
         EXPECT_TRUE(host->Await([&] { return column(1) == newest; }));
     }
 }
-
-TEST_F(Window, TwoInstancesShowTheirOwnValues) {
-    ASSERT_TRUE(host->Open());
-    const auto other = std::make_unique<EditorHost>();
-    other->plugin.setParameter(0, 0.0F);
-    ASSERT_TRUE(other->Open());  // in a window of its own, above the first
-    other->Settle();
-    const auto low = other->Pixels(0, 0, 267, 320);
-    other->Call(effEditClose);
-    xcb_unmap_window(other->connection, other->parent);
-    other->Sync();
-    host->Settle();
-    EXPECT_NE(Page(), low);
-    host->plugin.setParameter(0, 0.0F);
-    host->Idle();
-    host->Settle();
-    EXPECT_EQ(Page(), low);
-}
