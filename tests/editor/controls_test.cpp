@@ -285,7 +285,7 @@ TEST_F(Controls, TheHiddenGestureLastsUntilTheWindowCloses) {
     EXPECT_NE(night, day);
     EXPECT_THAT(host->ToldOf(778), IsEmpty());
     host->Call(effEditClose);
-    Open();
+    Open(3);
     EXPECT_EQ(host->Pixel(20, 60), day);
 }
 

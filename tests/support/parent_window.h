@@ -1,6 +1,7 @@
 #pragma once
 #include <xcb/xcb.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
@@ -55,8 +56,9 @@ public:
         const XcbReply<xcb_query_tree_reply_t> reply(
             xcb_query_tree_reply(connection, xcb_query_tree(connection, of), nullptr));
         if (!reply) throw std::runtime_error("no such window");
-        const xcb_window_t* const first = xcb_query_tree_children(reply.get());
-        return {first, first + xcb_query_tree_children_length(reply.get())};
+        std::vector<xcb_window_t> windows(reply->children_len);
+        std::copy_n(xcb_query_tree_children(reply.get()), windows.size(), windows.begin());
+        return windows;
     }
     // Four bytes a pixel: blue, green, red, unused.
     std::vector<std::uint8_t> Pixels(int x, int y, int width, int height) const {
