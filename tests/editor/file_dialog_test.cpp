@@ -80,6 +80,24 @@ TEST_F(FileDialogTest, AFloodOfOutputIsReadAndForgotten) {
     EXPECT_EQ(dialog.Path().size(), FileDialog::answerRoom + 4);  // what was kept, and ".mid"
 }
 
+// The program and what it started are gone when the dialog is: the pid that it wrote down names nobody.
+TEST_F(FileDialogTest, EndingItLeavesNoProcess) {
+    folder.Program("zenity",
+                   "cd " + folder.path.string() + "; /bin/sleep 1000 & echo $! > new; /bin/mv new pid; wait");
+    ASSERT_TRUE(dialog.Start(midiFile));
+    ASSERT_TRUE(AwaitThat([this] { return folder.Has("pid"); }));
+    const std::string sleeper = "/proc/" + std::to_string(std::stoi(ReadAll(folder / "pid"))) + "/stat";
+    ASSERT_NE(ReadAll(sleeper), "");
+    EXPECT_EQ(dialog.Poll(), State::running);
+    dialog.End();
+    // Orphaned, it is reaped by the system; until then it is a dead entry.
+    EXPECT_TRUE(AwaitThat([&] {
+        const std::string entry = ReadAll(sleeper);
+        return entry.empty() || entry.find(") Z ") != std::string::npos;
+    }));
+    EXPECT_EQ(dialog.Poll(), State::idle);
+}
+
 TEST_F(FileDialogTest, TheProgramInheritsNothingButTheStandardFiles) {
     const int kept = open("/dev/null", O_RDONLY);  // without close-on-exec, as a careless host opens files
     folder.Program("zenity",

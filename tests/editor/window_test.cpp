@@ -119,6 +119,19 @@ TEST_F(Window, APageButtonPressedWhileOnStaysOn) {
     EXPECT_THAT(host->automated, IsEmpty());
 }
 
+TEST_F(Window, ShowsWhatOtherThreadsSetAndReadsItAnewWhenOpened) {
+    ASSERT_TRUE(host->Open());
+    host->Settle();
+    std::thread([&] { host->plugin.setParameter(0, 0.1F); }).join();
+    host->Idle();
+    host->Settle();
+    const auto shown = Page();
+    host->Call(effEditClose);
+    ASSERT_TRUE(host->Open());
+    host->Settle();
+    EXPECT_EQ(Page(), shown);
+}
+
 TEST_F(Window, TheChordStandsOnAPlateWhileChordsAreShown) {
     ASSERT_TRUE(host->Open());
     host->Settle();
