@@ -103,7 +103,7 @@ void TryClose(Trial& trial) {
     trial.Require(devices.faults == 0 && devices.stale == 0, "a device met what it should not");
     for (const pid_t process : dialog)
         for (int i = 0; !IsGone(process); ++i) {
-            trial.Require(i < 5000, "the dialog's processes are left");
+            trial.Require(i < 1500, "the dialog's processes are left");
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
         }
     static const ProcessState first = ProcessState::Now();
