@@ -6,7 +6,7 @@
 
 #include "delivery/midi_ports.h"
 #include "tests/delivery/midi_device_layer.h"
-#include "torture/life/counting_devices.h"
+#include "tests/support/counting_devices.h"
 
 namespace {
 

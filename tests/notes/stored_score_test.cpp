@@ -6,7 +6,7 @@
 
 #include "notes/notes.h"
 #include "tests/notes/memory_stream.h"
-#include "tests/notes/temporary_file.h"
+#include "tests/support/temp_folder.h"
 
 namespace {
 
@@ -155,14 +155,16 @@ TEST(StoredScore, NotesBeforeABreakAreKept) {
 }
 
 TEST(StoredScore, SavingAndLoadingAFile) {
-    const TemporaryFile path;
+    const TempFolder folder;
+    const std::string path = folder / "score";
     const ReadScore read(StoredScore().All());
     std::string error = "old";
-    EXPECT_TRUE(SaveSerial(path.name, *read.score, error));
+    EXPECT_TRUE(SaveSerial(path, *read.score, error));
     EXPECT_EQ(error, "");
-    EXPECT_EQ(path.Content(), Written(*read.score));
+    const std::string content = ReadAll(path);
+    EXPECT_EQ(Bytes(content.begin(), content.end()), Written(*read.score));
     const auto loaded = std::make_unique<TNotes>();
-    EXPECT_TRUE(LoadSerial(path.name, *loaded, error));
+    EXPECT_TRUE(LoadSerial(path, *loaded, error));
     EXPECT_TRUE(loaded->notes.at(0)->Equals(*read.score->notes.at(0)));
 }
 

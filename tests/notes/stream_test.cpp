@@ -12,7 +12,7 @@
 #include "notes/note_memory.h"
 #include "notes/stream_values.h"
 #include "tests/notes/memory_stream.h"
-#include "tests/notes/temporary_file.h"
+#include "tests/support/temp_folder.h"
 
 namespace {
 
@@ -50,8 +50,9 @@ std::string FailureOf(const std::function<void()>& step) {
 
 // Once read, the bytes of the span are the stream's own: the file may be gone.
 TEST(FileStream, AStepWithinTheSpanDoesNotTouchTheFile) {
-    const TemporaryFile path(Bytes(512, 7));
-    TFStream stream(path.name, reading, 0);  // raised to 512
+    const TempFolder folder;
+    WriteAll(folder / "f", std::string(512, '\7'));
+    TFStream stream(folder / "f", reading, 0);  // raised to 512
     std::uint8_t byte = 0;
     EXPECT_TRUE(stream.GetByte(byte));
     EXPECT_FALSE(stream.IsAtEnd());
@@ -63,8 +64,9 @@ TEST(FileStream, AStepWithinTheSpanDoesNotTouchTheFile) {
 }
 
 TEST(FileStream, TheEndIsSeenOnceAReadHasMetIt) {
-    const TemporaryFile path(Bytes{1, 2});
-    TFStream stream(path.name, reading, 65536);
+    const TempFolder folder;
+    WriteAll(folder / "f", "\1\2");
+    TFStream stream(folder / "f", reading, 65536);
     std::uint8_t byte = 0;
     EXPECT_TRUE(stream.GetByte(byte) && stream.GetByte(byte));
     EXPECT_FALSE(stream.GetByte(byte));
@@ -75,8 +77,8 @@ TEST(FileStream, TheEndIsSeenOnceAReadHasMetIt) {
 }
 
 TEST(FileStream, SizeIsTheFilesAndDoesNotCountWhatIsHeld) {
-    const TemporaryFile path;
-    TFStream stream(path.name, writing, 65536);
+    const TempFolder folder;
+    TFStream stream(folder / "f", writing, 65536);
     PutU32(stream, 1);
     EXPECT_EQ(stream.GetSize(), 0);
     EXPECT_EQ(stream.SeekToEnd(), 4);
@@ -84,9 +86,10 @@ TEST(FileStream, SizeIsTheFilesAndDoesNotCountWhatIsHeld) {
 }
 
 TEST(FileStream, AFilePastTwoGigabytesEndsThere) {
-    const TemporaryFile path;
-    std::filesystem::resize_file(path.name, std::uintmax_t{3} << 30);  // sparse: no room is taken
-    TFStream stream(path.name, reading, 65536);
+    const TempFolder folder;
+    WriteAll(folder / "f", "");
+    std::filesystem::resize_file(folder / "f", std::uintmax_t{3} << 30);  // sparse: no room is taken
+    TFStream stream(folder / "f", reading, 65536);
     EXPECT_EQ(stream.GetSize(), lastPosition);
     stream.SetPosition(lastPosition - 1);
     std::uint8_t byte = 0;

@@ -10,8 +10,8 @@
 
 #include "editor/editor_factory.h"
 #include "editor/gui_editor.h"
+#include "tests/support/counting_devices.h"
 #include "tests/support/temp_folder.h"
-#include "torture/life/counting_devices.h"
 #include "torture/life/host_window.h"
 #include "torture/life/instance.h"
 #include "torture/life/process_state.h"

@@ -3,7 +3,7 @@
 #include <optional>
 #include <thread>
 
-#include "torture/life/counting_devices.h"
+#include "tests/support/counting_devices.h"
 #include "torture/life/instance.h"
 #include "torture/life/watchdog.h"
 #include "torture/row.h"

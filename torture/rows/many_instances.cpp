@@ -9,7 +9,7 @@
 #include <set>
 #include <thread>
 
-#include "torture/life/counting_devices.h"
+#include "tests/support/counting_devices.h"
 #include "torture/life/host_window.h"
 #include "torture/life/instance.h"
 #include "torture/row.h"

@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <thread>
 
-#include "torture/life/counting_devices.h"
+#include "tests/support/counting_devices.h"
 #include "torture/life/host_window.h"
 #include "torture/life/instance.h"
 #include "torture/life/watchdog.h"

@@ -12,7 +12,7 @@
 #include "delivery/vst_midi_out.h"
 #include "harmony/chords_listener.h"
 #include "tests/delivery/fakes.h"
-#include "torture/life/counting_devices.h"
+#include "tests/support/counting_devices.h"
 #include "torture/row.h"
 
 namespace {
