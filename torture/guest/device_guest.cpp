@@ -12,7 +12,7 @@
 #include <string>
 #include <thread>
 
-#include "platform/midi_out_devices.h"
+#include "tests/support/counting_devices.h"
 #include "torture/life/instance.h"
 
 namespace {
@@ -23,32 +23,20 @@ void Tell(char what) {
     static_cast<void>(!write(3, &what, 1));
 }
 
-class TellingDevices : public MidiOutDevices {
+class TellingDevices : public CountingDevices {
 public:
-    std::uint32_t midiOutGetNumDevs() override { return 1; }
-    std::uint32_t midiOutGetDevCapsW(std::uint32_t, MidiOutCaps&) override { return MMSYSERR_NOERROR; }
-    std::uint32_t midiOutOpen(MidiOutHandle& handle, std::uint32_t) override {
-        handle = 1;
+    std::uint32_t midiOutOpen(MidiOutHandle& handle, std::uint32_t id) override {
         Tell('o');
-        return MMSYSERR_NOERROR;
+        return CountingDevices::midiOutOpen(handle, id);
     }
-    std::uint32_t midiOutClose(MidiOutHandle) override {
+    std::uint32_t midiOutClose(MidiOutHandle handle) override {
         Tell('c');
-        return MMSYSERR_NOERROR;
+        return CountingDevices::midiOutClose(handle);
     }
-    std::uint32_t midiOutShortMsg(MidiOutHandle, std::uint32_t) override {
-        if (!sent.exchange(true)) Tell('s');
-        return MMSYSERR_NOERROR;
+    std::uint32_t midiOutShortMsg(MidiOutHandle handle, std::uint32_t message) override {
+        if (sent == 0) Tell('s');
+        return CountingDevices::midiOutShortMsg(handle, message);
     }
-    std::uint32_t midiOutReset(MidiOutHandle) override { return MMSYSERR_NOERROR; }
-    std::uint32_t midiOutLongMsg(MidiOutHandle, const MidiLongMessage&) override { return MMSYSERR_NOERROR; }
-    std::uint32_t midiOutGetErrorTextW(std::uint32_t, MidiOutErrorTextW&) override {
-        return MMSYSERR_BADERRNUM;
-    }
-    SystemVersion GetVersionExA() override { return {6, 2}; }
-
-private:
-    std::atomic<bool> sent{false};
 };
 
 std::intptr_t Host(AEffect*, std::int32_t opcode, std::int32_t, std::intptr_t, void*, float) {
