@@ -5,6 +5,7 @@
 
 #include "editor/gui_editor.h"
 #include "editor/look.h"
+#include "plugin/parameter_table.h"
 #include "vst2/records.h"
 #include "vstgui/lib/cbitmap.h"
 
@@ -140,7 +141,7 @@ void COptionsFrame::setParameter(std::int32_t index, float value) {
     };
     // A host may set a switch to any value; the picture of one that is on belongs to 1 alone.
     const auto turn = [&set](CControl* control, float newValue) {
-        set(control, newValue > 0.5F ? 1.0F : 0.0F);
+        set(control, IsOn(newValue) ? 1.0F : 0.0F);
     };
     switch (index) {
         case tagInstrument:

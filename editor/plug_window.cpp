@@ -9,6 +9,7 @@
 #include "editor/look.h"
 #include "editor/main_frame.h"
 #include "editor/options_frame.h"
+#include "plugin/parameter_table.h"
 #include "vst2/records.h"
 #include "vstgui/lib/cbitmap.h"
 #include "vstgui/lib/controls/cbuttons.h"
@@ -21,7 +22,6 @@ namespace {
 constexpr std::int32_t tagHelp = 4;
 constexpr std::int32_t indexActivePage = 92, indexChordsEnabled = 93, indexChordText = 98;
 constexpr float pageOffset = 2;              // parameter 92 is the page plus 2
-constexpr float switchedOn = 0.5F;           // a switch is on above it
 constexpr std::int32_t hiddenGesture = 537;  // tags above it come from the hidden gesture alone
 constexpr std::int32_t equalizerPage = 1, firstEqualizerBars = 4;
 
@@ -117,13 +117,13 @@ void CPlugWindow::setParameter(std::int32_t index, float value) {
         if (page >= 0) showPage(page);
         return;
     }
-    if (index == indexChordsEnabled) ShowChordLabel(value > switchedOn);
+    if (index == indexChordsEnabled) ShowChordLabel(IsOn(value));
     if (index == indexChordText) chordLabel->setText((" " + editor->effect->currentChordText()).c_str());
     for (const auto& page : pages) page->setParameter(index, value);
 }
 
 void CPlugWindow::onValueChanged(std::int32_t tag, float value) {
-    if (tag == indexChordsEnabled) ShowChordLabel(value > switchedOn);
+    if (tag == indexChordsEnabled) ShowChordLabel(IsOn(value));
     if (tag > hiddenGesture) {
         pages[equalizerPage]->setBackground(editor->getBitmap(177));
         pages[equalizerPage]->invalid();
@@ -142,7 +142,7 @@ void CPlugWindow::valueChanged(CControl* control) {
         if (control->getValue() == 0) editor->OpenHelp();  // released
         return;
     }
-    if (control->getValue() > switchedOn) {
+    if (IsOn(control->getValue())) {
         showPage(tag);
         editor->valueChanged(indexActivePage, static_cast<float>(tag) + pageOffset);
     } else {
