@@ -17,15 +17,15 @@ namespace {
 
 using testing::HasSubstr;
 
-constexpr int rate = 44100;                // Hz, of the shipped recordings
-constexpr std::size_t length = 4 * 43008;  // samples, 3.9 s: a whole number of the server's periods
+constexpr int musicRate = 44100;                // Hz, of the shipped recordings
+constexpr std::size_t musicLength = 4 * 43008;  // samples, 3.9 s: a whole number of the server's periods
 
 // The beginning of a recording, as samples and as what `render` makes of it.
 struct Music {
     explicit Music(const std::string& name) {
         samples = ReadAudio(std::string(ORVA_RECORDINGS) + "/" + name);
-        samples.resize(length);
-        WriteAudio(folder / "music.wav", samples, rate, 1, SF_FORMAT_WAV | SF_FORMAT_FLOAT);
+        samples.resize(musicLength);
+        WriteAudio(folder / "music.wav", samples, musicRate, 1, SF_FORMAT_WAV | SF_FORMAT_FLOAT);
         take = Render(PluginModule(ORVA_MODULE), folder / "music.wav", {}, [](double) {});
     }
     // Its notes as words, in the order of sending.
@@ -53,7 +53,7 @@ std::vector<std::uint32_t> NotesAt(const JackReceiver& receiver) {
 
 // Whom the host plays between.
 struct Neighbours {
-    explicit Neighbours(const Music& music) : player("player", music.samples, 20 * length) {}
+    explicit Neighbours(const Music& music) : player("player", music.samples, 20 * musicLength) {}
 
     bool AwaitHost() const {
         return AwaitThat([this] { return player.IsHeard() && !synth.Senders().empty(); });
@@ -65,7 +65,7 @@ struct Neighbours {
 
 class Live : public testing::Test {
 protected:
-    JackServer server{rate, JackServer::Clients::areAwaited};
+    JackServer server{musicRate, JackServer::Clients::areAwaited};
 };
 
 }  // namespace
@@ -83,13 +83,13 @@ TEST_F(Live, PlaysTheNotesThatRenderFindsAndPassesTheAudioOn) {
     ASSERT_TRUE(jack.player.HearAudio("orva:out"));
     jack.player.Play();
     ASSERT_TRUE(AwaitThat([&] { return NotesAt(jack.synth).size() >= expected.size(); }));
-    ASSERT_TRUE(AwaitThat([&] { return jack.player.Heard().size() >= length; }));
+    ASSERT_TRUE(AwaitThat([&] { return jack.player.Heard().size() >= musicLength; }));
     EXPECT_EQ(host.End(SIGTERM), 0) << host.Err();
     EXPECT_EQ(host.Err(), "");
 
     EXPECT_EQ(NotesAt(jack.synth), expected);
     std::vector<float> heard = jack.player.Heard();
-    heard.resize(length);
+    heard.resize(musicLength);
     EXPECT_TRUE(heard == music.samples);  // bit for bit
     EXPECT_THAT(host.Out(), HasSubstr("orva: 44100 Hz, periods of 1024 samples\n"));
     EXPECT_THAT(host.Out(), HasSubstr(NoteName(static_cast<int>(expected[0] >> 8 & 0x7F))));

@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr std::int32_t rate = 44100;
+constexpr std::int32_t takeRate = 44100;
 constexpr int C = 60, E = 64;
 
 HeardNote Note(int pitch, int begin, int end, int velocity = 100) {  // ms
@@ -19,7 +19,7 @@ std::string Cleaned(const std::vector<HeardNote>& notes, const NoteCleaning& cle
         return std::to_string(std::lround(static_cast<double>(samples) / 44.1));
     };
     std::string text;
-    for (const HeardNote& note : CleanNotes(notes, cleaning, rate))
+    for (const HeardNote& note : CleanNotes(notes, cleaning, takeRate))
         text += std::to_string(note.pitch) + " " + ms(note.begin) + "-" + ms(note.end) + " v" +
                 std::to_string(note.velocity) + "; ";
     return text;
@@ -78,7 +78,7 @@ TEST(NoteCleaning, TheGridIsMetInTheMidiFileToTheTick) {
 }
 
 TEST(NoteCleaning, AnUntouchedTakeStaysAsItIsAndOtherMessagesStayInIt) {
-    const Take take = {rate, 1000, {{0, {0xC0, 5, 0}}, {100, {0x90, C, 80}}, {110, {0x80, C, 0}}}, 120};
+    const Take take = {takeRate, 1000, {{0, {0xC0, 5, 0}}, {100, {0x90, C, 80}}, {110, {0x80, C, 0}}}, 120};
     EXPECT_EQ(::Cleaned(take, {}).events, take.events);
     NoteCleaning cleaning;
     cleaning.shortestNote = 50;

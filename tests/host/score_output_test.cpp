@@ -16,17 +16,15 @@
 
 namespace {
 
-constexpr std::int32_t rate = 48000;
-
 Take Chords(const std::vector<std::vector<std::uint8_t>>& chords) {  // a second each, MIDI notes
     Take take;
-    take.rate = rate;
-    take.length = static_cast<std::int64_t>(chords.size()) * rate;
+    take.rate = 48000;
+    take.length = static_cast<std::int64_t>(chords.size()) * take.rate;
     std::int64_t start = 0;
     for (const auto& chord : chords) {
         for (const std::uint8_t pitch : chord) take.events.push_back({start, {0x90, pitch, 100}});
-        for (const std::uint8_t pitch : chord) take.events.push_back({start + rate, {0x80, pitch, 0}});
-        start += rate;
+        for (const std::uint8_t pitch : chord) take.events.push_back({start + take.rate, {0x80, pitch, 0}});
+        start += take.rate;
     }
     return take;
 }

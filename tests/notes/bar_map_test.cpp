@@ -1,19 +1,16 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <limits>
 #include <memory>
 #include <random>
 
-#include "notes/notes.h"
+#include "tests/notes/score_check.h"
 
 namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Pair;
-
-constexpr std::uint32_t lastTick = std::numeric_limits<std::uint32_t>::max();
 
 std::unique_ptr<TNotes> WithBars(std::initializer_list<std::uint32_t> times) {
     auto score = std::make_unique<TNotes>();

@@ -2,14 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <limits>
 #include <memory>
 
-#include "notes/notes.h"
+#include "tests/notes/score_check.h"
 
 namespace {
-
-constexpr std::uint32_t lastTick = std::numeric_limits<std::uint32_t>::max();
 
 // A score of one note of pitch 45, and that note.
 struct OneNote {

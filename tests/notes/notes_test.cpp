@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <functional>
-#include <limits>
 #include <memory>
 #include <random>
 #include <span>
@@ -17,8 +16,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-constexpr std::uint32_t lastTick = std::numeric_limits<std::uint32_t>::max();
 
 TNote* Add(TNotes& score, std::uint32_t begin, std::uint32_t end, std::uint8_t pitch = 45) {
     return score.AddNote(begin, end, pitch, -624, 0, 1, 1);

@@ -1,8 +1,11 @@
 #pragma once
 #include <algorithm>
+#include <limits>
 #include <string>
 
 #include "notes/notes.h"
+
+inline constexpr std::uint32_t lastTick = std::numeric_limits<std::uint32_t>::max();  // of the time line
 
 // Holds a score to its invariants by scanning all notes, the plain way. The result names the first thing
 // that is wrong, or is empty.

@@ -7,8 +7,6 @@ namespace {
 // The one whose block this thread is in: tells messages from inside the block from those of other threads.
 thread_local const LivePlugin* hearing = nullptr;
 
-constexpr std::int32_t firstBar = 3, bars = 84;  // parameters of the equalizer
-
 }  // namespace
 
 // The longest period is announced first, so that every buffer is there whatever the server changes to.

@@ -4,11 +4,12 @@
 #include <cmath>
 #include <stdexcept>
 
+#include "tools/host/hosted_plugin.h"
+
 namespace {
 
-// The parameters that the rows set, and the MIDI note of the first bar.
-constexpr int polyphony = 0, sensitivity = 1, firstBar = 3;
-constexpr int bars = 84, firstBarNote = 24;
+// The other parameters that the rows set, and the MIDI note of the first bar.
+constexpr int polyphony = 0, sensitivity = 1, firstBarNote = 24;
 
 // clang-format off
 constexpr StartingPoint points[] = {
