@@ -10,10 +10,14 @@
 #include <fstream>
 #include <set>
 #include <string>
+#include <utility>
 
+#include "tests/support/await.h"
 #include "torture/row.h"
 
-// What a process shows of itself, and a plug-in that has gone must have left as it was.
+// What a process shows of itself, and a plug-in that has gone must have left as it was. The text library
+// reads its fonts on a thread of its own, which may still begin, or hold a file open, when a window has
+// closed.
 struct ProcessState {
     std::multiset<std::string> threads;  // by name
     std::size_t files = 0;               // open ones
@@ -38,14 +42,31 @@ struct ProcessState {
         pthread_sigmask(SIG_SETMASK, nullptr, &now.mask);
         return now;
     }
-    void RequireSameAs(const ProcessState& before, const Trial& trial) const {
+    // Once nothing comes or goes any more.
+    static ProcessState AtRest() {
+        ProcessState now;
+        int same = 0;
+        AwaitThat([&] {
+            const ProcessState last = std::exchange(now, Now());
+            same = now.threads == last.threads && now.files == last.files ? same + 1 : 0;
+            return same == 5;
+        });
+        return now;
+    }
+    // The process comes to be as it was before.
+    static void RequireAgain(const ProcessState& before, const Trial& trial) {
+        ProcessState now;
+        AwaitThat([&] {
+            now = Now();
+            return now.threads == before.threads && now.files == before.files;
+        });
         std::string names;
-        for (const std::string& name : threads) names += name + ";";
-        trial.Require(threads == before.threads, "threads: " + names);
-        trial.Require(files == before.files,
-                      "open files: " + std::to_string(files) + ", before " + std::to_string(before.files));
-        trial.Require(handlers == before.handlers, "a signal handler has changed");
-        trial.Require(std::memcmp(&mask, &before.mask, sizeof mask) == 0, "the signal mask has changed");
+        for (const std::string& name : now.threads) names += name + ";";
+        trial.Require(now.threads == before.threads, "threads: " + names);
+        trial.Require(now.files == before.files, "open files: " + std::to_string(now.files) + ", before " +
+                                                     std::to_string(before.files));
+        trial.Require(now.handlers == before.handlers, "a signal handler has changed");
+        trial.Require(std::memcmp(&now.mask, &before.mask, sizeof mask) == 0, "the signal mask has changed");
     }
 
 private:

@@ -106,12 +106,12 @@ void TryClose(Trial& trial) {
             trial.Require(i < 1500, "the dialog's processes are left");
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
         }
-    static const ProcessState first = ProcessState::Now();
+    static const ProcessState first = ProcessState::AtRest();
     if (what == windowOpen) {
-        static const ProcessState settled = ProcessState::Now();  // the text library is at work from here on
-        ProcessState::Now().RequireSameAs(settled, trial);
+        static const ProcessState settled = ProcessState::AtRest();  // with the text library's thread
+        ProcessState::RequireAgain(settled, trial);
     }
-    trial.Require(ProcessState::Now().files <= first.files, "files are left open");
+    trial.Require(AwaitThat([] { return ProcessState::Now().files <= first.files; }), "files are left open");
     int status = 0;
     trial.Require(waitpid(0, &status, WNOHANG) <= 0, "a child process has ended unseen");
 }

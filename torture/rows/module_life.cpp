@@ -52,11 +52,14 @@ ProcessState Settled(const Trial& trial, const HostWindow& window) {
     constexpr int fontsKept = 256;  // by the drawing library, after their last use
     for (int i = 0; i < fontsKept; ++i) Live(trial, &window);
 #endif
-    ProcessState now = ProcessState::Now();
-    // The text library asks for fonts on a thread of its own, which lasts as long as its map of fonts; that
-    // is in the toolkit's hands.
-    const std::size_t fontThreads = now.threads.count("[pango] fontcon");
-    trial.Require(now.threads.size() - fontThreads == 1 && fontThreads <= 1, "threads beside the fonts' one");
+    // The text library's thread lasts as long as its map of fonts, which is in the toolkit's hands.
+    ProcessState now;
+    const bool alone = AwaitThat([&] {
+        now = ProcessState::AtRest();
+        const std::size_t fontThreads = now.threads.count("[pango] fontcon");
+        return now.threads.size() - fontThreads == 1 && fontThreads <= 1;
+    });
+    trial.Require(alone, "threads beside the fonts' one");
     return now;
 }
 
@@ -64,7 +67,7 @@ void TryLives(Trial& trial) {
     static const HostWindow& window = *new HostWindow;
     static const ProcessState before = Settled(trial, window);
     Live(trial, trial.number % 10 == 9 ? &window : nullptr);
-    ProcessState::Now().RequireSameAs(before, trial);
+    ProcessState::RequireAgain(before, trial);
     trial.Require(window.Children().empty(), "a window is left");
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
     static long lives = 0;

@@ -6,40 +6,9 @@
 #include <numeric>
 
 #include "torture/model/side_by_side.h"
+#include "torture/rows/odd_settings.h"
 
 namespace {
-
-using Limits = std::numeric_limits<float>;
-
-// 32 values at which something may turn, and 32 patterns of bits at random.
-std::vector<float> Values(Trial& trial) {
-    std::vector<float> values = {0.0F,
-                                 -0.0F,
-                                 Limits::denorm_min(),
-                                 -Limits::denorm_min(),
-                                 1.0F,
-                                 2.0F,
-                                 3.0F,
-                                 4.0F,
-                                 5.0F,
-                                 1e30F,
-                                 -1e30F,
-                                 1e-30F,
-                                 Limits::max(),
-                                 Limits::lowest(),
-                                 Limits::infinity(),
-                                 -Limits::infinity(),
-                                 Limits::quiet_NaN(),
-                                 Limits::signaling_NaN(),
-                                 -1.0F,
-                                 2.5F};
-    for (const float edge : {1.0F / 3.0F, 0.5F, 2.0F / 3.0F, 1.0F})
-        for (const float beside : {std::nextafter(edge, -1.0F), edge, std::nextafter(edge, 9.0F)})
-            values.push_back(beside);
-    while (values.size() < 64)
-        values.push_back(std::bit_cast<float>(static_cast<std::uint32_t>(trial.random())));
-    return values;
-}
 
 std::string Typed(float value) {
     char text[80];
@@ -66,7 +35,7 @@ void TryAnswers(Trial& trial) {
          {"",    " ",   "abc", "-",   "1e",          "0.13", " 0.5x", "-35", "-40.0001", "127",
           "128", "255", "256", "257", "99999999999", "1e99", "nan",   "inf", "0x10",     "+1"})
         both.Call(effString2Parameter, index, 0, text), both.Get(index);
-    for (const float value : Values(trial)) {
+    for (const float value : OddSettings(trial)) {
         both.Set(index, value);
         both.Text(effGetParamDisplay, index);
         both.Call(effString2Parameter, index, 0, Typed(value));

@@ -1,6 +1,4 @@
 // Texts to the host, in buffers of which no byte more than is due may be touched, and the one from the host.
-#include <bit>
-#include <cfloat>
 #include <memory>
 #include <string>
 
@@ -8,6 +6,7 @@
 #include "platform/system_midi_out.h"
 #include "torture/row.h"
 #include "torture/rows/guarded.h"
+#include "torture/rows/odd_settings.h"
 #include "torture/rows/plug_in.h"
 
 namespace {
@@ -36,44 +35,6 @@ public:
 private:
     std::vector<std::string> names;
 };
-
-float Value(Trial& trial, std::uint64_t index) {
-    const float third = 1.0F / 3.0F, twoThirds = 2.0F / 3.0F, denormal = FLT_TRUE_MIN;
-    const float values[] = {0.0F,
-                            -0.0F,
-                            denormal,
-                            -denormal,
-                            FLT_MIN,
-                            -FLT_MIN,
-                            third,
-                            std::nextafter(third, 1.0F),
-                            0.5F,
-                            std::nextafter(0.5F, 1.0F),
-                            twoThirds,
-                            std::nextafter(twoThirds, 1.0F),
-                            std::nextafter(1.0F, 0.0F),
-                            1.0F,
-                            std::nextafter(1.0F, 2.0F),
-                            -1.0F,
-                            2.0F,
-                            3.0F,
-                            4.0F,
-                            5.0F,
-                            1e30F,
-                            -1e30F,
-                            1e-30F,
-                            -1e-30F,
-                            FLT_MAX,
-                            -FLT_MAX,
-                            HUGE_VALF,
-                            -HUGE_VALF,
-                            std::bit_cast<float>(0x7FC00000U),
-                            std::bit_cast<float>(0xFFC01234U),
-                            std::bit_cast<float>(0x7F800001U)};
-    if (index < std::size(values)) return values[index];
-    if (index % 2 == 0) return std::bit_cast<float>(static_cast<std::uint32_t>(trial.random()));
-    return static_cast<float>(trial.Below(1001)) / 1000.0F;
-}
 
 bool IsLegal(std::string_view text) {  // UTF-8
     for (std::size_t at = 0; at < text.size();) {
@@ -130,7 +91,7 @@ void TryTexts(Trial& trial) {
     {
         PlugIn plugIn;
         TextReader reader(trial, plugIn);
-        const float value = Value(trial, trial.number % 64);
+        const float value = OddSettings(trial)[trial.number % oddSettings];
         for (std::int32_t index = -1; index <= 96; ++index) {
             const bool opensDevice = index == paramDeviceEnabled;  // and would complain of it to the user
             plugIn.effect->setParameter(plugIn.effect, index, opensDevice ? 0.0F : value);
