@@ -2,6 +2,8 @@
 
 #include <alsa/asoundlib.h>
 
+#include <thread>
+
 FakeSequencer& Sequencer() {
     static FakeSequencer sequencer;
     return sequencer;
@@ -97,6 +99,7 @@ FROM_LIBRARY int snd_seq_unsubscribe_port(snd_seq_t*, snd_seq_port_subscribe_t*)
 FROM_LIBRARY int snd_seq_event_output(snd_seq_t*, snd_seq_event_t* event) {
     FakeSequencer& sequencer = Sequencer();
     if (sequencer.together.fetch_add(1) != 0) ++sequencer.collisions;
+    std::this_thread::yield();  // another thread's message may fall into the middle
     const int result = sequencer.outputResult;
     if (result >= 0) sequencer.words.push_back(WordOf(*event));
     return result;
