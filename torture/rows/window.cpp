@@ -129,8 +129,8 @@ void TryCycles(Trial& trial) {
         for (int i = 0; i < 4; ++i) host.Idle(), host.plugin.processReplacing(&block, &block, 441);
         host.Call(effEditClose);
         host.Sync();
-        if (cycle ==
-            1)  // the text library's first threads may still be about to end, with a file of theirs open
+        // The text library's first threads may still be about to end, and have files open.
+        if (cycle == 1)
             clients = Clients(host), files = Entries("/proc/self/fd"), threads = Entries("/proc/self/task");
     }
     trial.Require(clients != 0 && Clients(host) == clients, "a connection to the display has stayed");
