@@ -211,6 +211,12 @@ std::string guiEditor::ParameterDisplay(std::int32_t index) const {
     return text;
 }
 
+std::string guiEditor::ParameterDisplay(std::int32_t index, float value) const {
+    char text[256] = {};
+    effect->getParameterValueDisplay(value, index, text);
+    return text;
+}
+
 std::vector<std::string> guiEditor::MidiDeviceNames() const {
     ReadMidiOutDevices();
     std::vector<std::string> names;

@@ -49,7 +49,8 @@ public:
     bool canSendToHost() const;
     bool hostAsked() const;
     std::string ParameterDisplay(std::int32_t index) const;
-    std::vector<std::string> MidiDeviceNames() const;  // one a device, by index
+    std::string ParameterDisplay(std::int32_t index, float value) const;  // as it will be with this value
+    std::vector<std::string> MidiDeviceNames() const;                     // one a device, by index
 
     // What leaves the window happens at the next idle call: within a control's own call the mouse is still
     // held.

@@ -105,8 +105,9 @@ void COptionsFrame::FillDeviceMenu() {
     addView(none);
 }
 
+// Of the slider's own value: the plug-in object's follows only after the label.
 void COptionsFrame::RefreshInstrumentLabel() {
-    instrumentLabel->setText(editor->ParameterDisplay(tagInstrument).c_str());
+    instrumentLabel->setText(editor->ParameterDisplay(tagInstrument, instrument->getValue()).c_str());
 }
 
 void COptionsFrame::valueChanged(CControl* control) {
