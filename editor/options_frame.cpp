@@ -26,6 +26,7 @@ constexpr std::int32_t channels = 16;
 
 COptionsFrame::COptionsFrame(guiEditor* itsEditor) : CORVAFrame(itsEditor, 128) {
     const CCoord width = getWidth();
+    const auto half = static_cast<CCoord>(static_cast<std::int32_t>(width) / 2);  // whole, or edges blur
     chordsEnabled = AddSwitch(tagChordsEnabled, {34, 16}, 122);
     chordsDelay = AddSlider(tagChordsDelay, {80, 40}, 110);
     outputToHost = AddSwitch(tagOutputToHost, {34, 77}, 121);
@@ -33,14 +34,14 @@ COptionsFrame::COptionsFrame(guiEditor* itsEditor) : CORVAFrame(itsEditor, 128) 
     deviceEnabled = AddSwitch(tagDeviceEnabled, {34, 136}, 123);
     deviceMenu = AddMenu(tagDevice, CRect(34, 158, width - 13, 175));
     FillDeviceMenu();
-    channelMenu = AddMenu(tagChannel, CRect(34, 196, width / 2, 213));
+    channelMenu = AddMenu(tagChannel, CRect(34, 196, half, 213));
     for (std::int32_t channel = 1; channel <= channels; ++channel) {
         char entry[32];
         std::snprintf(entry, sizeof entry, "Channel: %2d", static_cast<int>(channel));
         channelMenu->addEntry(entry);
     }
     channelMenu->setValue(0);
-    sendProgramChange = AddSwitch(tagSendProgramChange, {width / 2 + 10, 196}, 138);
+    sendProgramChange = AddSwitch(tagSendProgramChange, {half + 10, 196}, 138);
     instrument = AddSlider(tagInstrument, {34, 221}, 111);
     instrumentLabel = new CLabel(CRect(34, 242, width - 13, 259));
     instrumentLabel->setFont(EditorFont(12));

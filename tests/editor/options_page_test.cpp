@@ -28,3 +28,8 @@ TEST_F(OptionsPage, TheInstrumentsLabelShowsWhatItsSliderWasSetTo) {
     host->Settle();
     EXPECT_EQ(label(), shown);
 }
+
+// Half the page is 133 whole pixels, where the channel menu ends and the page's own colour begins.
+TEST_F(OptionsPage, ControlsEndOnWholePixels) {
+    EXPECT_EQ(host->Pixel(133, 38 + 204), host->Pixel(136, 38 + 204));
+}
