@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <utility>
+#include <vector>
 
+#include "editor/line_breaks.h"
 #include "editor/look.h"
 #include "vst2/records.h"
 #include "vstgui/lib/cdrawcontext.h"
@@ -11,6 +13,7 @@
 #include "vstgui/lib/controls/cbuttons.h"
 #include "vstgui/lib/controls/ctextlabel.h"
 #include "vstgui/lib/events.h"
+#include "vstgui/lib/platform/iplatformfont.h"
 
 using namespace VSTGUI;
 
@@ -18,31 +21,38 @@ namespace {
 
 constexpr CCoord panelWidth = 320, margin = 16, corner = 8;
 constexpr CCoord captionTop = 10, lineHeight = 17, buttonWidth = 80, buttonHeight = 24, buttonGap = 12;
-constexpr std::size_t lettersPerLine = 44,
-                      mostLines = 12;  // what the panel's width and the window's height take
+constexpr std::size_t mostLines = 12;  // what the window's height takes
 
-// Lines that the text fills at most: a wrapped line may lose a word to the next one.
-std::size_t LinesOf(const std::string& text) {
-    std::size_t lines = 1, letters = 0;
-    for (const char letter : text) {
-        if (letter != '\n' && ++letters < lettersPerLine) continue;
-        ++lines;
-        letters = 0;
-    }
-    return std::min(lines, mostLines);
+struct Paragraph {
+    std::string text;  // with a line break where the panel's width asks for one
+    CCoord height = 0;
+};
+
+// The toolkit's own wrapping clips a hyphen at the end of a line.
+Paragraph Broken(const std::string& text, CFontDesc& font) {
+    const auto painter = font.getFontPainter();
+    const auto measure = [&](std::string_view piece) {
+        return painter ? painter->getStringWidth(nullptr, UTF8String(std::string(piece)).getPlatformString())
+                       : 0;
+    };
+    const std::vector<std::string> lines = BreakLines(text, panelWidth - 2 * margin, measure);
+    Paragraph paragraph;
+    for (const std::string& line : lines) paragraph.text += line + '\n';
+    paragraph.height = lineHeight * static_cast<CCoord>(std::min(lines.size(), mostLines));
+    return paragraph;
 }
 
 constexpr CColor veil(20, 50, 80, 110), panelColor(242, 248, 252), panelFrame(44, 102, 141);
 constexpr CColor buttonTop(79, 165, 230), buttonBottom(42, 124, 192);
 
-CMultiLineTextLabel* Text(const CRect& area, const std::string& text, double size, std::int32_t style) {
+CMultiLineTextLabel* Text(const CRect& area, const std::string& text, CFontDesc* font) {
     auto* label = new CMultiLineTextLabel(area);
     label->setText(text.c_str());
-    label->setFont(EditorFont(size, style));
+    label->setFont(font);
     label->setFontColor(labelColor);
     label->setTransparency(true);
     label->setStyle(CParamDisplay::kNoFrame);
-    label->setLineLayout(CMultiLineTextLabel::LineLayout::wrap);
+    label->setLineLayout(CMultiLineTextLabel::LineLayout::clip);
     label->setHoriAlign(kLeftText);
     label->setMouseEnabled(false);
     return label;
@@ -53,16 +63,15 @@ CMultiLineTextLabel* Text(const CRect& area, const std::string& text, double siz
 CMessageView::CMessageView(const CRect& size, const std::string& text, const std::string& caption,
                            std::function<void()> whenDismissed)
     : CViewContainer(size), dismissed(std::move(whenDismissed)) {
-    const CCoord captionHeight = lineHeight * static_cast<CCoord>(LinesOf(caption));
-    const CCoord textHeight = lineHeight * static_cast<CCoord>(LinesOf(text));
-    const CCoord textTop = captionTop + captionHeight + buttonGap;
-    panel = CRect(0, 0, panelWidth, textTop + textHeight + 2 * buttonGap + buttonHeight);
+    const auto bold = EditorFont(13, kBoldFace), plain = EditorFont(13);
+    const Paragraph head = Broken(caption, *bold), body = Broken(text, *plain);
+    const CCoord textTop = captionTop + head.height + buttonGap;
+    panel = CRect(0, 0, panelWidth, textTop + body.height + 2 * buttonGap + buttonHeight);
     panel.centerInside(size);
     panel.makeIntegral();
     const CCoord left = panel.left + margin, right = panel.right - margin, top = panel.top;
-    addView(
-        Text(CRect(left, top + captionTop, right, top + captionTop + captionHeight), caption, 13, kBoldFace));
-    addView(Text(CRect(left, top + textTop, right, top + textTop + textHeight), text, 13, 0));
+    addView(Text(CRect(left, top + captionTop, right, top + captionTop + head.height), head.text, bold));
+    addView(Text(CRect(left, top + textTop, right, top + textTop + body.height), body.text, plain));
 
     const CCoord buttonTopEdge = panel.bottom - buttonGap - buttonHeight;
     auto* button = new CTextButton(
