@@ -10,7 +10,7 @@ constexpr VSTGUI::CColor menuColor(145, 214, 238);
 constexpr VSTGUI::CColor menuFrameColor(255, 255, 255);
 constexpr VSTGUI::CColor barColorOfEqualizer(255, 255, 0);
 
-// The captions' family; where it is missing, the system's own sans serif stands in. Sizes are pixels.
+// The captions' family, which the module carries (editor/fonts.h). Sizes are pixels.
 inline VSTGUI::SharedPointer<VSTGUI::CFontDesc> EditorFont(double size, std::int32_t style = 0) {
     return VSTGUI::makeOwned<VSTGUI::CFontDesc>("Roboto", size, style);
 }

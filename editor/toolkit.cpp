@@ -4,6 +4,7 @@
 #include <xcb/xcb.h>
 
 #include "base/lasting.h"
+#include "editor/fonts.h"
 #include "vst2/records.h"
 #include "vstgui/lib/platform/linux/x11platform.h"
 #include "vstgui/lib/vstguiinit.h"
@@ -50,6 +51,7 @@ std::recursive_mutex& ToolkitLock() {
 std::unique_ptr<ToolkitSession> ToolkitSession::Begin() {
     Toolkit& toolkit = TheToolkit();
     if (toolkit.sessions == 0) {
+        UseOwnFonts();
         VSTGUI::init(nullptr);
         toolkit.loop = VSTGUI::makeOwned<EditorRunLoop>();
         VSTGUI::X11::RunLoop::init(toolkit.loop);
