@@ -78,7 +78,7 @@ const std::string portProps = "http://lv2plug.in/ns/ext/port-props#";
 
 TEST_F(Description, HasAudioInAndOutNotesAndAControlForEachParameter) {
     const Node name(lilv_plugin_get_name(plugin));
-    EXPECT_STREQ(lilv_node_as_string(name.get()), "ORVA Audio To MIDI");
+    EXPECT_STREQ(lilv_node_as_string(name.get()), "ORVA Audio To MIDI (LV2)");
     ASSERT_EQ(lilv_plugin_get_num_ports(plugin), 3U + 96U);
     const auto is = [&](std::uint32_t index, const char* one, const char* other) {
         const LilvPort* port = lilv_plugin_get_port_by_index(plugin, index);

@@ -120,6 +120,7 @@ TEST(Lv2Run, TakesBuffersInPlaceAndPortsThatAreNotConnected) {
 
 TEST(Lv2Run, NeedsNumbersForItsTypesAndStandsAnyRate) {
     EXPECT_EQ(Lv2Host(FileDescriptor(), Lv2Host::noMap).handle, nullptr);
+    EXPECT_EQ(Lv2Host(FileDescriptor(), Lv2Host::emptyMap).handle, nullptr);
     const LV2_Descriptor* plugin = FileDescriptor();
     EXPECT_EQ(plugin->instantiate(plugin, 44100, "", nullptr), nullptr);
     for (const double rate : {0.0, -1.0, 8000.0, 192000.0, 1e30, std::nan("")}) {
