@@ -22,18 +22,21 @@ std::vector<HeardNote> PairNotes(const Take& take) {
         notes[open].end = std::max(notes[open].begin, sample);
         open = none;
     };
+    std::array<int, 16> programs{};
     for (const TimedEvent& event : take.events) {
         const int kind = event.bytes[0] & 0xF0;
-        if (kind != 0x90 && kind != 0x80) continue;
         const int channel = event.bytes[0] & 0x0F;
         const int pitch = event.bytes[1] & 0x7F;
+        int& program = programs[static_cast<std::size_t>(channel)];
+        if (kind == 0xC0) program = pitch;  // its one data byte
+        if (kind != 0x90 && kind != 0x80) continue;
         const int velocity = event.bytes[2] & 0x7F;
         std::size_t& open =
             sounding[static_cast<std::size_t>(channel) * 128 + static_cast<std::size_t>(pitch)];
         close(open, event.sample);
         if (kind == 0x80 || velocity == 0) continue;  // a note-on of velocity 0 is a note-off
         open = notes.size();
-        notes.push_back({event.sample, event.sample, channel, pitch, velocity});
+        notes.push_back({event.sample, event.sample, channel, pitch, velocity, program});
     }
     for (std::size_t& open : sounding) close(open, take.length);
 

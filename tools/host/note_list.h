@@ -12,6 +12,7 @@ struct HeardNote {
     int channel = 0;         // 0 to 15
     int pitch = 0;           // MIDI note, 0 to 127
     int velocity = 0;        // 1 to 127
+    int program = 0;         // 0 to 127: the channel's when the note began
 };
 
 // Pairs each note-on with the note-off that follows it on the same channel and pitch, in the order of

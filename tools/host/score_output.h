@@ -5,8 +5,7 @@
 
 class TNotes;
 
-// A take as a score, by the road that the plug-in's own recording takes: events dated in samples, then notes.
-// What was sent keeps its velocity. `score` is filled; notes without an end are dropped.
+// Adds the take's notes, as PairNotes lists them, to `score`: one layer, dates cut to score ticks.
 void TakeToScore(const Take& take, TNotes& score);
 
 // The bytes of a Standard MIDI File, and of a stored score.
