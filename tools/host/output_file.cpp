@@ -1,9 +1,12 @@
 #include "tools/host/output_file.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
 #include <cstdio>
+#include <fstream>
 #include <memory>
 #include <set>
 #include <stdexcept>
@@ -30,6 +33,27 @@ int WriteFile(const fs::path& path, std::string_view content, const char* mode) 
     // Pipes and devices have nothing to bring to the disk.
     if (fsync(fileno(file.get())) != 0 && errno != EINVAL && errno != EROFS) return errno;
     return std::fclose(file.release()) != 0 ? errno : 0;
+}
+
+// The draft gets owner and permissions of the file whose place it takes, as far as this user may give them.
+void TakeRights(const fs::path& draft, const fs::path& replaced) {
+    struct stat old = {};
+    if (stat(replaced.c_str(), &old) != 0) return;
+    if (chown(draft.c_str(), old.st_uid, old.st_gid) != 0 && chown(draft.c_str(), uid_t(-1), old.st_gid) != 0)
+        return;  // somebody else's file is replaced by one of this user's, with usual permissions
+    (void)chmod(draft.c_str(), old.st_mode & 07777U);
+}
+
+bool BeginsWith(const fs::path& path, std::string_view firstBytes) {
+    std::string bytes(firstBytes.size(), '\0');
+    std::ifstream file(path, std::ios::binary);
+    file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    return file.gcount() == 0 || (file && bytes == firstBytes);  // an empty file is of every kind
+}
+
+fs::path Real(const fs::path& path) {  // links followed
+    std::error_code unknown;
+    return fs::weakly_canonical(fs::absolute(path, unknown), unknown);
 }
 
 constexpr std::string_view nameField = "{name}";
@@ -65,12 +89,14 @@ void WriteWhole(const fs::path& path, std::string_view content) {
     // A link stays a link: what it leads to is replaced.
     const fs::path real = fs::is_symlink(path, unknown) ? fs::weakly_canonical(path) : path;
     fs::path draft = real;
-    draft.replace_filename("." + real.filename().string() + "." + std::to_string(getpid()) + ".part");
+    static std::atomic<unsigned> drafts{0};  // its name is short: the file's own may be as long as one can be
+    draft.replace_filename(".orva-" + std::to_string(getpid()) + "-" + std::to_string(drafts++) + ".part");
     const int fault = WriteFile(draft, content, "wxe");  // x: never somebody else's file
     if (fault != 0) {
         if (fault != EEXIST) fs::remove(draft, unknown);
         Fail(path, fault);
     }
+    TakeRights(draft, real);
     std::error_code refused;
     fs::rename(draft, real, refused);
     if (!refused) return;
@@ -106,7 +132,7 @@ std::vector<fs::path> OutputPaths(const std::vector<std::string>& inputs, const 
             "several recordings need an existing folder or a pattern with {name}, and \"" + target.string() +
             "\" is neither");
     std::set<fs::path> sources;  // as they really lie, links followed
-    for (const std::string& input : inputs) sources.insert(fs::weakly_canonical(input, unknown));
+    for (const std::string& input : inputs) sources.insert(Real(input));
     std::vector<fs::path> paths;
     std::set<fs::path> taken;
     for (const std::string& input : inputs) {
@@ -115,9 +141,30 @@ std::vector<fs::path> OutputPaths(const std::vector<std::string>& inputs, const 
         if (isFolder) path = target / (fs::path(input).stem().string() + extension);
         if (!taken.insert(path.lexically_normal()).second)
             throw std::invalid_argument("two recordings would both write \"" + path.string() + "\"");
-        if (fs::is_regular_file(path, unknown) && sources.count(fs::weakly_canonical(path, unknown)) > 0)
+        if (fs::is_regular_file(path, unknown) && sources.count(Real(path)) > 0)
             throw std::invalid_argument("\"" + path.string() + "\" is a recording to be heard");
         paths.push_back(path);
     }
     return paths;
+}
+
+void GuardOutputs(const std::vector<PlannedOutput>& outputs, const std::vector<fs::path>& inputs,
+                  bool force) {
+    std::error_code unknown;
+    std::set<fs::path> sources, taken;
+    for (const fs::path& input : inputs) sources.insert(Real(input));
+    for (const PlannedOutput& output : outputs) {
+        const auto refuse = [&](const std::string& reason) {
+            throw std::invalid_argument(output.option + ": \"" + output.path.string() + "\" " + reason);
+        };
+        if (output.path.empty()) refuse("is no name of a file");
+        if (output.path == "-") refuse("is no file; name /dev/stdout to write to standard output");
+        const fs::file_status status = fs::status(output.path, unknown);
+        if (fs::exists(status) && !fs::is_regular_file(status)) continue;
+        const fs::path real = Real(output.path);
+        if (sources.count(real) > 0) refuse("is read in this run");
+        if (!taken.insert(real).second) refuse("would be written twice");
+        if (!force && fs::exists(status) && !BeginsWith(output.path, output.firstBytes))
+            refuse("exists and is a file of another kind; --force replaces it");
+    }
 }

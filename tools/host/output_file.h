@@ -24,6 +24,22 @@ std::vector<std::filesystem::path> OutputPaths(const std::vector<std::string>& i
 
 bool IsPattern(const std::string& target);
 
+// A file that a run is about to write, and by what bytes files of its kind begin.
+struct PlannedOutput {
+    std::string option;  // that asked for it, for messages
+    std::filesystem::path path;
+    std::string_view firstBytes;
+};
+inline constexpr std::string_view midiFirstBytes = "MThd";
+inline constexpr std::string_view scoreFirstBytes = "TNotes";
+inline constexpr std::string_view pictureFirstBytes = "\x89PNG";
+
+// Keeps what exists from being overwritten by mistake. Errors: std::invalid_argument with the reason, where
+// an output has no name, is one of `inputs`, is written twice in this run, or, without `force`, exists and is
+// no file of its own kind. Empty files, pipes and devices may be written.
+void GuardOutputs(const std::vector<PlannedOutput>& outputs, const std::vector<std::filesystem::path>& inputs,
+                  bool force);
+
 // Makes the folders that a pattern's output lies in. Errors: std::runtime_error with path and reason.
 void MakeFolderOf(const std::filesystem::path& path);
 

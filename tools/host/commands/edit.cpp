@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "tools/host/audio_file.h"
+#include "tools/host/commands/output_options.h"
 #include "tools/host/editor_window.h"
 #include "tools/host/hosted_plugin.h"
 #include "tools/host/output_file.h"
@@ -27,6 +28,7 @@ struct EditOptions {
     std::string target;  // of shot
     double at = 3;       // s of music before the picture is taken
     bool chords = false;
+    bool force = false;  // of shot
 };
 
 // Plays a file through an instance in real time, a little whenever it is asked to.
@@ -72,6 +74,7 @@ int Edit(const EditOptions& options) {
 
 int Shot(const EditOptions& options) {
     const auto page = std::find(pages.begin(), pages.end(), options.page);
+    GuardOutput({"OUT", options.target, pictureFirstBytes}, {options.audio}, options.force);
     Player player(options);
     player.Plugin().SetParameter(paramActivePage, static_cast<float>(page - pages.begin()) + 2.0F);
     if (options.chords) player.Plugin().SetParameter(paramChordsEnabled, 1.0F);
@@ -107,6 +110,7 @@ void AddShot(CLI::App& program, Job& chosen) {
         ->check(CLI::IsMember(pages));
     command->add_option("OUT", options->target, "the picture to write")->required()->type_name("OUT.png");
     AddCommon(*command, *options);
+    AddForce(*command, options->force);
     command->add_option("--at", options->at, "seconds of music before it is taken")
         ->check(CLI::Range(0.0, 3600.0).description(""))
         ->type_name("SECONDS")

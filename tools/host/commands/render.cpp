@@ -4,10 +4,12 @@
 #include <filesystem>
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "notes/notes.h"
 #include "tools/host/commands/devices.h"
+#include "tools/host/commands/output_options.h"
 #include "tools/host/commands/parameters.h"
 #include "tools/host/file_list.h"
 #include "tools/host/note_cleaning.h"
@@ -26,8 +28,9 @@ struct RenderOutput {
     const char* extension;
     const char* placeholder;
     const char* help;
+    std::string_view firstBytes;
     std::string (*make)(const Take& take);
-    std::string target = {};                        // empty: none is written
+    std::optional<std::string> target = {};         // none: none is written
     std::vector<std::filesystem::path> paths = {};  // one a recording
 };
 
@@ -44,10 +47,11 @@ std::string ScoreBytes(const Take& take) {
 }
 
 std::vector<RenderOutput> AllOutputs() {
-    return {{"--midi", ".mid", "OUT.mid", "also write the notes as a MIDI file", MidiBytes},
-            {"--score", ".tnotes", "OUT.tnotes", "also write the notes as a stored score", ScoreBytes},
-            {"--picture", ".png", "OUT.png", "also draw a piano roll", PianoRoll},
-            {"--events", ".csv", "OUT.csv", "also write all MIDI events as CSV", EventCsv}};
+    return {{"--midi", ".mid", "OUT.mid", "also write the notes as a MIDI file", midiFirstBytes, MidiBytes},
+            {"--score", ".tnotes", "OUT.tnotes", "also write the notes as a stored score", scoreFirstBytes,
+             ScoreBytes},
+            {"--picture", ".png", "OUT.png", "also draw a piano roll", pictureFirstBytes, PianoRoll},
+            {"--events", ".csv", "OUT.csv", "also write all MIDI events as CSV", "time,sample,", EventCsv}};
 }
 
 struct RenderOptions {
@@ -55,6 +59,7 @@ struct RenderOptions {
     std::string list;                // file with more names; empty: none
     std::vector<RenderOutput> outputs;
     bool resume = false;
+    bool force = false;
     bool json = false;
     bool mix = false;
     ParameterTexts parameters;
@@ -67,12 +72,23 @@ struct RenderOptions {
 };
 
 void FindPaths(const std::vector<std::string>& files, RenderOutput& output) {
-    if (output.target.empty()) return;
+    if (!output.target) return;
     try {
-        output.paths = OutputPaths(files, output.target, output.extension);
+        output.paths = OutputPaths(files, *output.target, output.extension);
     } catch (const std::invalid_argument& reason) {
         throw UsageError(std::string(output.option) + ": " + reason.what());
     }
+}
+
+void GuardFiles(const RenderOptions& options, const std::filesystem::path& plugin) {
+    std::vector<PlannedOutput> planned;
+    for (const RenderOutput& output : options.outputs)
+        for (const std::filesystem::path& path : output.paths)
+            planned.push_back({output.option, path, output.firstBytes});
+    std::vector<std::filesystem::path> inputs(options.files.begin(), options.files.end());
+    inputs.push_back(plugin);
+    if (!options.list.empty()) inputs.emplace_back(options.list);
+    GuardAll(planned, inputs, options.force);
 }
 
 // The recordings that are named on the command line and in lists.
@@ -119,7 +135,7 @@ Outcome Work(const RenderOptions& options, const PluginModule& module, std::size
         outcome.text = options.json ? NoteJson(file, take) : NoteTable(file, take);
         for (const RenderOutput& output : options.outputs) {
             if (output.paths.empty()) continue;
-            if (IsPattern(output.target)) MakeFolderOf(output.paths[index]);
+            if (IsPattern(*output.target)) MakeFolderOf(output.paths[index]);
             WriteWhole(output.paths[index], output.make(take));
         }
     } catch (const std::exception& fault) {
@@ -147,7 +163,9 @@ void UseDevice(RenderOptions& options) {
 int RenderFiles(RenderOptions& options) {
     options.files = AllFiles(options);
     for (RenderOutput& output : options.outputs) FindPaths(options.files, output);
-    const PluginModule module(FindPlugin(options.plugin));
+    const std::filesystem::path plugin = FindPlugin(options.plugin);
+    GuardFiles(options, plugin);
+    const PluginModule module(plugin);
     options.settings.parameters = ParseParameters(options.parameters, module);
     UseDevice(options);
     options.settings.channel = options.mix ? AudioFile::Channel::mix : AudioFile::Channel::first;
@@ -182,7 +200,7 @@ void CheckUsage(RenderOptions& options) {
     if (options.list == "-" && std::count(options.files.begin(), options.files.end(), "-") > 0)
         throw UsageError("--list: standard input is read once only");
     if (options.resume && std::all_of(options.outputs.begin(), options.outputs.end(),
-                                      [](const RenderOutput& output) { return output.target.empty(); }))
+                                      [](const RenderOutput& output) { return !output.target; }))
         throw UsageError("--resume: needs --midi or another output by which a file counts as done");
 }
 
@@ -233,6 +251,7 @@ void AddRender(CLI::App& program, Job& chosen) {
             ->type_name(output.placeholder);
     command->add_flag("--resume", options->resume,
                       "pass over recordings whose outputs are there and not older than they are");
+    AddForce(*command, options->force);
     command->add_flag("--json", options->json,
                       "one JSON object a line for each recording, as it is done, instead of the tables");
     AddParameterOptions(*command, options->parameters);

@@ -6,6 +6,7 @@
 #include "notes/notes.h"
 #include "notes/serial.h"
 #include "notes/stream.h"
+#include "tools/host/commands/output_options.h"
 #include "tools/host/output_file.h"
 #include "tools/host/score_output.h"
 
@@ -14,9 +15,11 @@ namespace {
 struct ScoreOptions {
     std::string file;
     std::string midi;
+    bool force = false;
 };
 
 int ConvertScore(const ScoreOptions& options) {
+    GuardOutput({"--midi", options.midi, midiFirstBytes}, {options.file}, options.force);
     const auto score = std::make_unique<TNotes>();
     std::string error;
     try {
@@ -45,5 +48,6 @@ void AddScore(CLI::App& program, Job& chosen) {
         ->required()
         ->type_name("FILE.tnotes");
     command->add_option("--midi", options->midi, "the MIDI file to write")->required()->type_name("OUT.mid");
+    AddForce(*command, options->force);
     command->callback([options, &chosen] { chosen = [options] { return ConvertScore(*options); }; });
 }
