@@ -1,5 +1,6 @@
 """From MIDI files to sound, and from sound to notes: the programs that the measurement runs."""
 
+import functools
 import json
 import os
 import re
@@ -41,9 +42,18 @@ def starting_points():
     return re.findall(r'^ *\{.*"(\w+)"\},$', rows, re.MULTILINE)
 
 
-def heard_by_orva(sounds, settings=()):
-    """The notes of each file, in the order of `sounds`. `settings` are further arguments of `orva-host render`."""
-    command = [HOST, "render", "--json", "--jobs", "0", *settings, *sounds]
+@functools.cache
+def ears():
+    """Whether orva-host has more than the plug-in's own ear."""
+    command = [HOST, "render", "--help"]
+    return "--ear" in subprocess.run(command, text=True, stdout=subprocess.PIPE, check=True).stdout
+
+
+def heard_by_orva(sounds, settings=(), ear="classic"):
+    """The notes of each file, in the order of `sounds`. `settings` are further arguments of `orva-host render`;
+    `ear` is classic, live or file."""
+    hearing = ["--ear", ear] if ears() else []
+    command = [HOST, "render", "--json", "--jobs", "0", *hearing, *settings, *sounds]
     output = subprocess.run(command, check=True, text=True, stdout=subprocess.PIPE, stderr=subprocess.PIPE).stdout
     takes = {take["file"]: take["notes"] for take in map(json.loads, output.splitlines())}  # as they were done
     return [[(note["start"], note["end"], note["midi"]) for note in takes[str(sound)]] for sound in sounds]
