@@ -31,6 +31,7 @@ KITS = ("timgm", "a320u", "general")
 SOURCES = ("timgm", "a320u", "opl3", "general", "synth", "nothing")
 SHARES = (20, 22, 13, 22, 30, 6)
 SECONDS = 30
+CHOOSING = 90000  # clips from this number on are for choosing: other dice, other pieces
 SILENT = -140  # dB, the least that is stored
 
 
@@ -98,9 +99,6 @@ def main(folder, programs, first, count, fixed):
             np.savez(file, energies=energies, notes=np.array(notes, np.float32).reshape(-1, 3))
         unfinished.rename(path)
         print(path.name, len(energies), len(notes), flush=True)
-
-
-CHOOSING = 90000  # clips from this number on are for choosing: other dice, other pieces
 
 if __name__ == "__main__":
     if len(sys.argv) not in (5, 6):

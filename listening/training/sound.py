@@ -197,9 +197,8 @@ def recorded(dice, sound):
     response = np.ones(len(frequencies), complex)
     if dice.random() < 0.6:
         octaves = np.log2(np.maximum(frequencies, 20) / 20)
-        gains = [dice.gauss(0, 4) + (k - 4) * 0 for k in range(9)]
         tilt = dice.gauss(0, 1.2)
-        gains = [gain + tilt * (k - 4) for k, gain in enumerate(gains)]
+        gains = [dice.gauss(0, 4) + tilt * (k - 4) for k in range(9)]
         response *= 10 ** (np.interp(octaves, np.arange(9) * 9 / 8, gains) / 20)
     if dice.random() < 0.4:
         response *= room(dice, random, frequencies, length)

@@ -25,7 +25,7 @@ from net import ACTIVE_LOOK, CONTEXT, LOOK, LOWEST, PITCHES, Net, features, read
 
 SEGMENT, PAST, BATCH = 192, 250, 4  # frames judged, frames before them for the reference, clips a step
 NEAR = {0: 1.0, 1: 0.75, -1: 0.75, 2: 0.3, -2: 0.3}  # what an onset output should say around an onset
-HEAD_WEIGHTS = (0.3, 1.0, 0.9, 0.4)  # 30, 50, 80 ms, active
+HEAD_WEIGHTS = (0.1, 1.0, 1.0, 0.4)  # 30 ms, which nobody uses, 50, 80 ms, active
 ONSET_WEIGHT = 2.0  # of a frame with an onset against one without
 NOT_FOR_TRAINING = {"fluid"}
 
