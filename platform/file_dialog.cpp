@@ -22,27 +22,54 @@ bool DesktopIsKde() {
     return desktop != nullptr && std::string_view(desktop).find("KDE") != std::string_view::npos;
 }
 
-std::vector<std::string> ZenityArguments(const std::string& program, const FileDialogRequest& request) {
-    std::vector<std::string> arguments = {program, "--file-selection", "--save", "--confirm-overwrite",
-                                          "--title=" + request.title};
-    if (!request.proposedName.empty()) arguments.push_back("--filename=" + request.proposedName);
-    arguments.push_back("--file-filter=" + request.filterName + " | *." + request.extension);
-    return arguments;
+using Command = std::vector<std::string>;
+
+Command ZenityCommand(const FileDialogRequest& request) {
+    Command command = {"--file-selection", "--save", "--confirm-overwrite", "--title=" + request.title};
+    if (!request.proposedName.empty()) command.push_back("--filename=" + request.proposedName);
+    command.push_back("--file-filter=" + request.filterName + " | *." + request.extension);
+    return command;
+}
+Command ZenityQuestion(const FileDialogRequest& request, const std::string& text) {
+    return {"--question",     "--no-markup",        "--title=" + request.title,
+            "--text=" + text, "--ok-label=Replace", "--cancel-label=Cancel"};
 }
 
-std::vector<std::string> KdialogArguments(const std::string& program, const FileDialogRequest& request) {
+Command KdialogCommand(const FileDialogRequest& request) {
     const std::string start = request.proposedName.empty() ? "." : request.proposedName;
     const bool namesPattern = request.filterName.find("(*") != std::string::npos;
     const std::string filter = request.filterName + (namesPattern ? "" : " (*." + request.extension + ")");
-    return {program, "--title", request.title, "--getsavefilename", start, filter};
+    return {"--title", request.title, "--getsavefilename", start, filter};
+}
+Command KdialogQuestion(const FileDialogRequest& request, const std::string& text) {
+    return {"--title", request.title, "--warningcontinuecancel", text, "--continue-label", "Replace"};
 }
 
-// The desktop's own program first.
-std::vector<std::string> CommandFor(const FileDialogRequest& request) {
+// The desktop's own program first, with the dialog or with the question that is not empty.
+Command CommandFor(const FileDialogRequest& request, const std::string& question) {
     const std::string zenity = FindProgram("zenity"), kdialog = FindProgram("kdialog");
-    if (!kdialog.empty() && (DesktopIsKde() || zenity.empty())) return KdialogArguments(kdialog, request);
-    if (!zenity.empty()) return ZenityArguments(zenity, request);
-    return {};
+    const bool isKdialog = !kdialog.empty() && (DesktopIsKde() || zenity.empty());
+    if (!isKdialog && zenity.empty()) return {};
+    Command command;
+    if (isKdialog)
+        command = question.empty() ? KdialogCommand(request) : KdialogQuestion(request, question);
+    else
+        command = question.empty() ? ZenityCommand(request) : ZenityQuestion(request, question);
+    command.insert(command.begin(), isKdialog ? kdialog : zenity);
+    if (request.owner != 0) {
+        const std::string owner = std::to_string(request.owner);
+        if (isKdialog)
+            command.insert(command.end(), {"--attach", owner});
+        else
+            command.push_back("--attach=" + owner);
+    }
+    return command;
+}
+
+constexpr int cancelled = 1 << 8;  // the status of a program that exits with 1
+
+std::string NameOf(const std::string& path) {
+    return path.substr(path.rfind('/') + 1);
 }
 
 // Runs the command with its standard output in the pipe, in a process group of its own, with no signal
@@ -89,10 +116,16 @@ bool HasExtension(const std::string& path) {
 
 }  // namespace
 
-bool FileDialog::Start(const FileDialogRequest& request) {
+bool FileDialog::Start(const FileDialogRequest& wanted) {
     End();
+    request = wanted;
+    asksToReplace = false;
+    return Run(CommandFor(request, {}));
+}
+
+bool FileDialog::Run(const Command& command) {
+    answer.clear();
     state = State::failed;
-    const std::vector<std::string> command = CommandFor(request);
     if (command.empty()) return false;
     int ends[2];
     if (pipe2(ends, O_CLOEXEC | O_NONBLOCK) != 0) return false;
@@ -105,7 +138,6 @@ bool FileDialog::Start(const FileDialogRequest& request) {
         program = -1;
         return false;
     }
-    extension = request.extension;
     state = State::running;
     return true;
 }
@@ -118,15 +150,32 @@ FileDialog::State FileDialog::Poll() {
     ReadAnswer();  // what it wrote just before
     CloseAnswer();
 
-    if (!answer.empty() && answer.back() == '\n') answer.pop_back();
-    if (WIFEXITED(status) && WEXITSTATUS(status) == 0 && !answer.empty()) {
-        path = answer;
-        if (!HasExtension(path)) path += "." + extension;
-        state = State::chosen;
-    } else {
-        state = WIFEXITED(status) && WEXITSTATUS(status) <= 1 ? State::cancelled : State::failed;
+    const bool agreed = WIFEXITED(status) && WEXITSTATUS(status) == 0;
+    state = WIFEXITED(status) && WEXITSTATUS(status) <= 1 ? State::cancelled : State::failed;
+    if (asksToReplace) {
+        if (agreed) state = State::chosen;
+        if (state == State::cancelled) {  // back to the dialog, with the name that was chosen
+            request.proposedName = path;
+            asksToReplace = false;
+            Run(CommandFor(request, {}));
+        }
+    } else if (agreed) {
+        TakePath();
     }
     return state;
+}
+
+void FileDialog::TakePath() {
+    if (!answer.empty() && answer.back() == '\n') answer.pop_back();
+    if (answer.empty()) return;
+    path = answer;
+    state = State::chosen;
+    if (HasExtension(path)) return;
+    path += "." + request.extension;
+    if (access(path.c_str(), F_OK) != 0) return;
+    asksToReplace = true;
+    Run(CommandFor(request,
+                   "A file named \"" + NameOf(path) + "\" already exists. Do you want to replace it?"));
 }
 
 void FileDialog::ReadAnswer() {
@@ -140,14 +189,14 @@ void FileDialog::ReadAnswer() {
 }
 
 // Looks first and takes the status last: until then the process group keeps its number, and nobody of it is
-// left to hold the pipe. A host that gathers all ended processes itself leaves no status; an answer counts as
-// given then.
+// left to hold the pipe. A host that gathers all ended processes itself leaves no status; a path counts as
+// given then, and leave to replace a file does not.
 bool FileDialog::HasEnded(int* status) {
     siginfo_t info = {};
     if (waitid(P_PID, static_cast<id_t>(program), &info, WEXITED | WNOHANG | WNOWAIT) == 0) {
         if (info.si_pid == 0) return false;
         kill(-program, SIGKILL);
-        if (waitpid(program, status, 0) < 0) *status = 0;
+        if (waitpid(program, status, 0) < 0) *status = asksToReplace ? cancelled : 0;
     } else if (errno == EINTR) {
         return false;
     }
