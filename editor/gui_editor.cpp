@@ -263,7 +263,9 @@ void guiEditor::AskForFile(const FileDialogRequest& request,
                            std::function<void(const std::string&)> whenChosen) {
     errands.emplace_back([this, request, call = std::move(whenChosen)] {
         if (fileDialog.Poll() == FileDialog::State::running) return;  // the user still has one to answer
-        if (fileDialog.Start(request)) {
+        FileDialogRequest above = request;
+        above.owner = HostWindow();
+        if (fileDialog.Start(above)) {
             fileChosen = call;
         } else {
             fileDialog.End();

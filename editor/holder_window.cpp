@@ -10,12 +10,30 @@ struct Freed {
     void operator()(void* memory) const { std::free(memory); }
 };
 
+template <typename Reply>
+using Owned = std::unique_ptr<Reply, Freed>;
+
+// The atom by which a window manager marks the windows that it knows; 0 where there has been none.
+xcb_atom_t StateAtom(xcb_connection_t* connection) {
+    constexpr char name[] = "WM_STATE";
+    const Owned<xcb_intern_atom_reply_t> reply(
+        xcb_intern_atom_reply(connection, xcb_intern_atom(connection, 1, sizeof name - 1, name), nullptr));
+    return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
+}
+
+bool HasProperty(xcb_connection_t* connection, xcb_window_t window, xcb_atom_t property) {
+    if (property == XCB_ATOM_NONE) return false;
+    const Owned<xcb_get_property_reply_t> reply(xcb_get_property_reply(
+        connection, xcb_get_property(connection, 0, window, property, XCB_ATOM_ANY, 0, 0), nullptr));
+    return reply && reply->type != XCB_ATOM_NONE;
+}
+
 }  // namespace
 
 std::unique_ptr<HolderWindow> HolderWindow::Make(xcb_connection_t* connection, std::uint32_t parent,
                                                  std::uint16_t width, std::uint16_t height) {
     const xcb_screen_t* screen = xcb_setup_roots_iterator(xcb_get_setup(connection)).data;
-    const std::unique_ptr<xcb_get_geometry_reply_t, Freed> geometry(
+    const Owned<xcb_get_geometry_reply_t> geometry(
         xcb_get_geometry_reply(connection, xcb_get_geometry(connection, parent), nullptr));
     if (!geometry || geometry->root != screen->root) return nullptr;
 
@@ -31,6 +49,17 @@ std::unique_ptr<HolderWindow> HolderWindow::Make(xcb_connection_t* connection, s
     xcb_map_window(connection, id);
     xcb_flush(connection);
     return std::unique_ptr<HolderWindow>(new HolderWindow(connection, id));
+}
+
+std::uint32_t HolderWindow::TopLevel() const {
+    const xcb_atom_t state = StateAtom(connection);
+    for (xcb_window_t window = id;;) {
+        const Owned<xcb_query_tree_reply_t> tree(
+            xcb_query_tree_reply(connection, xcb_query_tree(connection, window), nullptr));
+        if (!tree) return 0;
+        if (tree->parent == tree->root || HasProperty(connection, window, state)) return window;
+        window = tree->parent;
+    }
 }
 
 HolderWindow::~HolderWindow() {

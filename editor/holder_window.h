@@ -20,6 +20,9 @@ public:
     HolderWindow& operator=(const HolderWindow&) = delete;
 
     std::uint32_t Id() const { return id; }
+    // The host's window around ours, as the window manager knows it, or the outermost one; 0 where it is
+    // gone.
+    std::uint32_t TopLevel() const;
 
 private:
     HolderWindow(xcb_connection_t* itsConnection, std::uint32_t itsId)
