@@ -20,8 +20,8 @@ constexpr std::uint32_t MMSYSERR_BADERRNUM = 9;     // a code without a text
 constexpr std::uint32_t MMSYSERR_INVALPARAM = 11;   // no MIDI message
 
 struct MidiOutCaps {
-    static constexpr std::size_t nameUnits = 32;  // with the terminator
-    char16_t name[nameUnits] = {};                // UTF-16; whoever reads it looks at 31 units at most
+    static constexpr std::size_t nameUnits = 320;  // with the terminator; the longest name that JACK gives
+    char16_t name[nameUnits] = {};                 // UTF-16
 };
 
 struct MidiOutErrorTextW {

@@ -56,13 +56,33 @@ SystemMidiOut::SystemMidiOut() : SystemMidiOut(SystemLayers()) {}
 std::vector<SystemMidiOut::Known> SystemMidiOut::Find() {
     std::vector<Known> found;
     for (const auto& backend : backends)
-        for (std::string& name : backend->DeviceNames()) found.push_back({backend.get(), std::move(name)});
+        for (std::string& name : backend->DeviceNames())
+            found.push_back({backend.get(), std::move(name), {}});
     return found;
 }
 
 // Under reading; takes listLock.
 void SystemMidiOut::Merge(std::vector<Known> found, bool fillGaps) {
     const std::lock_guard<std::mutex> hold(listLock);
+    UpdateList(std::move(found), fillGaps);
+    for (Known& device : devices)
+        if (!device.shown) device.shown = UniqueName(device.name);
+}
+
+// Under listLock. The name, or the name and the first number from 2 on that makes it unlike all in the list.
+std::u16string SystemMidiOut::UniqueName(const std::string& name) const {
+    constexpr std::size_t units = MidiOutCaps::nameUnits - 1;
+    std::u16string unique = WideText(name, units);
+    const auto same = [&unique](const Known& device) { return device.shown == unique; };
+    for (int number = 2; std::any_of(devices.begin(), devices.end(), same); ++number) {
+        const std::string suffix = " (" + std::to_string(number) + ")";
+        unique = WideText(name, units - suffix.size()) + WideText(suffix, suffix.size());
+    }
+    return unique;
+}
+
+// Under listLock.
+void SystemMidiOut::UpdateList(std::vector<Known> found, bool fillGaps) {
     const bool anyOpen =
         std::any_of(devices.begin(), devices.end(), [](const Known& d) { return d.opened > 0; });
     if (!wasRead || (fillGaps && !anyOpen)) {
@@ -120,7 +140,8 @@ std::uint32_t SystemMidiOut::midiOutGetDevCapsW(std::uint32_t id, MidiOutCaps& c
     ReadOnce();
     const std::lock_guard<std::mutex> hold(listLock);
     if (id >= devices.size() || !devices[id].there) return MMSYSERR_BADDEVICEID;
-    CopyWide(devices[id].name, caps.name, MidiOutCaps::nameUnits);
+    const std::u16string& name = *devices[id].shown;
+    *std::copy(name.begin(), name.end(), caps.name) = u'\0';
     return MMSYSERR_NOERROR;
 }
 

@@ -4,6 +4,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,7 +18,7 @@
 // stands for the device that the list showed under it last: while devices come and go between showing and
 // opening, opening gives that device or none. ReadDevices takes the layers' own order where no device is
 // open; while one is, each device keeps its id, those that have gone leave a gap without a name, and new ones
-// fill the gaps.
+// fill the gaps. Names are kept whole; where two devices have the same one, the later is numbered.
 //
 // Threads: as the interface says. A send counts itself in at its slot and looks whether the slot still has
 // its handle; a close takes the handle away and waits until nobody is counted in. So no send waits, and none
@@ -42,9 +43,10 @@ public:
 
 private:
     struct Known {
-        MidiBackend* backend;  // not owned
-        std::string name;      // as the layer spells it
-        bool there = true;     // when the list was read last
+        MidiBackend* backend;                 // not owned
+        std::string name;                     // as the layer spells it
+        std::optional<std::u16string> shown;  // the same, made unique once it is in the list
+        bool there = true;                    // when the list was read last
         unsigned opened = 0;
     };
     struct Slot {
@@ -57,6 +59,8 @@ private:
 
     std::vector<Known> Find();  // asks the layers; under reading
     void Merge(std::vector<Known> found, bool fillGaps);
+    void UpdateList(std::vector<Known> found, bool fillGaps);
+    std::u16string UniqueName(const std::string& name) const;
     void ReadOnce();
     MidiOutHandle Admit(std::unique_ptr<MidiDevice> device, std::size_t slot);
     template <typename Use>

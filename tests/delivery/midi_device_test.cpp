@@ -57,10 +57,11 @@ TEST_F(DeviceList, AMapperStandsInFrontOfTheDevicesUpToVersion61) {
 }
 
 TEST_F(DeviceList, OddNamesLeaveAsLegalText) {
-    std::u16string full(31, u'x');
-    full[30] = 0xD83D;                                 // half a character, and then the end
+    constexpr std::size_t units = MidiOutCaps::nameUnits - 1;
+    std::u16string full(units, u'x');
+    full.back() = 0xD83D;                              // half a character, and then the end
     layer.names = {full, full + u"yz", u"caf\u00e9"};  // the second fills its field, without a terminator
-    const std::string expected = std::string(30, 'x') + "\xEF\xBF\xBD";  // U+FFFD for the half
+    const std::string expected = std::string(units - 1, 'x') + "\xEF\xBF\xBD";  // U+FFFD for the half
     EXPECT_EQ(MidiOutDeviceName(0), expected);
     EXPECT_EQ(MidiOutDeviceName(1), expected);
     EXPECT_EQ(MidiOutDeviceName(2), "caf\xC3\xA9");

@@ -95,10 +95,10 @@ protected:
 };
 
 TEST_F(SystemDevices, TheListIsReadOnceAndWhenItIsAskedFor) {
-    EXPECT_THAT(Names(), ElementsAre("a", "b", "b", "c"));
+    EXPECT_THAT(Names(), ElementsAre("a", "b", "b (2)", "c"));
     first.names = {"z"};
     second.names = {};
-    EXPECT_THAT(Names(), ElementsAre("a", "b", "b", "c"));
+    EXPECT_THAT(Names(), ElementsAre("a", "b", "b (2)", "c"));
     devices.ReadDevices();
     EXPECT_THAT(Names(), ElementsAre("z"));
     EXPECT_EQ(Name(1), "-");
@@ -114,10 +114,10 @@ TEST_F(SystemDevices, AnIdOpensTheDeviceThatItWasShownFor) {
     EXPECT_EQ(devices.midiOutOpen(unused, 0), MMSYSERR_BADDEVICEID);
     devices.midiOutClose(Open(1));
     EXPECT_THAT(first.opened, ElementsAre("b"));
-    EXPECT_THAT(Names(), ElementsAre("-", "b", "b", "c", "new"));
+    EXPECT_THAT(Names(), ElementsAre("-", "b", "b (2)", "c", "new"));
     devices.midiOutClose(Open(4));
     devices.ReadDevices();  // nothing is open: as the layers have it
-    EXPECT_THAT(Names(), ElementsAre("new", "b", "b", "c"));
+    EXPECT_THAT(Names(), ElementsAre("new", "b", "b (2)", "c"));
 }
 
 TEST_F(SystemDevices, WhileOneIsOpenNoDeviceChangesItsId) {
@@ -139,13 +139,24 @@ TEST_F(SystemDevices, WhileOneIsOpenNoDeviceChangesItsId) {
 
 TEST_F(SystemDevices, OddNamesFitTheFieldAndAreLegal) {
     const std::string piano = "\xF0\x9F\x8E\xB9";  // two units
-    first.names = {"", std::string(4096, 'x'), "cut \xC3", std::string(30, 'y') + piano, "\xFF"};
+    first.names = {"", std::string(4096, 'x'), "cut \xC3", std::string(318, 'y') + piano, "\xFF"};
     second.names = {};
-    EXPECT_THAT(Names(), ElementsAre("", std::string(31, 'x'), "cut \xEF\xBF\xBD", std::string(30, 'y'),
+    EXPECT_THAT(Names(), ElementsAre("", std::string(319, 'x'), "cut \xEF\xBF\xBD", std::string(318, 'y'),
                                      "\xEF\xBF\xBD"));
     MidiOutHandle handle = Open(1);
     EXPECT_THAT(first.opened, ElementsAre(std::string(4096, 'x')));  // opened by its whole name
     devices.midiOutClose(handle);
+}
+
+// Two ports of one interface differ in their last letters; two too long or illegal names may not differ at
+// all.
+TEST_F(SystemDevices, EachHasAWholeNameOfItsOwn) {
+    const std::string interface = "Studio Interface USB:Studio Interface USB MIDI ";
+    first.names = {interface + "1 24:0", interface + "2 24:1", "\xFE", "\xFF"};
+    second.names = {std::string(400, 'x') + "1", std::string(400, 'x') + "2"};
+    EXPECT_THAT(Names(),
+                ElementsAre(interface + "1 24:0", interface + "2 24:1", "\xEF\xBF\xBD", "\xEF\xBF\xBD (2)",
+                            std::string(319, 'x'), std::string(315, 'x') + " (2)"));
 }
 
 TEST_F(SystemDevices, ALayersTextExplainsItsRefusal) {
