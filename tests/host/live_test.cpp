@@ -141,9 +141,10 @@ TEST_F(Live, ListsPortsAndHearsTheFirstCapturePort) {
     const JackReceiver receiver("synth");
     const Ended list = RunHost({"live", "--list"});
     EXPECT_EQ(list.code, 0) << list.err;
-    EXPECT_EQ(list.out,
-              "audio to hear (--connect)\n  system:capture_1\n  system:capture_2\n"
-              "MIDI to play to (--midi-to)\n  synth:in\n");
+    EXPECT_EQ(
+        list.out,
+        "audio to hear (--connect)\n  system:capture_1  (taken where none is named)\n  system:capture_2\n"
+        "MIDI to play to (--midi-to)\n  synth:in\n");
 
     HostProcess host({"live", "--connect"});
     jack_client_t* const looker = QuietJackClient("looker");
@@ -152,8 +153,27 @@ TEST_F(Live, ListsPortsAndHearsTheFirstCapturePort) {
         const jack_port_t* const capture = jack_port_by_name(looker, "system:capture_1");
         return capture != nullptr && jack_port_connected_to(capture, "orva:in") != 0;
     })) << host.Err();
+    EXPECT_TRUE(host.AwaitOut("hearing system:capture_1\n"));
     jack_client_close(looker);
     EXPECT_EQ(host.End(SIGTERM), 0) << host.Err();
+}
+
+// Hardware, virtual inputs, programs; the monitors of what is played last, and never taken unless named.
+TEST_F(Live, ListsRealSourcesBeforeMonitors) {
+    std::vector<jack_client_t*> clients;
+    for (const auto& [name, port] :
+         {std::pair{"speakers", "monitor_FL"}, {"player", "out"}, {"mic", "capture_FL"}}) {
+        clients.push_back(QuietJackClient(name));
+        ASSERT_NE(clients.back(), nullptr);
+        jack_port_register(clients.back(), port, JACK_DEFAULT_AUDIO_TYPE, JackPortIsOutput, 0);
+    }
+    const Ended list = RunHost({"live", "--list"});
+    for (jack_client_t* const client : clients) jack_client_close(client);
+    EXPECT_EQ(
+        list.out,
+        "audio to hear (--connect)\n  system:capture_1  (taken where none is named)\n  system:capture_2\n"
+        "  mic:capture_FL\n  player:out\n  speakers:monitor_FL\n"
+        "MIDI to play to (--midi-to)\n");
 }
 
 TEST_F(Live, WhatIsNotThereIsToldInOneLine) {

@@ -6,11 +6,26 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <functional>
+#include <string_view>
 
 #include "platform/midi_backend.h"
 #include "tools/host/live_plugin.h"
 
 namespace {
+
+// The port's own part of its name, behind the client's.
+bool IsCalled(const std::string& port, std::string_view begin) {
+    return std::string_view(port).substr(port.rfind(':') + 1).starts_with(begin);
+}
+
+// PipeWire marks neither a sink's monitors nor a virtual source by a flag, but by the port's name.
+bool IsMonitor(const std::string& port) {
+    return IsCalled(port, "monitor_");
+}
+bool IsCapture(const std::string& port) {
+    return IsCalled(port, "capture_");
+}
 
 void AddPorts(jack_client_t* client, const char* type, unsigned long flags, std::vector<std::string>& names) {
     const char** const ports = jack_get_ports(client, nullptr, type, flags);
@@ -131,9 +146,15 @@ bool LiveClient::HasGone() const {
 
 ServerPorts LiveClient::Ports() const {
     ServerPorts ports;
-    AddPorts(link->client, JACK_DEFAULT_AUDIO_TYPE, JackPortIsOutput | JackPortIsPhysical, ports.captures);
-    ports.sources = ports.captures;
-    AddPorts(link->client, JACK_DEFAULT_AUDIO_TYPE, JackPortIsOutput, ports.sources);
+    std::vector<std::string>& audio = ports.sources;
+    AddPorts(link->client, JACK_DEFAULT_AUDIO_TYPE, JackPortIsOutput | JackPortIsPhysical, audio);
+    const auto hardware = static_cast<std::ptrdiff_t>(audio.size());
+    AddPorts(link->client, JACK_DEFAULT_AUDIO_TYPE, JackPortIsOutput, audio);
+    std::stable_partition(audio.begin() + hardware, audio.end(), IsCapture);
+    const auto monitors = std::stable_partition(audio.begin(), audio.end(), std::not_fn(IsMonitor));
+    ports.monitors.assign(monitors, audio.end());
+    audio.erase(monitors, audio.end());
+    if (link->out != nullptr) std::erase(audio, jack_port_name(link->out));
     AddPorts(link->client, JACK_DEFAULT_MIDI_TYPE, JackPortIsInput, ports.destinations);
     return ports;
 }

@@ -14,8 +14,8 @@ struct ServerFault : std::runtime_error {
 
 // The ports of a sound server that live hears from and plays to.
 struct ServerPorts {
-    std::vector<std::string> captures;      // audio from the hardware
-    std::vector<std::string> sources;       // all audio, those first
+    std::vector<std::string> sources;       // audio: of the hardware, then virtual inputs, then programs
+    std::vector<std::string> monitors;      // audio that others play, to be heard once more
     std::vector<std::string> destinations;  // MIDI
 };
 

@@ -28,7 +28,7 @@ struct LiveOptions {
     std::string name = "orva";
     std::string server;                     // empty: the usual one
     bool connect = false;                   // the input, to `source`
-    std::string source;                     // empty: the first capture port
+    std::string source;                     // empty: the first that is there
     std::vector<std::string> destinations;  // of the notes
     ParameterTexts parameters;
     std::string plugin;  // empty: the usual places
@@ -74,6 +74,7 @@ public:
         return client->Name() + ": " + std::to_string(client->Rate()) + " Hz, periods of " +
                std::to_string(client->Period()) + " samples";
     }
+    const std::string& Source() const { return heard; }  // that was found without a name; may be empty
     void UseView() { view.emplace(); }
 
     // What is to be done every now and then; false when the end is wanted, or nobody reads on.
@@ -143,16 +144,23 @@ private:
     // Leaves the first port that cannot be connected in `missing`.
     void Connect() {
         missing.clear();
-        if (options.connect) {
-            std::string source = options.source;
-            if (source.empty()) {
-                const std::vector<std::string> captures = client->Ports().captures;
-                source = captures.empty() ? "the first capture port" : captures.front();
-            }
-            if (!client->Hear(source)) missing = source;
-        }
+        if (options.connect && options.source.empty())
+            HearFirstSource();
+        else if (options.connect && !client->Hear(options.source))
+            missing = options.source;
         for (const std::string& destination : options.destinations)
             if (!client->PlayTo(destination) && missing.empty()) missing = destination;
+    }
+
+    // Never a monitor: what is heard would be what the machine plays.
+    void HearFirstSource() {
+        for (const std::string& source : client->Ports().sources)
+            if (client->Hear(source)) {
+                if (!heard.empty() && source != heard) Say("hearing " + source);
+                heard = source;
+                return;
+            }
+        missing = "an audio source";
     }
 
     template <typename Condition>
@@ -168,6 +176,7 @@ private:
     std::optional<LiveView> view;
     LiveTake take;
     std::string missing;  // a port to be connected as soon as it is there
+    std::string heard;    // the source that was found where none was named
     Clock::time_point nextAttempt = Clock::now() + retryPause;
 };
 
@@ -183,7 +192,10 @@ std::unique_ptr<EditorWindow> OpenWindow(LiveSession& session) {
 int ListPorts(const LiveOptions& options) {
     const ServerPorts ports = LiveClient(options.name, options.server).Ports();
     std::cout << "audio to hear (--connect)\n";
-    for (const std::string& port : ports.sources) std::cout << "  " << port << '\n';
+    for (const std::string& port : ports.sources)
+        std::cout << "  " << port << (port == ports.sources.front() ? "  (taken where none is named)" : "")
+                  << '\n';
+    for (const std::string& port : ports.monitors) std::cout << "  " << port << '\n';
     std::cout << "MIDI to play to (--midi-to)\n";
     for (const std::string& port : ports.destinations) std::cout << "  " << port << '\n';
     return exitDone;
@@ -196,6 +208,7 @@ int Live(const LiveOptions& options) {
     LiveSession session(options, module, ParseParameters(options.parameters, module));
     std::unique_ptr<EditorWindow> window = options.window ? OpenWindow(session) : nullptr;
     std::cout << session.Heading() << std::endl;
+    if (!session.Source().empty()) std::cout << "hearing " << session.Source() << std::endl;
     if (window) {
         window->Run([&] { return session.Continue(); });
         window.reset();
@@ -219,7 +232,7 @@ void AddLive(CLI::App& program, Job& chosen) {
     CLI::Option* const connect =
         command
             ->add_option("--connect", options->source,
-                         "hear this audio port; without a name the first capture port")
+                         "hear this audio port; without a name the first microphone, line or program")
             ->type_name("PORT")
             ->expected(0, 1);
     command->add_option("--midi-to", options->destinations, "send the notes to this MIDI port; repeatable")
