@@ -8,3 +8,6 @@ target_compile_definitions(test_host PRIVATE
 # A JACK server of its own receives notes.
 pkg_check_modules(JACK_TEST REQUIRED IMPORTED_TARGET jack)
 target_link_libraries(test_host PRIVATE PkgConfig::JACK_TEST)
+# What a desktop sees of its window.
+pkg_check_modules(XCB_TEST_HOST REQUIRED IMPORTED_TARGET xcb)
+target_link_libraries(test_host PRIVATE PkgConfig::XCB_TEST_HOST)

@@ -1,16 +1,24 @@
 #include "tools/host/editor_window.h"
 
+#include <X11/Xatom.h>
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
 #include <X11/extensions/Xcomposite.h>
 #include <cairo.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
+#include <cstdint>
+#include <cstring>
 #include <memory>
+#include <span>
 #include <stdexcept>
 #include <thread>
+#include <vector>
 
 #include "tools/host/hosted_plugin.h"
+#include "tools/host/icon.h"
 
 namespace {
 
@@ -19,6 +27,60 @@ constexpr auto idlePause = std::chrono::milliseconds(33);
 cairo_status_t Append(void* bytes, const unsigned char* data, unsigned length) {
     static_cast<std::string*>(bytes)->append(reinterpret_cast<const char*>(data), length);
     return CAIRO_STATUS_SUCCESS;
+}
+
+struct PngReader {
+    std::span<const unsigned char> rest;
+    static cairo_status_t Read(void* self, unsigned char* data, unsigned length) {
+        auto& rest = static_cast<PngReader*>(self)->rest;
+        if (length > rest.size()) return CAIRO_STATUS_READ_ERROR;
+        std::copy_n(rest.begin(), length, data);
+        rest = rest.subspan(length);
+        return CAIRO_STATUS_SUCCESS;
+    }
+};
+
+// As window managers take it: width, height, then a word a pixel: alpha, red, green, blue. Xlib wants each
+// word in a long. Empty where the picture cannot be read.
+std::vector<unsigned long> IconWords() {
+    PngReader reader{IconPng()};
+    const std::unique_ptr<cairo_surface_t, void (*)(cairo_surface_t*)> surface(
+        cairo_image_surface_create_from_png_stream(&PngReader::Read, &reader), cairo_surface_destroy);
+    if (cairo_surface_status(surface.get()) != CAIRO_STATUS_SUCCESS) return {};
+    const int width = cairo_image_surface_get_width(surface.get());
+    const int height = cairo_image_surface_get_height(surface.get());
+    std::vector<unsigned long> words = {static_cast<unsigned long>(width),
+                                        static_cast<unsigned long>(height)};
+    for (int y = 0; y < height; ++y) {
+        const unsigned char* const row =
+            cairo_image_surface_get_data(surface.get()) + y * cairo_image_surface_get_stride(surface.get());
+        for (int x = 0; x < width; ++x) {
+            std::uint32_t pixel;
+            std::memcpy(&pixel, row + 4 * x, sizeof pixel);
+            const std::uint32_t alpha = pixel >> 24;
+            std::uint32_t word = alpha << 24;
+            for (int shift = 0; alpha > 0 && shift < 24; shift += 8)  // cairo's colours are times alpha
+                word |= std::min(255U, (pixel >> shift & 255U) * 255U / alpha) << shift;
+            words.push_back(word);
+        }
+    }
+    return words;
+}
+
+// What a desktop shows beside the title and in its lists of windows, and by what it knows the program.
+void Introduce(Display* display, ::Window window, const std::string& title, XSizeHints& size) {
+    std::string name = "orva-host", group = "Orva-host";
+    XClassHint hint{name.data(), group.data()};
+    Xutf8SetWMProperties(display, window, title.c_str(), title.c_str(), nullptr, 0, &size, nullptr, &hint);
+    const auto set = [&](const char* property, const unsigned long* words, std::size_t count) {
+        XChangeProperty(display, window, XInternAtom(display, property, False), XA_CARDINAL, 32,
+                        PropModeReplace, reinterpret_cast<const unsigned char*>(words),
+                        static_cast<int>(count));
+    };
+    const auto process = static_cast<unsigned long>(getpid());
+    set("_NET_WM_PID", &process, 1);
+    const std::vector<unsigned long> icon = IconWords();
+    set("_NET_WM_ICON", icon.data(), icon.size());
 }
 
 }  // namespace
@@ -51,12 +113,11 @@ EditorWindow::EditorWindow(HostedPlugin& edited, const std::string& title)
     window->id =
         XCreateSimpleWindow(display, DefaultRootWindow(display), 0, 0, static_cast<unsigned>(window->width),
                             static_cast<unsigned>(window->height), 0, 0, 0);
-    XStoreName(display, window->id, title.c_str());
     XSizeHints hints{};
     hints.flags = PMinSize | PMaxSize;
     hints.min_width = hints.max_width = window->width;
     hints.min_height = hints.max_height = window->height;
-    XSetWMNormalHints(display, window->id, &hints);
+    Introduce(display, window->id, title, hints);
     window->closing = XInternAtom(display, "WM_DELETE_WINDOW", False);
     XSetWMProtocols(display, window->id, &window->closing, 1);
     // Else a picture of a window that is covered, or not quite on the screen, could not be taken.

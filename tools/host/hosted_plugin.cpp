@@ -38,6 +38,9 @@ HostedPlugin::HostedPlugin(const PluginModule& module, std::int32_t newRate, std
         throw std::runtime_error(name + ": the plug-in lacks a call that this host needs");
     }
     Dispatch(effOpen);
+    // A host that takes MIDI asks; the plug-in's window warns where none did.
+    CanDo("sendVstEvents");
+    CanDo("sendVstMidiEvent");
 }
 
 HostedPlugin::~HostedPlugin() {
