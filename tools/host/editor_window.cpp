@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <memory>
@@ -52,11 +53,11 @@ std::vector<unsigned long> IconWords() {
     std::vector<unsigned long> words = {static_cast<unsigned long>(width),
                                         static_cast<unsigned long>(height)};
     for (int y = 0; y < height; ++y) {
-        const unsigned char* const row =
-            cairo_image_surface_get_data(surface.get()) + y * cairo_image_surface_get_stride(surface.get());
+        const std::ptrdiff_t stride = cairo_image_surface_get_stride(surface.get());
+        const unsigned char* const row = cairo_image_surface_get_data(surface.get()) + y * stride;
         for (int x = 0; x < width; ++x) {
             std::uint32_t pixel;
-            std::memcpy(&pixel, row + 4 * x, sizeof pixel);
+            std::memcpy(&pixel, row + std::ptrdiff_t{4} * x, sizeof pixel);
             const std::uint32_t alpha = pixel >> 24;
             std::uint32_t word = alpha << 24;
             for (int shift = 0; alpha > 0 && shift < 24; shift += 8)  // cairo's colours are times alpha
