@@ -1,45 +1,108 @@
 #include "harmony/chord.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <numeric>
+#include <random>
+#include <stdexcept>
+#include <thread>
 #include <utility>
 
+#include "harmony/chord_namer.h"
+#include "tests/harmony/allocation_count.h"
 #include "tests/harmony/naming.h"
 
 namespace {
 
-using testing::ElementsAre;
-
-Pitches PitchesOf(const TChord& chord) {
-    return {chord.pitches.begin(), chord.pitches.end()};
+TEST(Chord, IsNamedAsTheoryHasIt) {
+    // clang-format off
+    const std::vector<std::pair<Pitches, const char*>> written{
+        {{60}, "C"}, {{60, 72}, "C"}, {{72, 60}, "C"}, {{60, 64}, "C"}, {{60, 63}, "Cm"},
+        {{60, 64, 68}, "C+5"}, {{60, 63, 66}, "Cm-5"}, {{60, 65, 67}, "Csus"}, {{60, 64, 67, 71}, "C+7"},
+        {{60, 64, 67, 70}, "C7"}, {{60, 63, 67, 71}, "Cm+7"}, {{60, 63, 67, 70}, "Cm7"},
+        {{60, 63, 66, 69}, "Cdim"}, {{60, 64, 67, 69}, "C6"}, {{60, 65, 67, 70}, "C7sus"},
+        {{60, 64, 70, 74}, "C9"}, {{60, 64, 67, 70, 74}, "C9"}, {{60, 64, 67, 71, 74}, "C9+7"},
+        {{60, 63, 67, 70, 74}, "Cm9"}, {{60, 64, 67, 70, 73}, "C-9"},
+    };
+    // clang-format on
+    for (const auto& [pitches, name] : written)
+        for (std::uint32_t up = 0; up < 12; ++up) {
+            const std::string expected = up == 0 ? name : std::string(PitchNamesMixed[up]) + (name + 1);
+            Pitches moved = pitches;
+            for (std::uint32_t& pitch : moved) pitch += up;
+            EXPECT_EQ(NameOf(moved), expected);
+        }
 }
 
-TEST(Chord, NamesOverC) {
-    const std::vector<std::pair<Pitches, const char*>> written{
-        {{60}, "C"},
-        {{60, 72}, "C"},
-        {{72, 60}, "C"},
-        {{60, 64}, "C"},
-        {{60, 63}, "Cm"},
-        {{60, 64, 68}, "C+5"},
-        {{60, 63, 66}, "Cm-5"},
-        {{60, 65, 67}, "Csus"},
-        {{60, 64, 67, 71}, "C+7"},
-        {{60, 64, 67, 70}, "C7"},
-        {{60, 63, 67, 71}, "Cm+7"},
-        {{60, 63, 67, 70}, "Cm7"},
-        {{60, 63, 66, 69}, "Cdim"},
-        {{60, 64, 67, 69}, "C6"},
-        {{60, 65, 67, 70}, "C7sus"},
-        {{60, 64, 70, 74}, "C9"},  // no fifth
-        {{60, 64, 67, 70, 74}, "C9"},
-        {{60, 64, 67, 71, 74}, "C9+7"},
-        {{60, 63, 67, 70, 74}, "Cm9"},
-        {{60, 64, 67, 70, 73}, "C-9"},
-        {{64, 67, 72}, "C/Ab"},  // the way down to the bass, 8 semitones, is shown upward
-    };
-    for (const auto& [pitches, name] : written) EXPECT_EQ(NameOf(pitches), name);
+// All that is found out about some pitches, in one line.
+std::string Described(const Pitches& pitches) {
+    const auto score = Together(pitches);
+    TChord chord(score->notes, -1);
+    TChordInfo info = chord.analyse();
+    if (info.ok) info = chord.analyse();  // the second is the first one
+    std::string line;
+    for (const bool flag :
+         {info.ok, info.hasForeignBass, info.fromReducedSet[0], info.fromReducedSet[1], info.chordIsPartial,
+          info.noThird, info.bothThirds, info.majorBelowMinor, info.isTriad, info.isSeventh, info.isNinth,
+          info.majorThird, info.majorSeventh, info.diminishedSeventh, info.plainFifth, info.plainNinth,
+          info.knownChord, info.twoClasses})
+        line += flag ? '1' : '0';
+    for (const int number : {int(info.type), int(info.rootIndex), int(info.bassDegree)})
+        line += ' ' + std::to_string(number);
+    for (const std::int32_t points : chord.scores) line += ' ' + std::to_string(info.ok ? points : 0);
+    line.append(" ").append(chord.shortText).append(" ").append(chord.longText).append(" ");
+    try {
+        return line + NameOf(pitches);
+    } catch (const std::out_of_range& failure) {
+        return line + failure.what();
+    }
+}
+
+using Digests = std::vector<std::uint32_t>;  // by the number of notes, from 1 to 13
+Digests DigestsOf(const std::vector<Pitches>& all) {
+    TextDigest texts[13];
+    for (const Pitches& pitches : all) texts[pitches.size() - 1].Add(Described(pitches));
+    Digests values;
+    for (const TextDigest& text : texts) values.push_back(text.value);
+    return values;
+}
+
+// The names that users know, by number of notes: taken from the program when it agreed in every one of them
+// with a second analysis written independently. A change here is a chord that shows another name.
+TEST(Chord, EverySetOfPitchesKeepsItsName) {
+    std::vector<Pitches> inversions, classes, any;
+    for (unsigned set = 1; set < 4096; ++set) {
+        Pitches bare, pitches;
+        for (std::uint32_t cls = 0; cls < 12; ++cls)
+            if ((set >> cls & 1U) != 0) bare.push_back(cls), pitches.push_back(36 + cls);
+        for (std::size_t inversion = 0; inversion < bare.size(); ++inversion) {
+            inversions.push_back(pitches);
+            pitches.front() += 12;
+            std::rotate(pitches.begin(), pitches.begin() + 1, pitches.end());
+        }
+        classes.push_back(bare);
+        std::rotate(bare.begin(), bare.begin() + std::ptrdiff_t(bare.size() / 2), bare.end());
+        classes.push_back(bare);  // the order counts here
+    }
+    // From one to thirteen pitches in any order, some of them twice, near together or far apart.
+    std::minstd_rand random(1);
+    for (int round = 0; round < 4000; ++round) {
+        const std::uint32_t range = round % 3 == 0 ? 16 : round % 3 == 1 ? 40 : 128;
+        Pitches pitches(1 + random() % 13);
+        for (std::uint32_t& pitch : pitches) pitch = static_cast<std::uint32_t>(random() % range);
+        any.push_back(pitches);
+    }
+    const Digests expected[] = {
+        {3183541277, 2162581655, 1645639023, 4293117979, 270059781, 1029078277, 2207286505, 388025128,
+         528116510, 3015828771, 334414166, 643660869, 2166136261},
+        {4137688055, 2162581655, 3956728085, 734338995, 1755274480, 3916655562, 3331301901, 1484736237,
+         2947881836, 3333902940, 1867394911, 1002060677, 2166136261},
+        {3930742812, 1906041266, 1609084807, 4160624782, 711410963, 2337390826, 2402832090, 2071420549,
+         3500931168, 3924611927, 144671399, 2519539762, 1929077644}};
+    EXPECT_EQ(DigestsOf(inversions), expected[0]);
+    EXPECT_EQ(DigestsOf(classes), expected[1]);
+    EXPECT_EQ(DigestsOf(any), expected[2]);
 }
 
 TEST(Chord, AFormShowsEachOfItsParts) {
@@ -48,33 +111,19 @@ TEST(Chord, AFormShowsEachOfItsParts) {
     all.third = 5;
     all.bass = 1;
     EXPECT_EQ(chordText(all).view(), "C-9sus-5,6+11/C#");
-}
-
-TEST(Chord, BassStandsInAChordAtTheNumbersOfItsParts) {
     EXPECT_TRUE(FormOf({60, 64, 67}).bassInChord);   // bass 0, the place of the third
     EXPECT_FALSE(FormOf({60, 62}).bassInChord);      // no parts
     EXPECT_EQ(FormOf({67, 72, 76}).bass, 5);         // from C down to G
+    EXPECT_EQ(NameOf({64, 67, 72}), "C/Ab");         // the way down, 8 semitones, is shown upward
     EXPECT_FALSE(FormOf({67, 72, 76}).bassInChord);  // two parts, 0 and 1
 }
 
-TEST(Chord, PitchesBelowTwelveAreClassesAndKeepTheirOrder) {
-    const auto score = Together({7, 0, 4});
-    TChord chord(score->notes, -1);
-    chord.analyse();
-    EXPECT_TRUE(chord.pitchClassMode);
-    EXPECT_EQ(chord.tones[0].pitch, 7U);
-    EXPECT_EQ(chord.span, 5 + 4);  // G up to C, C up to E
-    EXPECT_EQ(chord.distance(0, 2), 9);
-}
-
 TEST(Chord, CountsWhatItsTonesHaveBetweenThem) {
-    const auto score = Together({60, 48, 62, 48, 64, 90});
-    TChord chord(score->notes, -1);
-    chord.analyse();  // 48 48 60 62 64 90
-    EXPECT_EQ(chord.noteCount, 6);
+    const auto score = Together({60, 48, 62, 48, 64, 90}), classes = Together({7, 0, 4});
+    TChord chord(score->notes, -1), bare(classes->notes, -1);
+    chord.analyse();                               // 48 48 60 62 64 90
     EXPECT_EQ(chord.tones[0].index, 1U);           // of equal pitches, the first one stays first
     EXPECT_EQ(chord.tones[0].sortedPosition, 2U);  // pitches[0], the 60, is the third of them
-    EXPECT_EQ(chord.unisonCount, 1);
     EXPECT_EQ(chord.distinctPitchCount, 5);
     EXPECT_EQ(chord.pitchClassCount, 4);  // C D E F#
     EXPECT_EQ(chord.pitchClassHistogram[0], 3);
@@ -83,40 +132,75 @@ TEST(Chord, CountsWhatItsTonesHaveBetweenThem) {
     EXPECT_EQ(chord.adjacentClassHistogram[2], 3);  // 60 62, 62 64, 64 90
     EXPECT_EQ(chord.adjacentClassCount, 2);         // 0 and 2
     EXPECT_EQ(chord.span, 42);
+    bare.analyse();  // all below 12: classes, which keep their order
+    EXPECT_EQ(bare.tones[0].pitch, 7U);
+    EXPECT_EQ(bare.span, 5 + 4);  // G up to C, C up to E
 }
 
 TEST(Chord, TakesTheFirstNotesOfAListAndDropsDirectRepeats) {
     const auto score = Together({60, 60, 64, 60, 60, 60});
-    EXPECT_THAT(PitchesOf(TChord(score->notes, -1)), ElementsAre(60, 64, 60));
-    EXPECT_THAT(PitchesOf(TChord(score->notes, 3)), ElementsAre(60, 64));
-    EXPECT_THAT(PitchesOf(TChord(score->notes, 99)), ElementsAre(60, 64, 60));
-    const TChord whole(score->notes, 5);
-    EXPECT_EQ(whole.notes->notes.size(), 5U);  // the score keeps every note
-    EXPECT_TRUE(whole.notes->notes[0]->Equals(*score->notes[0]));
+    const auto taken = [&](std::int32_t limit) {
+        const TChord chord(score->notes, limit);
+        return Pitches(chord.pitches.begin(), chord.pitches.end());
+    };
+    EXPECT_EQ(taken(-1), (Pitches{60, 64, 60}));
+    EXPECT_EQ(taken(3), (Pitches{60, 64}));
+    EXPECT_EQ(taken(99), (Pitches{60, 64, 60}));
+    EXPECT_EQ(TChord(score->notes, 5).notes->notes.size(), 5U);  // the score keeps every note
 }
 
 TEST(Chord, WithoutNotesThereIsNoChord) {
     TChord empty(TNoteList(), -1);
-    EXPECT_FALSE(empty.valid);
     EXPECT_FALSE(empty.analyse().ok);
     EXPECT_EQ(empty.info.rootIndex, -1);
     const TChordForm form = chordFormOf(std::move(empty));
     EXPECT_TRUE(form.unknown);
     EXPECT_EQ(form.root + form.third + form.bass, 0);
-    EXPECT_TRUE(FormOf({}).unknown);
-
     const auto score = Together({60});
     TChord limited(score->notes, 0);  // there was a list, but nothing of it was taken
     EXPECT_TRUE(limited.valid);
     EXPECT_FALSE(limited.analyse().ok);
-}
-
-TEST(ChordTone, AToneThatIsInNoChordEmptiesTheMask) {
     for (const std::int32_t stranger : {2, 15, -1}) {
         std::uint16_t mask = 1;
         EXPECT_FALSE(addChordTone(stranger, mask));
         EXPECT_EQ(mask, 0);
     }
+}
+
+// Up to as many notes as have a name; of eleven, both retries are made.
+TEST(ChordNamer, AllocatesNothingOnceWarm) {
+    const Pitches most{19, 24, 27, 28, 30, 32, 55, 58, 61, 62, 69, 68};
+    const Pitches alike(most.size(), 100);
+    const auto nameAll = [&] {
+        for (std::int32_t count = 1; count <= TChord::mostTones; ++count)
+            chordOfPitches(150, count, most.data(), alike.data(), alike.data(), alike.data());
+    };
+    nameAll();
+    const std::size_t before = AllocationsOfThisThread();
+    nameAll();
+    EXPECT_EQ(AllocationsOfThisThread(), before);
+    Pitches many(100);
+    std::iota(many.begin(), many.end(), 0U);
+    EXPECT_THROW(FormOf(many), std::out_of_range);  // more than its area holds
+    EXPECT_EQ(NameOf({60, 64, 67}), "C");
+}
+
+TEST(ChordNamer, AnalysesOnTwoThreadsDoNotDisturbEachOther) {
+    std::minstd_rand random(3);
+    std::vector<std::pair<Pitches, std::string>> named;
+    while (named.size() < 300) {
+        Pitches pitches;
+        for (std::uint32_t pitch = 12; pitches.size() < 4 + named.size() % 8;)
+            pitches.push_back(pitch += 1 + static_cast<std::uint32_t>(random() % 6));
+        named.emplace_back(pitches, NameOf(pitches));
+    }
+    const auto check = [&] {
+        for (int round = 0; round < 10; ++round)
+            for (const auto& [pitches, name] : named) ASSERT_EQ(NameOf(pitches), name);
+    };
+    std::thread other(check);
+    check();
+    other.join();
 }
 
 }  // namespace

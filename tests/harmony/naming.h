@@ -2,6 +2,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "harmony/chord.h"
@@ -26,3 +27,12 @@ inline TChordForm FormOf(const Pitches& pitches) {
 inline std::string NameOf(const Pitches& pitches) {
     return std::string(chordText(FormOf(pitches)).view());
 }
+
+// Texts as one number: FNV-1a, 32 bits, each text with an end of its own.
+struct TextDigest {
+    void Add(std::string_view text) {
+        for (const char character : text) value = (value ^ static_cast<unsigned char>(character)) * 16777619U;
+        value = (value ^ 0xFFU) * 16777619U;
+    }
+    std::uint32_t value = 2166136261U;
+};

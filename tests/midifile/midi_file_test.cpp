@@ -12,42 +12,39 @@ Bytes Delta(std::uint32_t ticks) {
     return file.tracks[0].data;
 }
 
-// The meter, key and tempo of a new file, with their deltas.
-const Bytes plainConductor{0, 0xFF, 0x58, 4, 4,    2,    0x18, 8,  // meter: 4/4
-                           0, 0xFF, 0x59, 2, 0,    0,              // key: no sharps, major
-                           0, 0xFF, 0x51, 3, 0x07, 0xA1, 0x20};    // tempo: 500000
-
 Bytes Joined(std::initializer_list<Bytes> parts) {
     Bytes all;
     for (const Bytes& part : parts) all.insert(all.end(), part.begin(), part.end());
     return all;
 }
 
-const Bytes endOfTrack{0, 0xFF, 0x2F, 0};
-
 Bytes Header(std::uint8_t tracks) {
     return {'M', 'T', 'h', 'd', 0, 0, 0, 6, 0, 1, 0, tracks, 0, 120};
 }
-
-Bytes Chunk(std::uint32_t length) {
-    MemoryStream stream;
-    PutTag(stream, "MTrk");
-    PutU32(stream, length);
-    return stream.data;
+Bytes Chunk(unsigned length) {
+    return {
+        'M', 'T', 'r', 'k', 0, 0, static_cast<std::uint8_t>(length >> 8), static_cast<std::uint8_t>(length)};
 }
+// The meter, key and tempo of a file, with their deltas.
+Bytes Conductor(std::uint8_t sharps = 0, std::uint8_t minor = 0, const Bytes& tempo = {0x07, 0xA1, 0x20}) {
+    return Joined(
+        {{0, 0xFF, 0x58, 4, 4, 2, 0x18, 8, 0, 0xFF, 0x59, 2, sharps, minor, 0, 0xFF, 0x51, 3}, tempo});
+}
+const Bytes endOfTrack{0, 0xFF, 0x2F, 0};
 
 }  // namespace
 
 TEST(MidiFile, DeltasTakeSevenBitsAByteAndNoByteInVain) {
-    EXPECT_EQ(Delta(0), (Bytes{0x00}));
-    EXPECT_EQ(Delta(127), (Bytes{0x7F}));
-    EXPECT_EQ(Delta(128), (Bytes{0x81, 0x00}));
-    EXPECT_EQ(Delta(16383), (Bytes{0xFF, 0x7F}));
-    EXPECT_EQ(Delta(16384), (Bytes{0x81, 0x80, 0x00}));
-    EXPECT_EQ(Delta(2097151), (Bytes{0xFF, 0xFF, 0x7F}));
-    EXPECT_EQ(Delta(2097152), (Bytes{0x81, 0x80, 0x80, 0x00}));
-    EXPECT_EQ(Delta(0xFFFFFFFF), (Bytes{0xFF, 0xFF, 0xFF, 0x7F}));
-    EXPECT_EQ(Delta(std::uint32_t{1} << 28), (Bytes{0x80, 0x80, 0x80, 0x00}));  // the 29th bit is lost
+    const std::pair<std::uint32_t, Bytes> rows[] = {{0, {0x00}},
+                                                    {127, {0x7F}},
+                                                    {128, {0x81, 0x00}},
+                                                    {16383, {0xFF, 0x7F}},
+                                                    {16384, {0x81, 0x80, 0x00}},
+                                                    {2097151, {0xFF, 0xFF, 0x7F}},
+                                                    {2097152, {0x81, 0x80, 0x80, 0x00}},
+                                                    {0xFFFFFFFF, {0xFF, 0xFF, 0xFF, 0x7F}},
+                                                    {1U << 28, {0x80, 0x80, 0x80, 0x00}}};  // a bit is lost
+    for (const auto& [ticks, bytes] : rows) EXPECT_EQ(Delta(ticks), bytes) << ticks;
 }
 
 TEST(MidiFile, EventsCarryTheirStatusAndTheirChannelFromOne) {
@@ -62,35 +59,16 @@ TEST(MidiFile, EventsCarryTheirStatusAndTheirChannelFromOne) {
     EXPECT_EQ(file.tracks.at(3).data, (Bytes{0x92, 60, 100}));
 }
 
-TEST(MidiFile, OnlyANameThatSaysSomethingMakesATrack) {
-    TMidiFile file;
-    file.SetTrackName(2, "");
-    EXPECT_EQ(file.tracks.size(), 1U);
-    file.SetTrackName(2, "x");
-    file.SetTrackName(2, "");
-    EXPECT_EQ(file.tracks.size(), 3U);
-    EXPECT_EQ(file.tracks[2].name, "");
-}
-
 TEST(MidiFile, AFileOfThreeTracksIsWrittenByteForByte) {
     TMidiFile file;
     file.title = "T";
     file.AddDelta(2, 240);
     file.AddNoteOn(2, 69, 100, 1);
     file.SetTrackName(2, "ab");
-    const Bytes title{0, 0xFF, 2, 1, 'T'};
-    const Bytes note{0x81, 0x70, 0x90, 69, 100};
-    EXPECT_EQ(Written(file), Joined({Header(3),  //
-                                     Chunk(5 + 21 + 4),
-                                     title,
-                                     plainConductor,
-                                     endOfTrack,  //
-                                     Chunk(4),
-                                     endOfTrack,  //
-                                     Chunk(2 + 5 + 8),
-                                     {0, 0xFF, 3, 2, 'a', 'b'},
-                                     note,
-                                     endOfTrack}));
+    file.SetTrackName(3, "");  // no track for a name that says nothing
+    const Bytes titled = Joined({{0, 0xFF, 2, 1, 'T'}, Conductor(), endOfTrack});
+    const Bytes named = Joined({{0, 0xFF, 3, 2, 'a', 'b'}, {0x81, 0x70, 0x90, 69, 100}, endOfTrack});
+    EXPECT_EQ(Written(file), Joined({Header(3), Chunk(30), titled, Chunk(4), endOfTrack, Chunk(15), named}));
 }
 
 TEST(MidiFile, TheConductorStandsBeforeTheEventsOfTrackZero) {
@@ -100,22 +78,21 @@ TEST(MidiFile, TheConductorStandsBeforeTheEventsOfTrackZero) {
     file.keySharps = -3;
     file.keyMinor = 1;
     file.tempo = 0x01020304;  // three bytes of it
-    Bytes conductor = plainConductor;
-    conductor[12] = 0xFD;
-    conductor[13] = 1;
-    std::copy_n(Bytes{2, 3, 4}.begin(), 3, conductor.begin() + 18);
-    EXPECT_EQ(Written(file), Joined({Header(1), Chunk(21 + 3 + 4), conductor, {1, 0xC0, 7}, endOfTrack}));
+    const Bytes events = Joined({Conductor(0xFD, 1, {2, 3, 4}), {1, 0xC0, 7}, endOfTrack});
+    EXPECT_EQ(Written(file), Joined({Header(1), Chunk(28), events}));
 }
 
 TEST(MidiFile, LongTextsKeepTheLowByteOfTheirLength) {
     TMidiFile file;
     file.title = std::string(256 + 2, 't');
-    file.SetTrackName(0, std::string(256 + 1, 'n'));  // whole: such a file is bad, and is meant to be
-    const Bytes bytes = Written(file);
-    const std::uint32_t data = 4 + 2 + 21;  // a title of two characters, and the rest
-    EXPECT_EQ(bytes.size(), 14U + 8 + 257 + data + 8);
-    EXPECT_EQ(Bytes(bytes.begin() + 14, bytes.begin() + 26),
-              Joined({Chunk(257 + data + 8), {0, 0xFF, 3, 1}}));
-    EXPECT_EQ(Bytes(bytes.begin() + 26 + 257, bytes.begin() + 26 + 257 + 6),
-              (Bytes{0, 0xFF, 2, 2, 't', 't'}));
+    const std::string name(256 + 1, 'n');  // whole: such a file is bad, and is meant to be
+    file.SetTrackName(0, name);
+    const Bytes title{0, 0xFF, 2, 2, 't', 't'};
+    EXPECT_EQ(Written(file), Joined({Header(1),
+                                     Chunk(4 + 257 + 6 + 21 + 4),
+                                     {0, 0xFF, 3, 1},
+                                     Bytes(name.begin(), name.end()),
+                                     title,
+                                     Conductor(),
+                                     endOfTrack}));
 }
