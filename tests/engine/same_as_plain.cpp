@@ -141,10 +141,8 @@ TEST(SameAsPlainOnTheWay, SettingsTakeHoldWithoutDisturbingTheAnalysis) {
     };
     both([](auto& d) { d.SetTuningEnabled(false); });
     both([](auto& d) { d.SetBandwidthAndTune(0.03F, 0.3F); });
-    both([](auto& d) { d.SetMonoEnabled(true); });
-    both([](auto& d) { d.SetMonoEnabled(true); });
-    both([](auto& d) { d.SetTuningEnabled(true); });
-    both([](auto& d) { d.SetTuningEnabled(true); });
+    for (int again = 0; again < 2; ++again) both([](auto& d) { d.SetMonoEnabled(true); });
+    for (int again = 0; again < 2; ++again) both([](auto& d) { d.SetTuningEnabled(true); });
     both([](auto& d) { d.SetHarmonics(0, 750, 500, 250); });
     both([](auto& d) { d.Reset(); });
     both([](auto& d) { d.SetSampleRate(48000); });

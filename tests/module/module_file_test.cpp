@@ -93,33 +93,13 @@ TEST(ModuleFile, StandsOnTheListedLibrariesAlone) {
             const std::size_t name = line.find('[') + 1;
             needed.push_back(line.substr(name, line.find(".so") - name));
         }
-    const std::vector<std::string> listed = {
-        "libc",
-        "libm",
-        "libstdc++",
-        "libgcc_s",  // the languages'
-        "ld-linux-x86-64",
-        "ld-linux-aarch64",  // the loader: where a thread's own variables are
-        "libhwy",
-        "librtmidi",
-        "libasound",
-        "libjack",
-        "libX11",
-        "libxcb",
-        "libxcb-util",
-        "libxcb-cursor",
-        "libxcb-keysyms",
-        "libxcb-xkb",
-        "libxkbcommon",
-        "libxkbcommon-x11",
-        "libcairo",
-        "libpangocairo-1.0",
-        "libpangoft2-1.0",
-        "libpango-1.0",
-        "libglib-2.0",
-        "libgobject-2.0",
-        "libfontconfig",
-        "libfreetype"};
+    // clang-format off
+    const std::vector<std::string> listed = {  // the languages', the loader, and what is used of the system
+        "libc", "libm", "libstdc++", "libgcc_s", "ld-linux-x86-64", "ld-linux-aarch64", "libhwy",
+        "librtmidi", "libasound", "libjack", "libX11", "libxcb", "libxcb-util", "libxcb-cursor",
+        "libxcb-keysyms", "libxcb-xkb", "libxkbcommon", "libxkbcommon-x11", "libcairo", "libpangocairo-1.0",
+        "libpangoft2-1.0", "libpango-1.0", "libglib-2.0", "libgobject-2.0", "libfontconfig", "libfreetype"};
+    // clang-format on
     EXPECT_THAT(needed, testing::Contains("libstdc++"));
     EXPECT_THAT(needed, IsSubsetOf(listed));
     EXPECT_THAT(Told("ldd -r"), Not(testing::ContainsRegex("undefined|not found")));
@@ -128,29 +108,12 @@ TEST(ModuleFile, StandsOnTheListedLibrariesAlone) {
 // A plug-in must not change what the host's process is, nor end it, nor write past what it was given.
 TEST(ModuleFile, TakesNothingThatReachesAcrossTheProcess) {
     const std::vector<std::string> names = Imports();
-    for (const char* const forbidden : {"setlocale",
-                                        "uselocale",
-                                        "signal",
-                                        "sigaction",
-                                        "atexit",
-                                        "system",
-                                        "popen",
-                                        "exit",
-                                        "quick_exit",
-                                        "abort",
-                                        "gets",
-                                        "strcpy",
-                                        "strcat",
-                                        "sprintf",
-                                        "vsprintf",
-                                        "__sprintf_chk",
-                                        "XSetErrorHandler",
-                                        "XSetIOErrorHandler",
-                                        "fesetround",
-                                        "putenv",
-                                        "setenv",
-                                        "chdir",
-                                        "umask"})
+    // clang-format off
+    for (const char* const forbidden : {
+            "setlocale", "uselocale", "signal", "sigaction", "atexit", "system", "popen", "exit",
+            "quick_exit", "abort", "gets", "strcpy", "strcat", "sprintf", "vsprintf", "__sprintf_chk",
+            "XSetErrorHandler", "XSetIOErrorHandler", "fesetround", "putenv", "setenv", "chdir", "umask"})
+        // clang-format on
         EXPECT_THAT(names, Not(testing::Contains(forbidden)));
     // And what guards against overruns is in use.
     EXPECT_THAT(names, testing::Contains("__stack_chk_fail"));

@@ -2,11 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <functional>
 #include <limits>
 #include <memory>
+#include <random>
 #include <stdexcept>
 
 #include "notes/note_memory.h"
@@ -63,26 +65,38 @@ TEST(FileStream, AStepWithinTheSpanDoesNotTouchTheFile) {
     EXPECT_FALSE(stream.GetByte(byte)) << "byte 512 would have to come from the file";
 }
 
-TEST(FileStream, TheEndIsSeenOnceAReadHasMetIt) {
+// A file through the stream of 512 bytes and a plain vector: steps, reads and writes at random.
+TEST(FileStream, AgreesWithAVectorOfBytes) {
     const TempFolder folder;
-    WriteAll(folder / "f", "\1\2");
-    TFStream stream(folder / "f", reading, 65536);
-    std::uint8_t byte = 0;
-    EXPECT_TRUE(stream.GetByte(byte) && stream.GetByte(byte));
-    EXPECT_FALSE(stream.GetByte(byte));
-    EXPECT_TRUE(stream.IsAtEnd());
-    EXPECT_FALSE(stream.Failed());
-    stream.Rewind();
-    EXPECT_FALSE(stream.IsAtEnd());
-}
-
-TEST(FileStream, SizeIsTheFilesAndDoesNotCountWhatIsHeld) {
-    const TempFolder folder;
-    TFStream stream(folder / "f", writing, 65536);
-    PutU32(stream, 1);
-    EXPECT_EQ(stream.GetSize(), 0);
-    EXPECT_EQ(stream.SeekToEnd(), 4);
-    EXPECT_EQ(stream.GetSize(), 4);
+    WriteAll(folder / "f", "");
+    TFStream stream(folder / "f", reading | writing, 0);
+    MemoryStream plain;
+    std::minstd_rand random(1);
+    for (int step = 0; step < 20000; ++step) {
+        const auto size = static_cast<std::int32_t>(plain.data.size());
+        const auto place = static_cast<std::int32_t>(random() % (plain.data.size() + 1));
+        const auto near =
+            std::clamp(plain.GetPosition() + static_cast<std::int32_t>(random() % 9) - 4, 0, size);
+        const auto value = static_cast<std::uint8_t>(random());
+        std::uint8_t byte = 0, expected = 0;
+        switch (random() % 12) {
+            case 0: stream.SetPosition(place), plain.SetPosition(place); break;
+            case 1: ASSERT_EQ(stream.SeekToEnd(), plain.SeekToEnd()); break;
+            case 2: stream.Rewind(), plain.Rewind(); break;
+            case 3: stream.SetPosition(near), plain.SetPosition(near); break;
+            case 4:
+            case 5:
+                ASSERT_EQ(stream.GetByte(byte), plain.GetByte(expected)) << "step " << step;
+                ASSERT_EQ(byte, expected) << "step " << step;
+                break;
+            default: stream.PutByte(value), plain.PutByte(value);
+        }
+        ASSERT_EQ(stream.GetPosition(), plain.GetPosition());
+    }
+    ASSERT_TRUE(stream.Finish());
+    EXPECT_EQ(stream.GetSize(), plain.GetSize());
+    const std::string content = ReadAll(folder / "f");
+    EXPECT_EQ(Bytes(content.begin(), content.end()), plain.data);
 }
 
 TEST(FileStream, AFilePastTwoGigabytesEndsThere) {
@@ -166,23 +180,4 @@ TEST(StreamValues, TextsTakeMemoryWithinTheBudget) {
     stream.Rewind();
     const MemoryBudget budget(std::size_t{48} << 20);
     EXPECT_EQ(GetString(stream).size(), std::size_t{16} << 20);
-}
-
-TEST(SharedPointer, TheLastOneDeletesTheObject) {
-    struct Mourned {
-        int& deaths;
-        ~Mourned() { ++deaths; }
-    };
-    int deaths = 0;
-    TPtr<Mourned> first(new Mourned{deaths}), none;
-    {
-        TPtr<Mourned> second(first);
-        EXPECT_EQ(*first.count, 2U);
-        second = second;
-        none = second;
-    }
-    first = TPtr<Mourned>();
-    EXPECT_EQ(deaths, 0);
-    none = TPtr<Mourned>();
-    EXPECT_EQ(deaths, 1);
 }

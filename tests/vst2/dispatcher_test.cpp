@@ -3,17 +3,15 @@
 
 #include <stdexcept>
 
-#include "tests/plugin/fake_host.h"
+#include "tests/support/host.h"
 #include "vst2/audio_effect_x.h"
 
 namespace {
 
 class Probe : public AudioEffectX {
 public:
-    explicit Probe(bool* isGone = nullptr) : AudioEffectX(FakeHost::Callback, 1, 4), gone(isGone) {}
-    ~Probe() override {
-        if (gone != nullptr) *gone = true;
-    }
+    explicit Probe(audioMasterCallback callback) : AudioEffectX(callback, 1, 4) {}
+    ~Probe() override { ++deaths; }
     void open() override { Throw(); }
     void close() override { Throw(); }
     void process(float**, float**, std::int32_t) override { Throw(); }
@@ -25,13 +23,13 @@ public:
     using AudioEffect::setEditor;
 
     int thrown = 0;
+    static inline int deaths = 0;
 
 private:
     void Throw() {
         if (++thrown % 2 == 0) throw 1;  // NOLINT: one that is no standard exception
         throw std::runtime_error("inside");
     }
-    bool* gone;
 };
 
 struct KeyTaker : AEffEditor {
@@ -46,57 +44,71 @@ struct KeyTaker : AEffEditor {
 
 class Dispatcher : public testing::Test {
 protected:
-    FakeHost host;
+    Probe& Open() {
+        host.Close();
+        host.Open([](audioMasterCallback callback) { return (new Probe(callback))->getAeffect(); });
+        return host.Object<Probe>();
+    }
+    Host host;
 };
 
-TEST_F(Dispatcher, NoExceptionReachesTheHost) {
-    Probe probe;
-    AEffect* const effect = probe.getAeffect();
+TEST_F(Dispatcher, NoExceptionReachesTheHostAndClosingDeletesTheObjectAllTheSame) {
+    Probe& probe = Open();
+    float sample = 0;
+    double wide = 0;
     char text[64] = "text";
-    EXPECT_EQ(effect->dispatcher(effect, effOpen, 0, 0, nullptr, 0), 0);
-    EXPECT_EQ(effect->dispatcher(effect, effCanDo, 0, 0, text, 0), 0);
-    effect->process(effect, nullptr, nullptr, 1);
-    effect->processReplacing(effect, nullptr, nullptr, 1);
-    effect->processDoubleReplacing(effect, nullptr, nullptr, 1);
-    effect->setParameter(effect, 1, 4);
-    EXPECT_EQ(effect->getParameter(effect, 1), 0.0F);
+    EXPECT_EQ(host.Call(effOpen), 0);
+    EXPECT_EQ(host.Call(effCanDo, 0, 0, text), 0);
+    for (const Way way : {Way::accumulating, Way::replacing}) host.Process(way, &sample, &sample, 1);
+    host.Process(&wide, &wide, 1);
+    host.Set(1, 4);
+    EXPECT_EQ(host.Get(1), 0.0F);
     EXPECT_EQ(probe.thrown, 7);
-}
-
-TEST_F(Dispatcher, ClosingDeletesTheObjectWhateverItThrows) {
-    bool gone = false;
-    AEffect* const effect = (new Probe(&gone))->getAeffect();
-    effect->dispatcher(effect, effClose, 0, 0, nullptr, 0);
-    EXPECT_TRUE(gone);
+    const int before = Probe::deaths;
+    host.Close();
+    EXPECT_EQ(Probe::deaths, before + 1);
 }
 
 TEST_F(Dispatcher, AKeyReachesTheEditorAsItIsWhereThereIsOne) {
     KeyTaker editor;
-    Probe probe;
-    AEffect* const effect = probe.getAeffect();
-    EXPECT_EQ(effect->dispatcher(effect, effEditKeyDown, 'x', VKEY_F1, nullptr, 2), 0);
+    Probe& probe = Open();
+    EXPECT_EQ(host.Call(effEditKeyDown, 'x', VKEY_F1, nullptr, 2), 0);
     probe.setEditor(&editor);
-    EXPECT_EQ(effect->dispatcher(effect, effEditKeyDown, 'x', VKEY_F1, nullptr, 2), 1);
+    EXPECT_EQ(host.effect->flags & effFlagsHasEditor, effFlagsHasEditor);
+    EXPECT_EQ(host.Call(effEditKeyDown, 'x', VKEY_F1, nullptr, 2), 1);
     EXPECT_EQ(editor.taken.character, 'x');
     EXPECT_EQ(editor.taken.virt, VKEY_F1);
     EXPECT_EQ(editor.taken.modifier, 2);
+    EXPECT_EQ(host.Call(effKeysRequired), 1);  // that is: none are
+    probe.setEditor(nullptr);
+    EXPECT_EQ(host.effect->flags & effFlagsHasEditor, 0);
 }
 
-TEST_F(Dispatcher, TheHostIsAskedForItsRateOnce) {
-    EXPECT_EQ(Probe().getSampleRate(), 44100.0F);
+TEST_F(Dispatcher, TheHostIsAskedForItsRateOnceAndForTextsThatMayLackAnEnd) {
+    EXPECT_EQ(Open().getSampleRate(), 44100.0F);
     EXPECT_EQ(host.Count(audioMasterGetSampleRate), 1);
     host.sampleRate = 96000;
-    EXPECT_EQ(Probe().getSampleRate(), 96000.0F);
+    EXPECT_EQ(Open().getSampleRate(), 96000.0F);
     host.sampleRate = -1;  // which is none
-    EXPECT_EQ(Probe().getSampleRate(), 44100.0F);
-}
-
-TEST_F(Dispatcher, AHostsTextWithoutAnEndEndsBehindItsRoom) {
+    EXPECT_EQ(Open().getSampleRate(), 44100.0F);
     host.unterminated = true;
-    const std::string text = Probe().getHostVendorString();
+    const std::string text = Open().getHostVendorString();
     EXPECT_EQ(text, std::string(text.size(), 'x'));
     EXPECT_GE(text.size(), 63U);
     EXPECT_LE(text.size(), 64U);
+}
+
+// The host answers each call with a call of its own, which would never come to an end.
+TEST_F(Dispatcher, AHostThatAlwaysCallsBackIsAnsweredEightDeep) {
+    Probe& probe = Open();
+    int depth = 0;
+    host.answers = [&](const Host::Request&, std::intptr_t&) {
+        if (++depth < 100) probe.updateDisplay();
+        return true;
+    };
+    probe.updateDisplay();
+    EXPECT_EQ(depth, 8);
+    host.answers = nullptr;
 }
 
 }  // namespace

@@ -48,23 +48,21 @@ TEST(Interface, NumbersAgreeWithTheOtherHeaders) {
         ROW(kEffectMagic), ROW(effFlagsHasEditor), ROW(effFlagsCanReplacing), ROW(effFlagsProgramChunks),
         ROW(effFlagsIsSynth), ROW(effFlagsNoSoundInStop), ROW(effFlagsCanDoubleReplacing),
         ROW(kPlugCategUnknown), ROW(kPlugCategEffect), ROW(kPlugCategSynth), ROW(kPlugCategAnalysis),
-        ROW(kVstProcessPrecision32), ROW(kVstProcessPrecision64), ROW(kVstMidiType),
-        ROW(audioMasterAutomate), ROW(audioMasterVersion), ROW(audioMasterWantMidi),
-        ROW(audioMasterProcessEvents), ROW(audioMasterGetSampleRate), ROW(audioMasterGetVendorString),
-        ROW(audioMasterGetProductString), ROW(audioMasterGetVendorVersion), ROW(audioMasterCanDo),
-        ROW(effOpen), ROW(effClose), ROW(effSetProgram), ROW(effGetProgram), ROW(effSetProgramName),
-        ROW(effGetProgramName), ROW(effGetParamLabel), ROW(effGetParamDisplay), ROW(effGetParamName),
-        ROW(effSetSampleRate), ROW(effSetBlockSize), ROW(effMainsChanged), ROW(effEditGetRect),
-        ROW(effEditOpen), ROW(effEditClose), ROW(effEditIdle), ROW(effIdentify), ROW(effGetChunk),
-        ROW(effSetChunk), ROW(effProcessEvents), ROW(effCanBeAutomated), ROW(effString2Parameter),
-        ROW(effGetProgramNameIndexed), ROW(effGetInputProperties), ROW(effGetOutputProperties),
-        ROW(effGetPlugCategory), ROW(effSetSpeakerArrangement), ROW(effGetEffectName),
-        ROW(effGetVendorString), ROW(effGetProductString), ROW(effGetVendorVersion), ROW(effVendorSpecific),
-        ROW(effCanDo), ROW(effGetVstVersion), ROW(effGetCurrentMidiProgram), ROW(effGetSpeakerArrangement),
+        ROW(kVstProcessPrecision32), ROW(kVstProcessPrecision64), ROW(kVstMidiType), ROW(audioMasterAutomate),
+        ROW(audioMasterVersion), ROW(audioMasterWantMidi), ROW(audioMasterProcessEvents),
+        ROW(audioMasterGetSampleRate), ROW(audioMasterGetVendorString), ROW(audioMasterGetProductString),
+        ROW(audioMasterGetVendorVersion), ROW(audioMasterCanDo), ROW(effOpen), ROW(effClose),
+        ROW(effSetProgram), ROW(effGetProgram), ROW(effSetProgramName), ROW(effGetProgramName),
+        ROW(effGetParamLabel), ROW(effGetParamDisplay), ROW(effGetParamName), ROW(effSetSampleRate),
+        ROW(effSetBlockSize), ROW(effMainsChanged), ROW(effEditGetRect), ROW(effEditOpen), ROW(effEditClose),
+        ROW(effEditIdle), ROW(effIdentify), ROW(effGetChunk), ROW(effSetChunk), ROW(effProcessEvents),
+        ROW(effCanBeAutomated), ROW(effString2Parameter), ROW(effGetProgramNameIndexed),
+        ROW(effGetInputProperties), ROW(effGetOutputProperties), ROW(effGetPlugCategory),
+        ROW(effSetSpeakerArrangement), ROW(effGetEffectName), ROW(effGetVendorString),
+        ROW(effGetProductString), ROW(effGetVendorVersion), ROW(effVendorSpecific), ROW(effCanDo),
+        ROW(effGetVstVersion), ROW(effGetCurrentMidiProgram), ROW(effGetSpeakerArrangement),
         ROW(effShellGetNextPlugin), ROW(effStartProcess), ROW(effStopProcess),
-        ROW(effSetTotalSampleToProcess), ROW(effSetProcessPrecision),
-    };
-#undef ROW
+        ROW(effSetTotalSampleToProcess), ROW(effSetProcessPrecision),};
     // clang-format on
     for (const auto& row : rows) EXPECT_EQ(row.ours, row.theirs) << row.name;
 }

@@ -1,24 +1,77 @@
-// What the detector owes its host: levels and a grid as told, delays, frames, and the processor's control
-// word.
-#include "engine/real_time_detector.h"
-
+// What theory says of the detector: frames on spectra set by hand, delays, levels and the grid.
 #include <gtest/gtest.h>
 
 #include <cfenv>
+#include <initializer_list>
+#include <map>
+#include <string>
 
+#include "engine/real_time_detector.h"
 #include "tests/engine/detector_state.h"
 #include "tests/engine/signals.h"
 
 namespace {
 
-class FrameCounter : public INoteHandler {
-public:
-    void Attach(INoteDetector*) override {}
-    void OnFrame() override { ++frames; }
-    int frames = 0;
+using Spectrum = std::map<int, float>;  // powers by band; 0 on all others
+
+void Frame(TRealTimeTS107& detector, const Spectrum& spectrum) {
+    for (int band = 0; band < detector.numBands; ++band) detector.energy[band] = 0;
+    for (const auto& [band, power] : spectrum) detector.energy[band] = power;
+    RunFrame(detector);
+}
+
+struct Frames : testing::Test {
+    Frames() { detector.SetTuningEnabled(false); }
+
+    // One frame per letter: 'p' a peak on `band`, '-' silence. Returns noteOn after each, '1' or '0'.
+    std::string Flags(const std::string& frames, int band = 45) {
+        std::string flags;
+        for (const char frame : frames) {
+            Frame(detector, frame == 'p' ? Spectrum{{band, 1.0F}} : Spectrum{});
+            flags += detector.noteOn[band] ? '1' : '0';
+        }
+        return flags;
+    }
+    // Checks that all other bands hold 0.
+    void ExpectNothingBut(std::initializer_list<int> bands) {
+        for (const int band : bands) detector.separated[band] = 0;
+        for (int band = 0; band < detector.numBands; ++band) EXPECT_EQ(detector.separated[band], 0) << band;
+    }
+    TRealTimeTS107 detector{44100, 45, 84};
 };
 
+// Powers of the default template's partials: 0.75^2, 0.5^2, 0.25^2.
+constexpr float A = 0.5625F, B = 0.25F, C = 0.0625F;
+
+Spectrum NoteOn(int band) {
+    return {{band, 1.0F}, {band + 12, A}, {band + 19, B}, {band + 24, C}};
+}
+
 }  // namespace
+
+TEST_F(Frames, ThreePeaksBeginANoteAndThreeGapsEndIt) {
+    EXPECT_EQ(Flags("ppp---"), "001110");
+    EXPECT_EQ(Flags("pp-ppp-"), "0000011");
+    EXPECT_EQ(Flags("-p--p---"), "11111110");  // on from above; two gaps at most, then three
+    EXPECT_EQ(Flags("p-p-pp-pp-"), "0000000000");
+}
+
+TEST_F(Frames, ANoteTakesItsPartialsWithIt) {
+    Frame(detector, NoteOn(30));
+    EXPECT_FLOAT_EQ(detector.levelCap[30], 1);
+    EXPECT_NEAR(detector.separated[30], 0.78, 0.005);
+    ExpectNothingBut({30});
+}
+
+// Two notes a fifth apart share band 49: the third partial of 30 and the second of 37.
+TEST_F(Frames, TwoNotesThatShareAPartialBothStand) {
+    Spectrum both = NoteOn(30);
+    for (const auto& [band, power] : NoteOn(37)) both[band] += power;
+    Frame(detector, both);
+    EXPECT_NEAR(detector.separated[30], 0.76, 0.005);
+    EXPECT_NEAR(detector.separated[37], 0.73, 0.005);
+    ExpectNothingBut({30, 37});
+}
 
 TEST(RealTimeDetector, DelayIsThreeFramesAnd10MsPlusTheBandsOwn) {
     TRealTimeTS107 detector(44100, 45, 84);
@@ -31,8 +84,12 @@ TEST(RealTimeDetector, DelayIsThreeFramesAnd10MsPlusTheBandsOwn) {
     EXPECT_FLOAT_EQ(detector.GetBaseDelay(), 220 * 1000.0F / 22050 * 3 + 10);
 }
 
-TEST(RealTimeDetector, HandlerIsToldOncePerFrameAndMayBeMissing) {
-    FrameCounter counter;
+TEST(RealTimeDetector, TheHandlerIsCalledOncePerFrameAndMayBeMissing) {
+    struct : INoteHandler {
+        void Attach(INoteDetector*) override {}
+        void OnFrame() override { ++frames; }
+        int frames = 0;
+    } counter;
     TRealTimeTS107 detector(44100, 45, 84);
     Play(detector, Audio(1323, 100));  // three frames
     detector.handler = &counter;
