@@ -1,5 +1,4 @@
 #pragma once
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <atomic>

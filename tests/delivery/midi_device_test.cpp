@@ -1,5 +1,6 @@
-// The device list, what the promise MID-5 leaves out of the ports, and the output on top of them, on a layer
-// of fake devices.
+// The device list, the ports and the output on top of them, on devices of the tests' own, and over JACK.
+#include <atomic>
+#include <future>
 #include <memory>
 #include <stdexcept>
 
@@ -7,12 +8,12 @@
 #include "delivery/midi_ports.h"
 #include "delivery/rt_midi_out.h"
 #include "tests/delivery/fakes.h"
-#include "tests/delivery/midi_device_layer.h"
+#include "tests/platform/jack_server.h"
+#include "tests/support/devices.h"
 
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
+using Lines = FakeDevices::Calls;
 
 constexpr std::uint32_t Word(std::uint32_t status, std::uint32_t data1, std::uint32_t data2) {
     return status | data1 << 8 | data2 << 16;
@@ -33,13 +34,12 @@ TEST_F(DeviceList, NamesComeByIndex) {
 }
 
 TEST_F(DeviceList, AMapperStandsInFrontOfTheDevicesUpToVersion61) {
-    struct Row {
+    const struct {
         SystemVersion version;
         bool mapper;
-    };
-    for (const Row& row :
-         {Row{{5, 9}, true}, {{6, 1}, true}, {{6, 2}, false}, {{7, 0}, false}, {{10, 0}, false}}) {
-        FakeLayer other;
+    } rows[] = {{{5, 9}, true}, {{6, 1}, true}, {{6, 2}, false}, {{7, 0}, false}, {{10, 0}, false}};
+    for (const auto& row : rows) {
+        FakeDevices other;
         other.version = row.version;
         SubstituteMidiOut(&other);
         EXPECT_EQ(MapperIsGone(), !row.mapper);
@@ -99,7 +99,7 @@ TEST_F(Ports, TheProcesssOneTableTakesEveryCall) {
     EXPECT_EQ(SendLong(port, {bytes, 3}), MMSYSERR_NOERROR);
     EXPECT_EQ(SendShort(port, Word(0x93, 60, 100)), MMSYSERR_NOERROR);
     SilencePort(port);
-    EXPECT_THAT(layer.Taken(), ElementsAre("open 2", "long 1 3", "send 1 93 3c 64", "send 1 83 3c 00"));
+    EXPECT_EQ(layer.Taken(), (Lines{"open 2", "long 1 3", "send 1 93 3c 64", "send 1 83 3c 00"}));
     ResetPort(port);
     EXPECT_EQ(layer.Taken().size(), 33U);  // 16 channels, twice, and the device's own
     ClosePort(port);
@@ -113,7 +113,7 @@ TEST_F(Ports, ProgramChangesCanBeDropped) {
     table.ignoreProgramChange = true;
     EXPECT_EQ(table.SendShort(port, Word(0xC5, 8, 0)), MMSYSERR_NOERROR);
     table.SendShort(port, Word(0xB5, 7, 0));
-    EXPECT_THAT(layer.Taken(), ElementsAre("open 0", "send 1 c5 07 00", "send 1 b5 07 00"));
+    EXPECT_EQ(layer.Taken(), (Lines{"open 0", "send 1 c5 07 00", "send 1 b5 07 00"}));
 }
 
 TEST_F(Ports, ALayerThatThrowsIsAFailureLikeAnyOther) {
@@ -122,13 +122,77 @@ TEST_F(Ports, ALayerThatThrowsIsAFailureLikeAnyOther) {
     const auto fail = [](const std::string&) { throw std::logic_error("a layer's fault"); };
     layer.during = fail;
     EXPECT_EQ(table.OpenPort(port, 0), MMSYSERR_ERROR);
-    layer.during = [](const std::string&) {};
+    layer.during = nullptr;
     ASSERT_EQ(table.OpenPort(port, 0), MMSYSERR_NOERROR);
     layer.during = fail;
     EXPECT_EQ(table.SendShort(port, Word(0x90, 60, 1)), MMSYSERR_ERROR);
-    layer.during = [](const std::string&) {};
+    layer.during = nullptr;
     table.ClosePort(port);
-    EXPECT_THAT(layer.Taken(), ElementsAre("open 0", "open 0", "send 1 90 3c 01", "close 1"));
+    EXPECT_EQ(layer.Taken(), (Lines{"open 0", "open 0", "send 1 90 3c 01", "close 1"}));
+}
+
+constexpr std::uint32_t noteOn = 0x643C90;
+
+// While the layer is at one device, in any of its calls, another thread opens, uses and closes another
+// device.
+TEST_F(Ports, NothingIsLockedWhileTheLayerWorks) {
+    MidiPortTable table;
+    std::vector<std::string> met;
+    std::atomic<bool> inside{false};
+    layer.during = [&](const std::string& call) {
+        if (inside.exchange(true)) return;  // the other thread's own calls
+        met.push_back(call.substr(0, call.find(' ')));
+        std::async(std::launch::async, [&] {
+            std::uint32_t other = 0;
+            EXPECT_EQ(table.OpenPort(other, 2), MMSYSERR_NOERROR);
+            EXPECT_EQ(table.SendShort(other, 0x3C80), MMSYSERR_NOERROR);
+            table.ClosePort(other);
+        }).get();
+        inside = false;
+    };
+    std::uint32_t port = 0;
+    EXPECT_EQ(table.OpenPort(port, 0), MMSYSERR_NOERROR);
+    EXPECT_EQ(table.SendShort(port, noteOn), MMSYSERR_NOERROR);
+    table.ClosePort(port);
+    EXPECT_EQ(met, (Lines{"open", "send", "send", "close"}));  // the note off in between
+}
+
+// Two threads want the device that is just being opened, or closed: one of them opens it, both have it.
+TEST_F(Ports, ADeviceInTheMiddleOfAChangeIsAwaited) {
+    layer.keepsLines = false;
+    MidiPortTable table;
+    for (int round = 0; round < 300; ++round) {
+        std::uint32_t mine = 0, theirs = 0;
+        auto other = std::async(std::launch::async, [&] {
+            const std::uint32_t result = table.OpenPort(theirs, 2);
+            table.ClosePort(theirs);
+            return result;
+        });
+        EXPECT_EQ(table.OpenPort(mine, 2), MMSYSERR_NOERROR);
+        EXPECT_EQ(table.SendShort(mine, noteOn), MMSYSERR_NOERROR);
+        EXPECT_EQ(other.get(), MMSYSERR_NOERROR);
+        table.ClosePort(mine);
+    }
+    EXPECT_EQ(layer.faults + layer.stale, 0);
+}
+
+// An unload waits for the device that another thread is opening, and gives that back too.
+TEST_F(Ports, AnUnloadMeetsAnOpenHalfWay) {
+    MidiPortTable table;
+    std::future<void> unloaded;
+    layer.during = [&](const std::string& call) {
+        if (call == "open 1") {
+            unloaded = std::async(std::launch::async, [&] { table.Unload(); });
+            std::uint32_t refused = 0;
+            while (table.OpenPort(refused, 0) == MMSYSERR_NOERROR)
+                table.ClosePort(refused);  // until it is closed
+        }
+    };
+    std::uint32_t port = 0;
+    table.OpenPort(port, 1);
+    unloaded.get();
+    EXPECT_EQ(layer.OpenCount(), 0);
+    EXPECT_EQ(table.SendShort(port, noteOn), MMSYSERR_ERROR);
 }
 
 // A recorder's notes reach the device as the words of its tables.
@@ -136,7 +200,7 @@ class DeviceOut : public RecorderTest {
 protected:
     DeviceOut() { SubstituteMidiOut(&layer); }
     ~DeviceOut() override { SubstituteMidiOut(nullptr); }
-    FakeLayer layer;
+    FakeDevices layer;
 };
 
 TEST_F(DeviceOut, PlaysTheBandsThatHaveANote) {
@@ -147,15 +211,68 @@ TEST_F(DeviceOut, PlaysTheBandsThatHaveANote) {
     out->Start();
     Frame({0, 23, 24, 60});
     Frame({23});
-    EXPECT_THAT(layer.Taken(),
-                ElementsAre("open 1", "send 1 90 68 64", "send 1 90 7f 64", "send 1 80 68 00"));
+    EXPECT_EQ(layer.Taken(), (Lines{"open 1", "send 1 90 68 64", "send 1 90 7f 64", "send 1 80 68 00"}));
     recorder.Broadcast(Word(0xC0, 5, 0));
     out->Stop();
     recorder.RemoveOutput(out.get());
-    EXPECT_THAT(layer.Taken(), ElementsAre("send 1 c0 05 00", "send 1 80 7f 00"));
+    EXPECT_EQ(layer.Taken(), (Lines{"send 1 c0 05 00", "send 1 80 7f 00"}));
     out->NoteOn(23);  // detached
     out.reset();
-    EXPECT_THAT(layer.Taken(), ElementsAre("close 1"));
+    EXPECT_EQ(layer.Taken(), (Lines{"close 1"}));
+}
+
+// One instance of the plug-in, as far as its notes go.
+struct Instance {
+    explicit Instance(std::uint32_t device) {
+        recorder.Attach(&detector);
+        recorder.Activate(0);
+        recorder.sendProgramChange = false;
+        out = std::make_unique<TRTMidiOut>(device);
+        recorder.AddOutput(out.get());
+        out->Start();
+    }
+    ~Instance() {
+        out->Stop();
+        recorder.RemoveOutput(out.get());
+    }
+    Instance(const Instance&) = delete;
+    Instance& operator=(const Instance&) = delete;
+
+    void Frame(int band, bool on) {
+        detector.Set(band, on);
+        recorder.OnFrame();
+    }
+
+    FakeDetector detector;
+    TNoteRecorder recorder;
+    std::unique_ptr<TRTMidiOut> out;
+};
+
+TEST(DeviceOverJack, TwoInstancesShareADeviceUntilItsServerDies) {
+    JackServer server;
+    JackReceiver receiver("synth");
+    ReadMidiOutDevices();
+    const std::uint32_t device = FindMidiOutDevice("synth:in");
+    ASSERT_EQ(MidiOutDeviceName(device), "synth:in");
+    auto one = std::make_unique<Instance>(device);
+    auto two = std::make_unique<Instance>(device);
+    EXPECT_EQ(receiver.Senders(), Lines{"ORVA Audio To MIDI:out"});  // one client for both
+    two->recorder.ChangeChannel(3);
+    one->Frame(45, true);
+    two->Frame(50, true);
+    two->Frame(50, false);
+    one.reset();  // its Stop ends its note; the device stays
+    // The program of the new channel; bands 45 and 50 are notes 69 and 74.
+    const std::vector<std::uint32_t> expected = {0x0000C3, 0x644590, 0x644A93, 0x004A83, 0x004580};
+    ASSERT_TRUE(receiver.Await(expected.size()));
+    for (std::size_t i = 0; i < expected.size(); ++i) EXPECT_EQ(receiver.At(i), expected[i]) << i;
+
+    server.Die();
+    for (int frame = 0; frame < 10000; ++frame) two->Frame(50, frame % 2 == 0);  // goes on, silently
+    EXPECT_EQ(SendShort(two->out->port, 0x643C90), MMSYSERR_ERROR);
+    EXPECT_THROW(TRTMidiOut{device + 1}, std::runtime_error);
+    two.reset();
+    EXPECT_THROW(TRTMidiOut{device}, std::runtime_error);
 }
 
 }  // namespace

@@ -10,8 +10,6 @@
 
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
 using Recorder = RecorderTest;
 
 TEST_F(Recorder, BandsBecomeMessagesOnTheSemitoneGrid) {
@@ -127,7 +125,7 @@ TEST_F(Recorder, TakesItsOutputsWithItWithoutAWord) {
     Taken();
     dying.reset();
     EXPECT_EQ(deaths, 2);
-    EXPECT_THAT(Taken(), IsEmpty());  // although each stops itself in its destructor
+    EXPECT_TRUE(Taken().empty());  // although each stops itself in its destructor
 }
 
 // A change leaves alone what does not differ; a setter ends the notes and speaks in any case.
@@ -171,27 +169,13 @@ TEST_F(Recorder, TheFirstNoteOfAllStartsWhatWaitsForIt) {
     EXPECT_FALSE(waits->running);
     Taken();
     Frame({50});
-    EXPECT_THAT(Taken(), ElementsAre("w+50", "w+50", "a+50"));
+    EXPECT_EQ(Taken(), (Log{"w+50", "w+50", "a+50"}));
     waits->Stop();
     Frame({50, 51});
     EXPECT_FALSE(waits->running);  // not the first any more
     recorder.SetStartOnFirstNote(true);
     Frame({50, 51});
     EXPECT_TRUE(waits->running);
-}
-
-TEST_F(Recorder, FramesCountOnlyWhileItIsActive) {
-    FakeOut* const out = Add('a');
-    out->Start();
-    recorder.Deactivate();
-    Frame({45});
-    out->Stop(), out->Start();
-    EXPECT_EQ(recorder.GetTime(), 0);
-    EXPECT_THAT(Taken(), IsEmpty());
-    recorder.Activate(7);
-    recorder.OnFrame();
-    EXPECT_EQ(recorder.GetTime(), 441);
-    EXPECT_THAT(Taken(), ElementsAre("a+45"));
 }
 
 // While the recorder is active its lock may be held for a whole frame, and a setting must not wait for that;
@@ -216,34 +200,49 @@ TEST_F(Recorder, ChangesWhileActiveAndStartsWhileInactiveTakeNoLock) {
     EXPECT_EQ(recorder.velocity, 3);
 }
 
-// Counts without any protection of its own: only the recorder's lock keeps its two threads apart.
-class CountingOut : public TmtNoteOut {
-public:
-    void NoteOn(std::int32_t) override { ++count; }
-    void NoteOff(std::int32_t) override { ++count; }
-    long count = 0;
+// An output to a fake host. At 44100 Hz the fake detector's 40 ms are 1764 samples.
+class VstMidiOut : public RecorderTest {
+protected:
+    VstMidiOut() : out(new TVSTMIDIOut(&effect)) { recorder.AddOutput(out); }
+    // Where a note of band 45 lands with these clocks.
+    std::int32_t NoteAt(std::int64_t time, std::uint64_t total) {
+        recorder.SetTime(time);
+        effect.total = total;
+        out->NoteOn(45);
+        out->NoteOff(45);
+        const std::vector<VstMidiEvent> sent = effect.Taken();
+        EXPECT_EQ(sent.size(), 2U);
+        EXPECT_EQ(sent[0].deltaFrames, sent[1].deltaFrames);
+        return sent[0].deltaFrames;
+    }
+
+    FakeEffect effect;
+    TVSTMIDIOut* out;  // the recorder's
 };
 
-// Holds in any build; the thread sanitizer says the rest.
-TEST_F(Recorder, OutputsComeAndGoBesideFrames) {
-    std::atomic<bool> done{false};
-    std::thread audio([&] {
-        for (int frame = 0; frame < 1000 || !done; ++frame) {
-            detector.Set(45, frame % 2 == 0);
-            recorder.OnFrame();
-        }
-    });
-    for (int i = 0; i < 300; ++i) {
-        auto out = std::make_unique<CountingOut>();
-        recorder.AddOutput(out.get());
-        out->Start();
-        out->Stop();
-        recorder.RemoveOutput(out.get());
-        while (!recorder.OutputsAreQuiet()) std::this_thread::yield();
-        EXPECT_FALSE(out->running);
+TEST_F(VstMidiOut, ANoteIsDatedBackToWhereItBeganInTheSound) {
+    EXPECT_EQ(NoteAt(441, 0), 441 - 1764);  // the first frame of a block: before the block
+    EXPECT_EQ(NoteAt(50000, 48000), 2000 - 1764);
+    detector.delay = 0;
+    EXPECT_EQ(NoteAt(441, 441), 0);
+}
+
+TEST_F(VstMidiOut, TheDateIsRightPastTheEdgesOf32BitsAndWrapsItself) {
+    for (const std::int64_t edge : {std::int64_t{1} << 31, std::int64_t{1} << 32, std::int64_t{1} << 33}) {
+        const auto total = static_cast<std::uint64_t>(edge);
+        EXPECT_EQ(NoteAt(edge + 300, total - 200), 500 - 1764);
+        EXPECT_EQ(NoteAt(edge - 300, total + 200), -500 - 1764);
     }
-    done = true;
-    audio.join();
+    constexpr std::int64_t lowest = std::numeric_limits<std::int32_t>::min();
+    EXPECT_EQ(NoteAt((std::int64_t{1} << 31) + 1764, 0), lowest);
+    EXPECT_EQ(NoteAt(lowest + 1763, 0), std::numeric_limits<std::int32_t>::max());  // one below the lowest
+}
+
+TEST_F(VstMidiOut, TheHostThatNeedsItGetsOffsetsInsideTheBlock) {
+    effect.ableton = true;
+    EXPECT_EQ(NoteAt(441, 0), 441);
+    EXPECT_EQ(NoteAt(441, 500), 0);
+    EXPECT_EQ(NoteAt(0, std::uint64_t{1} << 31), 0);  // the lowest of all
 }
 
 }  // namespace

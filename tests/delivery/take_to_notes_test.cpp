@@ -1,4 +1,3 @@
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -11,9 +10,6 @@
 #include "notes/notes.h"
 
 namespace {
-
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 using Take = std::vector<TRecordEvent>;
 constexpr std::uint32_t tickRate = 22050;  // Hz; at this rate a sample is a tick
@@ -34,10 +30,11 @@ Written N(std::uint32_t begin, std::uint32_t end, int pitch = 45, int level = -6
           int layer = 1, int channel = 1) {
     return {begin, end, pitch, level, program, layer, channel};
 }
-std::vector<Written> Notes(const Take& take, std::uint32_t layers = 1, std::uint32_t rate = tickRate) {
+using Score = std::vector<Written>;
+Score Notes(const Take& take, std::uint32_t layers = 1, std::uint32_t rate = tickRate) {
     const auto score = std::make_unique<TNotes>();
     TakeToNotes(take, *score, layers, rate);
-    std::vector<Written> result;
+    Score result;
     for (const TNote* note : score->notes)
         result.push_back(N(note->GetBegin(), note->GetEnd(), note->pitch, note->level, note->program,
                            note->layer, note->channel));
@@ -47,25 +44,25 @@ std::vector<Written> Notes(const Take& take, std::uint32_t layers = 1, std::uint
 TEST(TakeToNotes, CountsTicksOfTheSameLengthAtEveryRate) {
     for (const unsigned rate : {8000U, 11025U, 22050U, 44100U, 48000U, 96000U, 192000U}) {
         const std::int64_t hour = 3600LL * rate;  // 3600 x 22050 = 79380000 ticks
-        EXPECT_THAT(Notes({On(0, 69), Off(hour, 69)}, 1, rate), ElementsAre(N(0, 79380000)));
+        EXPECT_EQ(Notes({On(0, 69), Off(hour, 69)}, 1, rate), (Score{N(0, 79380000)}));
         // a sample earlier: 22050 / rate ticks less, cut down
-        EXPECT_THAT(Notes({On(hour - 1, 69), Off(hour * 10, 69)}, 1, rate),
-                    ElementsAre(N(79379999 - tickRate / (rate + 1), 793800000)));
+        EXPECT_EQ(Notes({On(hour - 1, 69), Off(hour * 10, 69)}, 1, rate),
+                  (Score{N(79379999 - tickRate / (rate + 1), 793800000)}));
     }
-    EXPECT_THAT(Notes({On(0, 69), Off(10, 69)}, 1, 0), IsEmpty());
+    EXPECT_TRUE(Notes({On(0, 69), Off(10, 69)}, 1, 0).empty());
     // 2^32 ticks are 54 hours; a note across that line has an end before its begin, and is one tick long.
     const std::int64_t line = std::int64_t{1} << 32;
-    EXPECT_THAT(Notes({On(line + 5, 69), Off(line + 9, 69)}), ElementsAre(N(5, 9)));
-    EXPECT_THAT(Notes({On(line - 9, 69), Off(line + 5, 69)}), ElementsAre(N(4294967287, 4294967288)));
+    EXPECT_EQ(Notes({On(line + 5, 69), Off(line + 9, 69)}), (Score{N(5, 9)}));
+    EXPECT_EQ(Notes({On(line - 9, 69), Off(line + 5, 69)}), (Score{N(4294967287, 4294967288)}));
 }
 
 TEST(TakeToNotes, PairsEventsByNoteAndChannel) {
     const Take take = {Off(5, 69),      On(10, 69),      On(20, 69),     On(25, 69, 100, 15),
                        Off(30, 69),     Off(40, 69),     On(50, 69),     On(60, 70),
                        Off(45, 69, 15), {61, 0x45B0, 0}, {62, 0x45E0, 0}};
-    EXPECT_THAT(Notes(take), ElementsAre(N(10, 20), N(20, 30), N(25, 45, 45, -624, 0, 1, 16)));
-    EXPECT_THAT(Notes({}), IsEmpty());
-    EXPECT_THAT(Notes({Program(0, 5), Off(3, 69), Program(9, 6)}), IsEmpty());
+    EXPECT_EQ(Notes(take), (Score{N(10, 20), N(20, 30), N(25, 45, 45, -624, 0, 1, 16)}));
+    EXPECT_TRUE(Notes({}).empty());
+    EXPECT_TRUE(Notes({Program(0, 5), Off(3, 69), Program(9, 6)}).empty());
 }
 
 TEST(TakeToNotes, PitchIsTheNoteLess24AndLevelFollowsTheVelocity) {
@@ -75,8 +72,8 @@ TEST(TakeToNotes, PitchIsTheNoteLess24AndLevelFollowsTheVelocity) {
     } rows[] = {{24, 127, 0, 0},    {127, 100, 103, -624}, {23, 64, 255, -1455},
                 {0, 1, 232, -2911}, {60, 0, 36, -2934},    {0x80 + 69, 0x80 + 100, 45, -624}};
     for (const auto& row : rows)
-        EXPECT_THAT(Notes({On(1, row.note, row.velocity), Off(2, row.note)}),
-                    ElementsAre(N(1, 2, row.pitch, row.level)));
+        EXPECT_EQ(Notes({On(1, row.note, row.velocity), Off(2, row.note)}),
+                  (Score{N(1, 2, row.pitch, row.level)}));
 }
 
 TEST(TakeToNotes, ANoteHasTheProgramOfItsChannelAtItsBegin) {
@@ -84,8 +81,8 @@ TEST(TakeToNotes, ANoteHasTheProgramOfItsChannelAtItsBegin) {
                  Off(30, 69),   Off(40, 69, 1),      On(50, 69), Off(60, 69)};
     std::minstd_rand random(1);
     for (int order = 0; order < 20; ++order) {  // the take's own order says nothing
-        EXPECT_THAT(Notes(take), ElementsAre(N(10, 30, 45, -624, 3), N(20, 40, 45, -624, 4, 1, 2),
-                                             N(50, 60, 45, -624, 7)));
+        EXPECT_EQ(Notes(take),
+                  (Score{N(10, 30, 45, -624, 3), N(20, 40, 45, -624, 4, 1, 2), N(50, 60, 45, -624, 7)}));
         std::shuffle(take.begin(), take.end(), random);
     }
 }
@@ -97,7 +94,7 @@ TEST(TakeToNotes, AtOneSampleOfChannel1ProgramGoesBeforeOnAndOnBeforeOff) {
     do {
         Take take = {On(100, 69)};
         for (const int at : order) take.push_back(same[static_cast<std::size_t>(at)]);
-        EXPECT_THAT(Notes(take), ElementsAre(N(100, 500), N(500, 501, 45, -624, 9)));
+        EXPECT_EQ(Notes(take), (Score{N(100, 500), N(500, 501, 45, -624, 9)}));
     } while (std::next_permutation(order.begin(), order.end()));
 }
 
