@@ -30,6 +30,7 @@ protected:
     void PumpEvents();         // one round of the toolkit's event loop, and what it made dirty
     void FinishOpenedMenus();  // a menu that is down keeps its frame alive until it has gone
     std::uint32_t HostWindow() const { return holder ? holder->TopLevel() : 0; }  // 0 while closed
+    bool OwnWindowsOf(std::uint32_t process) const { return holder && holder->Own(process); }
 
     ERect rect;
 

@@ -276,12 +276,24 @@ void guiEditor::AskForFile(const FileDialogRequest& request,
 
 void guiEditor::PollFileDialog() {
     const FileDialog::State state = fileDialog.Poll();
+    if (state == FileDialog::State::running) OwnFileDialog();
     if (state == FileDialog::State::idle || state == FileDialog::State::running) return;
     const std::string path = fileDialog.Path();
     const auto call = std::exchange(fileChosen, nullptr);
     fileDialog.End();
     if (state == FileDialog::State::chosen) call(path);
     if (state == FileDialog::State::failed) ShowMessage("The file dialog could not be shown.", "Error");
+}
+
+// zenity's file dialog ignores the owner that it is given. Its window takes a while to come, if it is one of
+// this display at all.
+void guiEditor::OwnFileDialog() {
+    constexpr int mostAttempts = 300;  // idle calls, some 10 s
+    if (ownedDialog != fileDialog.Program()) attemptsToOwn = 0;
+    ownedDialog = fileDialog.Program();
+    if (attemptsToOwn >= mostAttempts) return;
+    ++attemptsToOwn;
+    if (OwnWindowsOf(static_cast<std::uint32_t>(ownedDialog))) attemptsToOwn = mostAttempts;
 }
 
 void guiEditor::OpenWebPage(const std::string& address) {

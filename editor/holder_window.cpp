@@ -3,6 +3,8 @@
 #include <xcb/xcb.h>
 
 #include <cstdlib>
+#include <string_view>
+#include <vector>
 
 namespace {
 
@@ -13,12 +15,19 @@ struct Freed {
 template <typename Reply>
 using Owned = std::unique_ptr<Reply, Freed>;
 
-// The atom by which a window manager marks the windows that it knows; 0 where there has been none.
-xcb_atom_t StateAtom(xcb_connection_t* connection) {
-    constexpr char name[] = "WM_STATE";
-    const Owned<xcb_intern_atom_reply_t> reply(
-        xcb_intern_atom_reply(connection, xcb_intern_atom(connection, 1, sizeof name - 1, name), nullptr));
+// 0 where nobody has made it.
+xcb_atom_t AtomOf(xcb_connection_t* connection, std::string_view name) {
+    const Owned<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
+        connection, xcb_intern_atom(connection, 1, static_cast<std::uint16_t>(name.size()), name.data()),
+        nullptr));
     return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
+}
+
+// The words of a reply to a question for a property.
+std::vector<std::uint32_t> WordsOf(const xcb_get_property_reply_t* reply) {
+    if (reply == nullptr || reply->format != 32) return {};
+    const auto* const words = static_cast<const std::uint32_t*>(xcb_get_property_value(reply));
+    return {words, words + xcb_get_property_value_length(reply) / 4};
 }
 
 bool HasProperty(xcb_connection_t* connection, xcb_window_t window, xcb_atom_t property) {
@@ -52,7 +61,7 @@ std::unique_ptr<HolderWindow> HolderWindow::Make(xcb_connection_t* connection, s
 }
 
 std::uint32_t HolderWindow::TopLevel() const {
-    const xcb_atom_t state = StateAtom(connection);
+    const xcb_atom_t state = AtomOf(connection, "WM_STATE");  // of the windows that a manager knows
     for (xcb_window_t window = id;;) {
         const Owned<xcb_query_tree_reply_t> tree(
             xcb_query_tree_reply(connection, xcb_query_tree(connection, window), nullptr));
@@ -60,6 +69,31 @@ std::uint32_t HolderWindow::TopLevel() const {
         if (tree->parent == tree->root || HasProperty(connection, window, state)) return window;
         window = tree->parent;
     }
+}
+
+bool HolderWindow::Own(std::uint32_t process) const {
+    constexpr std::uint32_t most = 1024;  // windows that are looked at
+    const xcb_atom_t list = AtomOf(connection, "_NET_CLIENT_LIST"), pid = AtomOf(connection, "_NET_WM_PID");
+    if (list == XCB_ATOM_NONE || pid == XCB_ATOM_NONE) return false;
+    const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
+    const Owned<xcb_get_property_reply_t> clients(xcb_get_property_reply(
+        connection, xcb_get_property(connection, 0, root, list, XCB_ATOM_WINDOW, 0, most), nullptr));
+    const std::vector<xcb_window_t> windows = WordsOf(clients.get());
+    std::vector<xcb_get_property_cookie_t> asked;  // all at once, and then the answers
+    asked.reserve(windows.size());
+    for (const xcb_window_t window : windows)
+        asked.push_back(xcb_get_property(connection, 0, window, pid, XCB_ATOM_CARDINAL, 0, 1));
+    const std::uint32_t owner = TopLevel();
+    bool found = false;
+    for (std::size_t i = 0; i < windows.size(); ++i) {
+        const Owned<xcb_get_property_reply_t> reply(xcb_get_property_reply(connection, asked[i], nullptr));
+        if (owner == 0 || WordsOf(reply.get()) != std::vector<std::uint32_t>{process}) continue;
+        xcb_change_property(connection, XCB_PROP_MODE_REPLACE, windows[i], XCB_ATOM_WM_TRANSIENT_FOR,
+                            XCB_ATOM_WINDOW, 32, 1, &owner);
+        found = true;
+    }
+    xcb_flush(connection);
+    return found;
 }
 
 HolderWindow::~HolderWindow() {

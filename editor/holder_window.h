@@ -23,6 +23,9 @@ public:
     // The host's window around ours, as the window manager knows it, or the outermost one; 0 where it is
     // gone.
     std::uint32_t TopLevel() const;
+    // Puts the windows of a process above that one, as window managers take it: for a program that does not
+    // take its owner's number. False while it has none.
+    bool Own(std::uint32_t process) const;
 
 private:
     HolderWindow(xcb_connection_t* itsConnection, std::uint32_t itsId)

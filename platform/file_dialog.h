@@ -46,6 +46,7 @@ public:
     void End();    // back to idle
 
     const std::string& Path() const { return path; }  // of a state `chosen`
+    pid_t Program() const { return program; }         // of the state `running`, else -1
 
     // At most that much of what the program writes is kept; no path is longer.
     static constexpr std::size_t answerRoom = 8192;  // bytes
