@@ -18,8 +18,7 @@ struct Automation {
     float value;
 };
 
-// What a host sees of the plug-in and its editor: a window of its own, the host calls, and the changes that
-// the plug-in tells it.
+// What a host sees of the plug-in and its editor: a window, the host calls, and the changes that it reports.
 class EditorHost : public ParentWindow {
 public:
     EditorHost() : plugin(&Callback, &MakeGuiEditor) {
@@ -87,7 +86,7 @@ public:
         return p.empty() ? 0U : std::uint32_t{p[2]} << 16 | std::uint32_t{p[1]} << 8 | p[0];
     }
 
-    // The values that the host was told of a parameter, oldest first.
+    // The values of a parameter that the plug-in reported, oldest first.
     std::vector<float> ToldOf(std::int32_t index) const {
         std::vector<float> values;
         for (const Automation& each : automated)

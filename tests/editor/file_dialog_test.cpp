@@ -11,80 +11,71 @@ namespace {
 
 using State = FileDialog::State;
 
-const FileDialogRequest midiFile = {"Select MIDI file", "MIDI Files (*.mid)", "mid", "midi_output.mid"};
-
 class FileDialogTest : public testing::Test {
 protected:
     FileDialogTest() { folder.BecomePath(false); }
     ~FileDialogTest() override { setenv("PATH", "/usr/local/bin:/usr/bin:/bin", 1); }
 
-    State Answer() {
+    // Runs a script in the place of the program, to its answer.
+    State Answer(const std::string& program, const std::string& script,
+                 const char* title = "Select MIDI file") {
+        folder.Program(program, script);
+        EXPECT_TRUE(dialog.Start({title, "MIDI Files (*.mid)", "mid", "midi_output.mid"}));
         AwaitThat([this] { return dialog.Poll() != State::running; });
         return dialog.Poll();
     }
-
     TempFolder folder;
     FileDialog dialog;
 };
 
-}  // namespace
-
-TEST_F(FileDialogTest, GivesEachArgumentAsItIs) {
-    folder.Program("zenity", "printf '%s\\n' \"$#\" \"$@\" > " + (folder / "told") + "; echo /music/a.mid");
-    ASSERT_TRUE(dialog.Start({"Take; $(touch x) \"1\"", "MIDI Files (*.mid)", "mid", "midi_output.mid"}));
-    EXPECT_EQ(Answer(), State::chosen);
+TEST_F(FileDialogTest, GivesEachArgumentAsItIsToTheInstalledProgram) {
+    EXPECT_FALSE(dialog.Start({"title", "filter", "mid", ""}));  // there is none
+    EXPECT_EQ(dialog.Poll(), State::failed);
+    const std::string keep = "printf '%s\\n' \"$@\" > " + (folder / "words") + "; echo /music/a.mid";
+    EXPECT_EQ(Answer("kdialog", keep), State::chosen);
     EXPECT_EQ(dialog.Path(), "/music/a.mid");
-    EXPECT_EQ(ReadAll(folder / "told"),
-              "6\n--file-selection\n--save\n--confirm-overwrite\n--title=Take; $(touch x) \"1\"\n"
+    EXPECT_EQ(ReadAll(folder / "words"),
+              "--title\nSelect MIDI file\n--getsavefilename\nmidi_output.mid\nMIDI Files (*.mid)\n");
+    EXPECT_EQ(Answer("zenity", keep, "Take; $(touch x) \"1\""), State::chosen);
+    EXPECT_EQ(ReadAll(folder / "words"),
+              "--file-selection\n--save\n--confirm-overwrite\n--title=Take; $(touch x) \"1\"\n"
               "--filename=midi_output.mid\n--file-filter=MIDI Files (*.mid) | *.mid\n");
 }
 
-TEST_F(FileDialogTest, TakesTheOtherProgramWhereItIsTheOnlyOne) {
-    folder.Program("kdialog", "printf '%s\\n' \"$@\" > " + (folder / "told") + "; echo /music/a.mid");
-    ASSERT_TRUE(dialog.Start(midiFile));
-    EXPECT_EQ(Answer(), State::chosen);
-    EXPECT_EQ(ReadAll(folder / "told"),
-              "--title\nSelect MIDI file\n--getsavefilename\nmidi_output.mid\nMIDI Files (*.mid)\n");
-}
-
-TEST_F(FileDialogTest, TellsAChoiceFromACancelAndAFailure) {
+TEST_F(FileDialogTest, DistinguishesAChoiceFromACancelAndAFailure) {
     const struct {
         const char* script;
         State state;
-        const char* path;  // where one is chosen
+        std::string path;  // where one is chosen
     } answers[] = {
         {"echo /home/me.too/take", State::chosen, "/home/me.too/take.mid"},  // gets the extension asked for
+        {"echo /home/.take", State::chosen, "/home/.take.mid"},              // a dot in front begins none
         {"printf '/a\\nb \"c\".mid\\n'", State::chosen,
          "/a\nb \"c\".mid"},  // the last line break is not its own
         {"exit 1", State::cancelled, ""},
         {"exit 255", State::failed, ""},
         {"kill -SEGV $$", State::failed, ""},
+        {"/usr/bin/head -c 1048576 /dev/zero | /usr/bin/tr '\\0' x", State::chosen,
+         std::string(FileDialog::answerRoom, 'x') + ".mid"},  // a flood is read and forgotten
     };
     for (const auto& [script, state, path] : answers) {
-        folder.Program("zenity", script);
-        ASSERT_TRUE(dialog.Start(midiFile));
-        ASSERT_EQ(Answer(), state) << script;
+        ASSERT_EQ(Answer("zenity", script), state) << script;
         EXPECT_EQ(state == State::chosen ? dialog.Path() : "", path);
     }
 }
 
-TEST_F(FileDialogTest, WithoutAProgramThereIsNoDialog) {
-    EXPECT_FALSE(dialog.Start(midiFile));
-    EXPECT_EQ(dialog.Poll(), State::failed);
-}
+// The program inherits nothing but the standard files, and it and what it started are gone when the dialog
+// is.
+TEST_F(FileDialogTest, LeavesNothingOfOursToTheProgramAndNoProcessBehind) {
+    const int kept = open("/dev/null", O_RDONLY);  // without close-on-exec, as a careless host opens files
+    const std::string count = folder / "count";
+    Answer("zenity", "/bin/ls /proc/self/fd | /usr/bin/wc -l > " + count + "; echo a.mid");
+    close(kept);
+    EXPECT_EQ(std::stoi(ReadAll(count)), 4);  // 0, 1, 2, and the folder that ls reads
 
-TEST_F(FileDialogTest, AFloodOfOutputIsReadAndForgotten) {
-    folder.Program("zenity", "/usr/bin/head -c 1048576 /dev/zero | /usr/bin/tr '\\0' x");
-    ASSERT_TRUE(dialog.Start(midiFile));
-    EXPECT_EQ(Answer(), State::chosen);
-    EXPECT_EQ(dialog.Path().size(), FileDialog::answerRoom + 4);  // what was kept, and ".mid"
-}
-
-// The program and what it started are gone when the dialog is: the pid that it wrote down names nobody.
-TEST_F(FileDialogTest, EndingItLeavesNoProcess) {
     folder.Program("zenity",
                    "cd " + folder.path.string() + "; /bin/sleep 1000 & echo $! > new; /bin/mv new pid; wait");
-    ASSERT_TRUE(dialog.Start(midiFile));
+    ASSERT_TRUE(dialog.Start({"title", "filter", "mid", ""}));
     ASSERT_TRUE(AwaitThat([this] { return folder.Has("pid"); }));
     const std::string sleeper = "/proc/" + std::to_string(std::stoi(ReadAll(folder / "pid"))) + "/stat";
     ASSERT_NE(ReadAll(sleeper), "");
@@ -98,12 +89,4 @@ TEST_F(FileDialogTest, EndingItLeavesNoProcess) {
     EXPECT_EQ(dialog.Poll(), State::idle);
 }
 
-TEST_F(FileDialogTest, TheProgramInheritsNothingButTheStandardFiles) {
-    const int kept = open("/dev/null", O_RDONLY);  // without close-on-exec, as a careless host opens files
-    folder.Program("zenity",
-                   "/bin/ls /proc/self/fd | /usr/bin/wc -l > " + (folder / "count") + "; echo a.mid");
-    ASSERT_TRUE(dialog.Start(midiFile));
-    EXPECT_EQ(Answer(), State::chosen);
-    close(kept);
-    EXPECT_EQ(std::stoi(ReadAll(folder / "count")), 4);  // 0, 1, 2, and the folder that ls reads
-}
+}  // namespace

@@ -1,43 +1,23 @@
 #include <algorithm>
 #include <cmath>
+#include <functional>
+#include <thread>
 
 #include "editor/level_column.h"
 #include "tests/editor/editor_test.h"
 
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-
 class Window : public EditorTest {
 protected:
-    void Click(Place place) { host->Click(place.x, place.y); }
-    void PressAt(Place place) {
-        host->MoveTo(place.x, place.y);
-        host->Press();
+    bool IsDrawn() {
+        return host->Await([&] { return host->Pixel(45, 27) != host->screen->white_pixel; });
     }
-    std::vector<std::uint8_t> Page() { return host->Pixels(0, 0, 267, 320); }
 };
 
-}  // namespace
-
-TEST_F(Window, OutlivesItsDisplay) {
-    ASSERT_TRUE(host->Open());
-    host->Settle();
-    xcb_disconnect(host->connection);
-    server->End();
-    for (int i = 0; i < 10; ++i) host->Idle();
-    EXPECT_FALSE(host->Open());  // there is none
-    server->Start();
-    host->Connect();
-    ASSERT_TRUE(host->Open());
-    EXPECT_TRUE(host->Await([&] { return host->Pixel(45, 27) != host->screen->white_pixel; }));
-}
-
-TEST_F(Window, IsDrawnAgainWhenItsParentWasHiddenAndOfAnotherSize) {
-    ASSERT_TRUE(host->Open());
-    host->Settle();
-    const auto page = Page();
+TEST_F(Window, OutlivesItsDisplayAndTheWhimsOfItsParent) {
+    Open();
+    const Picture page = Page();
     for (const std::uint32_t size : {1U, 32767U, 400U}) {
         const std::uint32_t values[] = {size, size};
         xcb_configure_window(host->connection, host->parent,
@@ -48,105 +28,90 @@ TEST_F(Window, IsDrawnAgainWhenItsParentWasHiddenAndOfAnotherSize) {
         for (int i = 0; i < 5; ++i) host->Idle();
     }
     EXPECT_TRUE(host->Await([&] { return Page() == page; }));
+    xcb_disconnect(host->connection);
+    server->End();
+    for (int i = 0; i < 10; ++i) host->Idle();
+    EXPECT_FALSE(host->Open());  // there is no display
+    server->Start();
+    host->Connect();
+    ASSERT_TRUE(host->Open());
+    EXPECT_TRUE(IsDrawn());
 }
 
 TEST_F(Window, ClosesInTheMiddleOfAnythingAndTheNextOneIsAsGoodAsNew) {
-    const auto menuIsDown = [this] { Click({80, 242}); };
-    const auto messageIsUp = [this] { host->plugin.messages.Show("text", "Error"); };
-    const auto mouseHoldsSlider = [this] { PressAt({33, 100}); };
-    const auto mouseStrokesBars = [this] {
-        PressAt({60, 100});
-        host->MoveTo(120, 150);
-    };
+    const auto press = [this](int x, int y) { host->MoveTo(x, y), host->Press(); };
     const std::pair<float, std::function<void()>> states[] = {
-        {4, menuIsDown}, {2, messageIsUp}, {2, mouseHoldsSlider}, {3, mouseStrokesBars}};  // by page
+        {4, [&] { host->Click(80, 242); }},  // a menu is open
+        {2, [&] { host->plugin.messages.Show("text", "Error"); }},
+        {2, [&] { press(33, 100); }},                           // the mouse holds a slider
+        {3, [&] { press(60, 100), host->MoveTo(120, 150); }}};  // or strokes the bars
     for (const auto& [page, begin] : states) {
-        host->plugin.setParameter(92, page);
-        ASSERT_TRUE(host->Open());
-        host->Settle();
-        const std::uint32_t bare = host->Pixel(6, 318);
+        Open(page);
         begin();
         host->Settle();
         host->Call(effEditClose);
         host->Release();
         ASSERT_TRUE(host->Open());
         host->Settle();
-        EXPECT_EQ(host->Pixel(6, 318), bare) << "on page " << page;
+        EXPECT_FALSE(MessageIsUp()) << "on page " << page;
     }
 }
 
-TEST_F(Window, ShowsThePageThatWasChosenLast) {
-    ASSERT_TRUE(host->Open());
-    Click(optionsButton);
-    EXPECT_TRUE(host->Await([&] { return !host->automated.empty(); }));
+TEST_F(Window, ShowsThePageThatUserOrHostChoseLastAndWhatOtherThreadsSet) {
+    Open();
+    const Picture mainPage = Page();
+    host->MoveTo(mainButton.x, mainButton.y);
     host->Settle();
-    const auto options = Page();
-    EXPECT_THAT(host->ToldOf(92), ElementsAre(4.0F));  // page 2 plus 2
-    host->Call(effEditClose);
-    ASSERT_TRUE(host->Open());
-    host->Settle();
-    EXPECT_EQ(Page(), options);
-}
-
-TEST_F(Window, ParametersChooseAPageByTwoMore) {
-    ASSERT_TRUE(host->Open());
-    host->Settle();
-    const auto mainPage = Page();
+    const Picture before = Page();
+    Click(mainButton);  // pressed while on, it stays on
+    EXPECT_EQ(Page(), before);
     const auto after = [this](float value) {
         host->plugin.setParameter(92, value);
         host->Idle();
         host->Settle();
         return Page();
     };
-    const auto about = after(5.0F);
+    host->MoveTo(300, 310);
+    const Picture about = after(5.0F);
     EXPECT_NE(about, mainPage);
     EXPECT_EQ(after(0.0F), about);   // minus 2 is no page
     EXPECT_EQ(after(6.0F), about);   // nor is 4
     EXPECT_EQ(after(1e30F), about);  // nor what no integer holds
     EXPECT_EQ(after(2.9F), mainPage);
-    EXPECT_THAT(host->automated, IsEmpty());
-}
+    EXPECT_TRUE(host->automated.empty());
 
-TEST_F(Window, APageButtonPressedWhileOnStaysOn) {
-    ASSERT_TRUE(host->Open());
-    host->MoveTo(mainButton.x, mainButton.y);
-    host->Settle();
-    const auto before = Page();
-    host->Press();
-    host->Release();
-    host->Settle();
-    EXPECT_EQ(Page(), before);
-    EXPECT_THAT(host->automated, IsEmpty());
-}
-
-TEST_F(Window, ShowsWhatOtherThreadsSetAndReadsItAnewWhenOpened) {
-    ASSERT_TRUE(host->Open());
-    host->Settle();
+    const auto reopened = [this] {
+        host->Call(effEditClose);
+        EXPECT_TRUE(host->Open());
+        host->Settle();
+        return Page();
+    };
     std::thread([&] { host->plugin.setParameter(0, 0.1F); }).join();
     host->Idle();
     host->Settle();
-    const auto shown = Page();
-    host->Call(effEditClose);
-    ASSERT_TRUE(host->Open());
-    host->Settle();
-    EXPECT_EQ(Page(), shown);
+    const Picture changed = Page();
+    EXPECT_NE(changed, mainPage);
+    EXPECT_EQ(reopened(), changed);
+    Click(optionsButton);
+    EXPECT_EQ(host->ToldOf(92), std::vector<float>{4.0F});  // page 2 plus 2
+    const Picture options = Page();
+    EXPECT_EQ(reopened(), options);
 }
 
 TEST_F(Window, TheChordStandsOnAPlateWhileChordsAreShown) {
-    ASSERT_TRUE(host->Open());
-    host->Settle();
-    const std::uint32_t ground = host->Pixel(chordPlate.x, chordPlate.y);
-    EXPECT_EQ(ground, 0x93BAD8U);  // the palette's first entry: 147, 186, 216
+    constexpr Place plate = {280, 60};  // where no letter reaches
+    Open();
+    EXPECT_EQ(host->Pixel(plate.x, plate.y), 0x93BAD8U);  // the palette's first entry: 147, 186, 216
     host->plugin.setParameter(93, 1.0F);
+    EXPECT_TRUE(host->Await([&] { return host->Pixel(plate.x, plate.y) != 0x93BAD8U; }));
     // White at 180 / 255 over it: 147 + 108 * 180 / 255 = 223, 186 + 49, 216 + 28; one more or less by
     // rounding.
-    EXPECT_TRUE(host->Await([&] { return host->Pixel(chordPlate.x, chordPlate.y) != ground; }));
-    const std::uint32_t plate = host->Pixel(chordPlate.x, chordPlate.y);
-    EXPECT_NEAR(plate >> 16, 223, 1);
-    EXPECT_NEAR(plate >> 8 & 255, 235, 1);
-    EXPECT_NEAR(plate & 255, 244, 1);
+    const std::uint32_t shown = host->Pixel(plate.x, plate.y);
+    EXPECT_NEAR(shown >> 16, 223, 1);
+    EXPECT_NEAR(shown >> 8 & 255, 235, 1);
+    EXPECT_NEAR(shown & 255, 244, 1);
     host->plugin.setParameter(93, 0.5F);  // exactly a half is off
-    EXPECT_TRUE(host->Await([&] { return host->Pixel(chordPlate.x, chordPlate.y) == ground; }));
+    EXPECT_TRUE(host->Await([&] { return host->Pixel(plate.x, plate.y) == 0x93BAD8U; }));
 }
 
 // Between two notes nothing is heard, so a column differs from the one before by the running average alone,
@@ -194,3 +159,5 @@ TEST_F(Window, ThePictureTakesTheLevelsAsAColumnAtItsLeftEdgeAndMovesOn) {
         EXPECT_TRUE(host->Await([&] { return column(1) == newest; }));
     }
 }
+
+}  // namespace

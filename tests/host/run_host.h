@@ -1,5 +1,4 @@
 #pragma once
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <spawn.h>
@@ -13,26 +12,23 @@
 #include "tests/support/await.h"
 #include "tests/support/temp_folder.h"
 
-// orva-host as a shell starts it, without a display; `input` is what it finds on standard input. It ends with
-// the object.
+using Arguments = std::vector<std::string>;
+
+// orva-host as a shell starts it, without a display; `input` is its standard input. It ends with the object.
 class HostProcess {
 public:
-    explicit HostProcess(std::vector<std::string> arguments, const std::string& input = {}) {
+    explicit HostProcess(Arguments arguments, const std::string& input = {}) {
         WriteAll(folder / "in", input);
-        arguments.insert(arguments.begin(), ORVA_HOST_PROGRAM);
+        const std::string redirected = "cd " + folder.path.string() +
+                                       "; exec 3< in > out 2> err; cd \"$0\"; " +
+                                       "exec " ORVA_HOST_PROGRAM " \"$@\" <&3 3<&-";
+        arguments.insert(arguments.begin(),
+                         {"sh", "-c", redirected, std::filesystem::current_path().string()});
         std::vector<char*> words;
         for (std::string& argument : arguments) words.push_back(argument.data());
         words.push_back(nullptr);
-
         unsetenv("DISPLAY");
-        posix_spawn_file_actions_t files;
-        posix_spawn_file_actions_init(&files);
-        constexpr int written = O_WRONLY | O_CREAT;
-        posix_spawn_file_actions_addopen(&files, STDIN_FILENO, (folder / "in").c_str(), O_RDONLY, 0);
-        posix_spawn_file_actions_addopen(&files, STDOUT_FILENO, (folder / "out").c_str(), written, 0600);
-        posix_spawn_file_actions_addopen(&files, STDERR_FILENO, (folder / "err").c_str(), written, 0600);
-        if (posix_spawn(&process, words[0], &files, nullptr, words.data(), environ) != 0) process = -1;
-        posix_spawn_file_actions_destroy(&files);
+        if (posix_spawn(&process, "/bin/sh", nullptr, nullptr, words.data(), environ) != 0) process = -1;
     }
     ~HostProcess() { End(SIGKILL); }
     HostProcess(const HostProcess&) = delete;
@@ -65,18 +61,17 @@ private:
 
 struct Ended {
     int code = -1;
-    std::string out;
-    std::string err;
+    std::string out, err;
 };
-
-// Runs it to its end.
-inline Ended RunHost(const std::vector<std::string>& arguments, const std::string& input = {}) {
+inline Ended RunHost(const Arguments& arguments, const std::string& input = {}) {
     HostProcess host(arguments, input);
     const int code = host.Wait();
     return {code, host.Out(), host.Err()};
 }
 
-// How many there are.
 inline std::ptrdiff_t Lines(const std::string& text) {
     return std::count(text.begin(), text.end(), '\n');
+}
+inline bool Contains(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
 }

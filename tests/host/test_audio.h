@@ -1,19 +1,17 @@
 #pragma once
 #include <sndfile.h>
 
-#include <cmath>
-#include <numbers>
-#include <random>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
+#include "tests/support/music.h"
 #include "tools/host/audio_file.h"
 
 constexpr int formatWav16 = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
 
 // Interleaved samples into a file of any format that libsndfile writes.
-inline void WriteAudio(const std::string& path, const std::vector<float>& samples, int rate, int channels = 1,
+inline void WriteAudio(const std::string& path, const Audio& samples, int rate, int channels = 1,
                        int format = formatWav16) {
     SF_INFO info{};
     info.samplerate = rate;
@@ -26,31 +24,27 @@ inline void WriteAudio(const std::string& path, const std::vector<float>& sample
 }
 
 // The first channel.
-inline std::vector<float> ReadAudio(const std::string& path) {
-    AudioFile audio(path, AudioFile::Channel::first);
-    std::vector<float> samples, piece(65536);
-    while (const std::size_t count = audio.Read(piece.data(), piece.size()))
+inline Audio ReadAudio(const std::string& path) {
+    AudioFile file(path, AudioFile::Channel::first);
+    Audio samples, piece(65536);
+    while (const std::size_t count = file.Read(piece.data(), piece.size()))
         samples.insert(samples.end(), piece.begin(), piece.begin() + static_cast<std::ptrdiff_t>(count));
     return samples;
 }
 
-// One held note from `begin` to `end`, in seconds of `length`: four partials that fall off by 1/n, as a
-// plucked or bowed string has them, over a bed of faint noise. The bed never adds up to zero, since a block
-// that does would count as silence and set the detector back.
-inline std::vector<float> HeldNote(double hertz, int rate, double begin, double end, double length) {
-    std::vector<float> samples;
-    std::minstd_rand random(1);  // a fixed seed, so that a failure repeats
-    std::uniform_real_distribution<double> noise(0.0005, 0.0015);
-    constexpr double fade = 0.005;  // s, so that neither end clicks
-    for (int i = 0; i < static_cast<int>(length * rate); ++i) {
-        const double t = static_cast<double>(i) / rate;
-        double sample = noise(random);
-        if (t >= begin && t < end) {
-            const double level = 0.25 * std::min({1.0, (t - begin) / fade, (end - t) / fade});
-            for (int partial = 1; partial <= 4; ++partial)
-                sample += level / partial * std::sin(2 * std::numbers::pi * hertz * partial * (t - begin));
-        }
-        samples.push_back(static_cast<float>(sample));
-    }
+constexpr double middleC = 261.6256;  // Hz, equal temperament at A 440
+
+// One held note from `begin` to `end`, in seconds of `length`: four partials that fall off by 1/n over faint
+// noise that never sums to zero, since such a block counts as silence and resets the detector.
+inline Audio HeldNote(double hertz, int rate, double begin, double end, double length) {
+    Audio samples(Samples(rate, length)), note(Samples(rate, end) - Samples(rate, begin));
+    std::minstd_rand random(1);
+    for (float& sample : samples) sample = 0.0001F * static_cast<float>(5 + random() % 10);
+    for (int partial = 1; partial <= 4; ++partial) AddSine(note, hertz * partial, 0.25 / partial, rate);
+    const double fade = 0.005 * rate;  // samples, so that neither end clicks
+    for (std::size_t i = 0; i < note.size(); ++i)
+        samples[Samples(rate, begin) + i] +=
+            note[i] * static_cast<float>(std::min(
+                          {1.0, static_cast<double>(i) / fade, static_cast<double>(note.size() - i) / fade}));
     return samples;
 }

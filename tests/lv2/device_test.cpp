@@ -1,57 +1,45 @@
 // Parameters 88 and 89: MIDI devices are never opened by the thread of a run.
 #include <future>
+#include <thread>
 
-#include "tests/delivery/midi_device_layer.h"
 #include "tests/lv2/lv2_host.h"
-#include "tests/plugin/messages.h"
+#include "tests/support/devices.h"
+#include "tests/support/messages.h"
+#include "tests/support/music.h"
 
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::SizeIs;
-
 class Lv2Device : public DeviceTest {
 protected:
-    // The devices that were opened and closed since the last question, without what was sent to them.
-    FakeLayer::Calls Opened() {
-        FakeLayer::Calls calls;
-        for (const std::string& call : layer.Taken())
-            if (call.rfind("open", 0) == 0 || call.rfind("close", 0) == 0) calls.push_back(call);
+    using Calls = FakeDevices::Calls;
+    Calls Opened() {  // and closed, since it was asked last
+        Calls calls = layer.Taken();
+        std::erase_if(calls, [](const std::string& call) { return call[0] != 'o' && call[0] != 'c'; });
         return calls;
     }
-    static constexpr float on = 1, off = 0;
     Messages messages;
 };
 
-TEST_F(Lv2Device, TheHostsWorkerOpensItAndTheNewestWishWins) {
+TEST_F(Lv2Device, TheHostsWorkerOpensItAndTheNewestRequestWins) {
     Lv2Host host;
+    host.refusesWork = true;  // such a host is asked again
     host.control[paramDevice] = 0.01F;
-    host.control[paramDeviceEnabled] = on;
-    host.Run(std::vector<float>(64));
-    host.control[paramDevice] = 0.02F;
-    host.Run(std::vector<float>(64));
-    EXPECT_THAT(Opened(), IsEmpty());
-    EXPECT_EQ(host.Work(), 2);
-    EXPECT_THAT(Opened(), ElementsAre("open 2"));
-    host.Run(std::vector<float>(64));
-    EXPECT_EQ(host.Work(), 0);  // nothing has changed
-    host.control[paramDeviceEnabled] = off;
-    host.Run(std::vector<float>(64));
-    host.Work();
-    EXPECT_THAT(Opened(), ElementsAre("close 1"));
-}
-
-TEST_F(Lv2Device, AHostWhoseWorkerHasNoRoomIsAskedAgain) {
-    Lv2Host host;
-    host.refusesWork = true;
-    host.control[paramDeviceEnabled] = on;
-    host.Run({});
+    host.control[paramDeviceEnabled] = 1;
+    host.Run(Silence(64));
     host.refusesWork = false;
     EXPECT_EQ(host.asked, 0);
-    host.Run({});
+    host.Run(Silence(64));
+    host.control[paramDevice] = 0.02F;
+    host.Run(Silence(64));
+    EXPECT_EQ(Opened(), Calls());
+    EXPECT_EQ(host.Work(), 2);
+    EXPECT_EQ(Opened(), Calls{"open 2"});
+    host.Run(Silence(64));
+    EXPECT_EQ(host.Work(), 0);  // nothing has changed
+    host.control[paramDeviceEnabled] = 0;
+    host.Run(Silence(64));
     host.Work();
-    EXPECT_THAT(Opened(), ElementsAre("open 0"));
+    EXPECT_EQ(Opened(), Calls{"close 1"});
 }
 
 TEST_F(Lv2Device, WithoutAWorkerAThreadOfItsOwnOpensIt) {
@@ -62,31 +50,31 @@ TEST_F(Lv2Device, WithoutAWorkerAThreadOfItsOwnOpensIt) {
     {
         Lv2Host host(PluginDescriptor(), Lv2Host::noWorker);
         host.control[paramDevice] = 0.01F;
-        host.control[paramDeviceEnabled] = on;
-        host.Run(std::vector<float>(64));
+        host.control[paramDeviceEnabled] = 1;
+        host.Run(Silence(64));
         EXPECT_TRUE(opened.get_future().get() != std::this_thread::get_id());
     }
-    EXPECT_THAT(Opened(), ElementsAre("open 1", "close 1"));  // with the instance
+    EXPECT_EQ(Opened(), (Calls{"open 1", "close 1"}));  // with the instance
 }
 
-// Without a window the port keeps the wish, and nobody is pestered about it.
-TEST_F(Lv2Device, ADeviceThatIsNotToBeHadIsToldOnce) {
+// Without a window the port keeps the request, and the user hears of it once.
+TEST_F(Lv2Device, ADeviceThatIsNotAvailableIsReportedOnce) {
     layer.refusedOpens[0] = MMSYSERR_ALLOCATED;
     Lv2Host host;
-    host.control[paramDeviceEnabled] = on;
+    host.control[paramDeviceEnabled] = 1;
     for (int i = 0; i < 100; ++i) {  // a second and more
-        host.Run(std::vector<float>(1000));
-        EXPECT_THAT(messages.shown, SizeIs(i == 0 ? 0 : 1));  // never from the run
+        host.Run(Silence(1000));
+        EXPECT_EQ(messages.shown.size(), i == 0 ? 0U : 1U);  // never from the run
         host.Work();
     }
-    EXPECT_THAT(Opened(), ElementsAre("open 0"));
+    EXPECT_EQ(Opened(), Calls{"open 0"});
     layer.refusedOpens.clear();
-    host.control[paramDeviceEnabled] = off;
-    host.Run({});
-    host.control[paramDeviceEnabled] = on;  // wished for anew
-    host.Run({});
+    for (const float request : {0.0F, 1.0F}) {
+        host.control[paramDeviceEnabled] = request;
+        host.Run({});
+    }
     host.Work();
-    EXPECT_THAT(Opened(), ElementsAre("open 0"));
+    EXPECT_EQ(Opened(), Calls{"open 0"});
 }
 
 }  // namespace

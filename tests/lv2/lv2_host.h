@@ -1,6 +1,5 @@
 #pragma once
 #include <dlfcn.h>
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -27,10 +26,20 @@ struct Lv2Event {
     std::string data;
     bool operator==(const Lv2Event& other) const { return frame == other.frame && data == other.data; }
 };
+using Lv2Events = std::vector<Lv2Event>;
 inline void PrintTo(const Lv2Event& event, std::ostream* out) {
-    *out << event.frame << ":";
-    for (const char byte : event.data)
-        *out << ' ' << std::hex << int{static_cast<unsigned char>(byte)} << std::dec;
+    *out << event.frame << ": " << testing::PrintToString(event.data);
+}
+
+// All of a sequence, whose events are of that type.
+inline Lv2Events EventsOf(const LV2_Atom_Sequence& sequence, LV2_URID type) {
+    Lv2Events events;
+    LV2_ATOM_SEQUENCE_FOREACH(&sequence, event) {
+        EXPECT_EQ(event->body.type, type);
+        const auto* bytes = reinterpret_cast<const char*>(event + 1);
+        events.push_back({event->time.frames, std::string(bytes, event->body.size)});
+    }
+    return events;
 }
 
 // The bundle's file, loaded once.
@@ -46,7 +55,7 @@ inline const LV2_Descriptor* FileDescriptor() {
 // An LV2 host with one plug-in: its features, a buffer for each port, and the work that it was asked for.
 class Lv2Host {
 public:
-    enum Offer { everything, noWorker, noMap, emptyMap };
+    enum Offer { everything, noWorker, noMap };
 
     explicit Lv2Host(const LV2_Descriptor* plugin = PluginDescriptor(), Offer offer = everything,
                      double rate = 44100)
@@ -58,12 +67,8 @@ public:
                         return static_cast<Lv2Host*>(self)->Asked();
                     }};
         const LV2_Feature mapFeature{LV2_URID__map, &map}, workFeature{LV2_WORKER__schedule, &schedule};
-        const LV2_Feature nameless{}, emptyFeature{LV2_URID__map, nullptr};
-        std::vector<const LV2_Feature*> features{&nameless};
-        if (offer == emptyMap)
-            features.push_back(&emptyFeature);
-        else if (offer != noMap)
-            features.push_back(&mapFeature);
+        std::vector<const LV2_Feature*> features;
+        if (offer != noMap) features.push_back(&mapFeature);
         if (offer != noWorker) features.push_back(&workFeature);
         features.push_back(nullptr);
         handle = descriptor->instantiate(descriptor, rate, ORVA_BUNDLE, features.data());
@@ -87,28 +92,22 @@ public:
     void Deactivate() { descriptor->deactivate(handle); }
 
     // One run over `audio`; what comes out stands in `out`.
-    std::vector<Lv2Event> Run(std::vector<float> audio) {
+    Lv2Events Run(std::vector<float> audio) {
         out.assign(audio.size(), -7.0F);
         descriptor->connect_port(handle, portAudioIn, audio.data());
         descriptor->connect_port(handle, portAudioOut, out.data());
         return RunConnected(static_cast<std::uint32_t>(audio.size()));
     }
-    std::vector<Lv2Event> RunConnected(std::uint32_t frames) {
+    Lv2Events RunConnected(std::uint32_t frames) {
         auto& sequence = *reinterpret_cast<LV2_Atom_Sequence*>(midi.data());
         const std::uint64_t guard = 0x0123456789ABCDEF;
         midi.back() = guard;
         sequence.atom = {midiPortBytes, Urid("chunk")};
         descriptor->run(handle, frames);
         EXPECT_EQ(midi.back(), guard) << "written past the capacity";
-        std::vector<Lv2Event> events;
         EXPECT_EQ(sequence.atom.type, Urid(LV2_ATOM__Sequence));
         EXPECT_EQ(sequence.body.unit, 0U);
-        LV2_ATOM_SEQUENCE_FOREACH(&sequence, event) {
-            EXPECT_EQ(event->body.type, Urid(LV2_MIDI__MidiEvent));
-            const auto* bytes = reinterpret_cast<const char*>(event + 1);
-            events.push_back({event->time.frames, std::string(bytes, event->body.size)});
-        }
-        return events;
+        return EventsOf(sequence, Urid(LV2_MIDI__MidiEvent));
     }
     // Does what was asked of its worker. How many times it was asked.
     int Work() {

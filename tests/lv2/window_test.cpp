@@ -1,6 +1,4 @@
 // The window as an LV2 host holds it, on a display of the tests' own.
-#include <xcb/xcb.h>
-
 #include <chrono>
 #include <functional>
 #include <optional>
@@ -10,26 +8,22 @@
 
 #include "lv2/instance.h"
 #include "lv2/uris.h"
-#include "tests/delivery/midi_device_layer.h"
 #include "tests/lv2/lv2_host.h"
-#include "tests/plugin/messages.h"
-#include "tests/support/display_server.h"
-#include "tests/support/parent_window.h"
+#include "tests/support/await.h"
+#include "tests/support/devices.h"
+#include "tests/support/host_window.h"
+#include "tests/support/messages.h"
+#include "tests/support/music.h"
 
 namespace {
-
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 const LV2UI_Descriptor* FileWindow() {
     const auto entry = reinterpret_cast<LV2UI_DescriptorFunction>(dlsym(Lv2File(), "lv2ui_descriptor"));
     return entry != nullptr ? entry(0) : nullptr;
 }
 
-// The display of the tests, and a host's window in its upper left corner.
-class Desktop : public ParentWindow {
+class Desktop : public HostWindow {
 public:
-    Desktop() { Connect(); }
     std::pair<int, int> Size(xcb_window_t of) const {
         const XcbReply<xcb_get_geometry_reply_t> reply(
             xcb_get_geometry_reply(connection, xcb_get_geometry(connection, of), nullptr));
@@ -64,8 +58,6 @@ struct Written {
 
 class Lv2Window : public testing::Test {
 protected:
-    static void SetUpTestSuite() { server = std::make_unique<DisplayServer>(); }
-    static void TearDownTestSuite() { server.reset(); }
     ~Lv2Window() override { Close(); }
 
     enum Where { inParent, onDesktop };
@@ -76,8 +68,8 @@ protected:
                       return 0;
                   }};
         const LV2_Feature access{LV2_INSTANCE_ACCESS_URI, instance}, sizes{LV2_UI__resize, &resize},
-            place{LV2_UI__parent, desktop.Handle()}, nameless{};
-        std::vector<const LV2_Feature*> features{&nameless, &sizes};
+            place{LV2_UI__parent, desktop.Handle()};
+        std::vector<const LV2_Feature*> features{&sizes};
         if (instance != nullptr) features.push_back(&access);
         if (where == inParent) features.push_back(&place);
         features.push_back(nullptr);
@@ -110,19 +102,13 @@ protected:
     }
     // Gives idle time until the condition holds; false if it never does.
     bool Await(const std::function<bool()>& condition) {
-        for (int round = 0; round < 2000 && !condition(); ++round) {
+        return AwaitThat([&] {
             EXPECT_EQ(Idle(), 0);
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        }
-        return condition();
+            return condition();
+        });
     }
-    // Gives idle time until the window says that it is closed; false if it never does.
-    bool AwaitEnd() {
-        for (int round = 0; round < 2000; ++round) {
-            if (Idle() == 1) return true;
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        }
-        return false;
+    bool AwaitEnd() {  // until the window reports that it is closed
+        return AwaitThat([this] { return Idle() == 1; });
     }
     // Until the slider looks the same for a while.
     std::vector<std::uint8_t> SettledSlider() {
@@ -154,10 +140,9 @@ protected:
     }
     // Runs of 441 frames each; in the tests' host, 10 ms.
     void RunFor(int hundredths) {
-        for (int i = 0; i < hundredths; ++i) host->Run(std::vector<float>(441));
+        for (int i = 0; i < hundredths; ++i) host->Run(Silence(441));
     }
 
-    static inline std::unique_ptr<DisplayServer> server;
     Desktop desktop;
     std::optional<Lv2Host> host{std::in_place};
     const LV2UI_Descriptor* ui = WindowDescriptor();
@@ -176,7 +161,7 @@ TEST_F(Lv2Window, OpensInTheHostsWindowAndLeavesNothingThere) {
         for (int life = 0; life < 3; ++life) {
             ASSERT_TRUE(Open(inParent, hosted.handle));
             const auto inside = static_cast<xcb_window_t>(reinterpret_cast<std::uintptr_t>(widget));
-            EXPECT_THAT(desktop.Children(), ElementsAre(inside));
+            EXPECT_EQ(desktop.Children(), std::vector<xcb_window_t>{inside});
             EXPECT_EQ(desktop.Size(inside), std::pair(400, 320));
             EXPECT_EQ(resized, std::pair(400, 320));
             const std::vector<std::uint8_t> blank = desktop.SliderPixels();
@@ -185,7 +170,7 @@ TEST_F(Lv2Window, OpensInTheHostsWindowAndLeavesNothingThere) {
             EXPECT_TRUE(desktop.Children().empty());
         }
     }
-    EXPECT_THAT(written, IsEmpty());
+    EXPECT_TRUE(written.empty());
 }
 
 TEST_F(Lv2Window, WhatIsMovedReachesTheHostWhoseOlderValueDoesNotCountUntilItsEcho) {
@@ -195,27 +180,25 @@ TEST_F(Lv2Window, WhatIsMovedReachesTheHostWhoseOlderValueDoesNotCountUntilItsEc
     EXPECT_EQ(written.back(), (Written{portFirstControl + 0, value}));
     EXPECT_LT(value, 0.6F);  // the slider's range is 67 to 283, the top being 1
     EXPECT_EQ(Object(0), value);
-    RunFor(10);  // the port still holds the initial value
-    EXPECT_EQ(Object(0), value);
-    host->control[0] = 0.5F * value;  // on its way while the mouse moved on
-    RunFor(10);
-    EXPECT_EQ(Object(0), value);
-    host->control[0] = value;  // the echo
-    RunFor(1);
-    host->control[0] = 0.125F;  // the host's own, from here on
+    for (const float older :
+         {ParameterInitialValue(0), 0.5F * value}) {  // on its way while the mouse moved on
+        host->control[0] = older;
+        RunFor(10);
+        EXPECT_EQ(Object(0), value);
+    }
+    for (const float newer : {value, 0.125F}) {  // the echo, and the host's own from there on
+        host->control[0] = newer;
+        RunFor(1);
+        EXPECT_EQ(Object(0), newer);
+    }
+    // A host that echoes nothing is right again after half a second, window or not: the change is noticed by
+    // the first run, and 50 x 441 = 22050 frames are over after it.
+    const float moved = MoveSlider(150);
+    Close();
+    RunFor(50);
+    EXPECT_EQ(Object(0), moved);
     RunFor(1);
     EXPECT_EQ(Object(0), 0.125F);
-}
-
-TEST_F(Lv2Window, AHostThatEchoesNothingIsRightAgainAfterHalfASecond) {
-    ASSERT_TRUE(Open());
-    SettledSlider();
-    const float value = MoveSlider(200);
-    Close();     // which changes nothing about it
-    RunFor(50);  // the change is met by the first of them: 50 x 441 = 22050 frames are over after it
-    EXPECT_EQ(Object(0), value);
-    RunFor(1);
-    EXPECT_EQ(Object(0), ParameterInitialValue(0));
 }
 
 TEST_F(Lv2Window, ShowsWhatTheHostTellsWhileNothingRuns) {
@@ -226,7 +209,7 @@ TEST_F(Lv2Window, ShowsWhatTheHostTellsWhileNothingRuns) {
     EXPECT_EQ(Object(0), ParameterInitialValue(0));  // only a run applies it
     PortEvent(0, ParameterInitialValue(0));
     EXPECT_TRUE(Await([&] { return desktop.SliderPixels() == before; }));
-    EXPECT_THAT(written, IsEmpty());
+    EXPECT_TRUE(written.empty());
 
     host->control[0] = 0.2F;  // and by a run
     RunFor(1);
@@ -235,34 +218,44 @@ TEST_F(Lv2Window, ShowsWhatTheHostTellsWhileNothingRuns) {
     ui->port_event(window, portCount, 4, 0, "????");             // no port
 }
 
-TEST_F(Lv2Window, TheInstanceMayGoFirst) {
+TEST_F(Lv2Window, OpensOnceForItsOwnInstanceWhereThereIsADisplay) {
+    int somebodyElses = 0;
+    for (void* const none : {static_cast<void*>(nullptr), static_cast<void*>(&somebodyElses)})
+        EXPECT_FALSE(Open(inParent, none));
+    EXPECT_EQ(
+        ui->instantiate(ui, "http://www.orva-labs.example/lv2/other", "", nullptr, nullptr, nullptr, nullptr),
+        nullptr);
+    const xcb_window_t parent = std::exchange(desktop.parent, 0x7FFFFFF);  // a window that is none
+    EXPECT_FALSE(Open());
+    desktop.parent = parent;
+    const std::string display = getenv("DISPLAY");
+    setenv("DISPLAY", ":9999", 1);
+    EXPECT_FALSE(Open());
+    setenv("DISPLAY", display.c_str(), 1);
+    ASSERT_TRUE(Open());
+    const LV2UI_Handle first = std::exchange(window, nullptr);
+    EXPECT_FALSE(Open());
+    window = first;
+    Close();
     ASSERT_TRUE(Open());
     SettledSlider();
+    // The instance may go first,
+    const LV2_Handle gone = host->handle;
     host.reset();
     EXPECT_EQ(Idle(), 1);
     EXPECT_TRUE(desktop.Children().empty());
     EXPECT_EQ(Idle(), 1);
     PortEvent(0, 0.5F);
     EXPECT_NE(Shower().show(window), 0);
-}
-
-TEST_F(Lv2Window, NeedsTheInstanceItselfAndIsTheOnlyOne) {
-    EXPECT_FALSE(Open(inParent, nullptr));
-    int somebodyElses = 0;
-    EXPECT_FALSE(Open(inParent, &somebodyElses));
-    EXPECT_EQ(
-        ui->instantiate(ui, "http://www.orva-labs.example/lv2/other", "", nullptr, nullptr, nullptr, nullptr),
-        nullptr);
-    ASSERT_TRUE(Open());
-    const LV2UI_Handle first = std::exchange(window, nullptr);
-    EXPECT_FALSE(Open());
-    window = first;
     Close();
-    EXPECT_TRUE(Open());
-    const LV2_Handle gone = host->handle;
-    Close();
-    host.reset();
     EXPECT_FALSE(Open(inParent, gone));
+    // and so may the host's window.
+    host.emplace();
+    ASSERT_TRUE(Open());
+    SettledSlider();
+    xcb_destroy_window(desktop.connection, desktop.parent);
+    desktop.Sync();
+    EXPECT_TRUE(AwaitEnd());
 }
 
 TEST_F(Lv2Window, StandsOnTheDesktopForHostsWithoutAWindow) {
@@ -285,29 +278,9 @@ TEST_F(Lv2Window, StandsOnTheDesktopForHostsWithoutAWindow) {
     }
 }
 
-TEST_F(Lv2Window, TheHostsWindowMayGoFirst) {
-    ASSERT_TRUE(Open());
-    SettledSlider();
-    xcb_destroy_window(desktop.connection, desktop.parent);
-    desktop.Sync();
-    EXPECT_TRUE(AwaitEnd());
-}
-
-// A display that does not answer, and a window that is none.
-TEST_F(Lv2Window, IsRefusedWhereItCannotOpen) {
-    const xcb_window_t parent = std::exchange(desktop.parent, 0x7FFFFFF);
-    EXPECT_FALSE(Open());
-    desktop.parent = parent;
-    const std::string display = getenv("DISPLAY");
-    setenv("DISPLAY", ":9999", 1);
-    EXPECT_FALSE(Open());
-    setenv("DISPLAY", display.c_str(), 1);
-    EXPECT_TRUE(Open());
-}
-
 // The port follows what is really open, and the host's echo asks for nothing.
 TEST_F(Lv2Window, ADeviceThatIsNotToBeHadSwitchesItsPortOff) {
-    FakeLayer layer;
+    FakeDevices layer;
     Messages messages;
     SubstituteMidiOut(&layer);
     layer.refusedOpens[0] = MMSYSERR_ALLOCATED;
@@ -316,12 +289,12 @@ TEST_F(Lv2Window, ADeviceThatIsNotToBeHadSwitchesItsPortOff) {
     RunFor(1);
     host->Work();
     EXPECT_TRUE(Await([&] { return !written.empty(); }));
-    EXPECT_THAT(written, ElementsAre(Written{std::uint32_t{portFirstControl} + 89, 0.0F}));
+    EXPECT_EQ(written, (std::vector<Written>{{std::uint32_t{portFirstControl} + 89, 0.0F}}));
     host->control[paramDeviceEnabled] = 0;
     RunFor(100);
     host->Work();
     RunFor(1);
-    const FakeLayer::Calls calls = layer.Taken();
+    const FakeDevices::Calls calls = layer.Taken();
     EXPECT_EQ(std::count(calls.begin(), calls.end(), "open 0"), 1);
     EXPECT_EQ(written.size(), 1U);
     Close();

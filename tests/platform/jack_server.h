@@ -2,36 +2,37 @@
 #include <fcntl.h>
 #include <jack/jack.h>
 #include <jack/midiport.h>
-#include <semaphore.h>
 #include <signal.h>
 #include <sys/file.h>
 #include <sys/prctl.h>
-#include <sys/types.h>
 #include <sys/wait.h>
-#include <time.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <atomic>
-#include <cerrno>
-#include <chrono>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <memory>
 #include <stdexcept>
 #include <string>
-#include <thread>
+#include <utility>
 #include <vector>
 
 #include "gtest/gtest.h"
-#include "tests/platform/jack_client.h"
+#include "tests/support/await.h"
+#include "tests/support/temp_folder.h"
 
-// A JACK server without a sound card, for one test, under a name of its own, so that it never meets a user's.
-// While it exists, the clients of this process go to it. Where it does not start, the test ends with an
-// exception that tells what the server said.
+// A client of the server that the environment names, or null.
+inline jack_client_t* QuietJackClient(const char* name) {
+    jack_set_error_function([](const char*) {});
+    jack_client_t* const client = jack_client_open(name, JackNoStartServer, nullptr);
+    jack_set_error_function(nullptr);
+    return client;
+}
+
+// A JACK server without a sound card, under a name that no user's server has. While it exists, the clients of
+// this process and of its children connect to it. Throws with the server's own output where it does not
+// start.
 class JackServer {
 public:
     enum class Clients { mayLag, areAwaited };  // what a cycle does about a client that gets no time
@@ -56,21 +57,18 @@ public:
     JackServer(const JackServer&) = delete;
     JackServer& operator=(const JackServer&) = delete;
 
-    // And waits until clients can connect. Called by the construction, and once more after Die.
+    // Waits until clients can connect. Called by the constructor, and again after Die.
     void Start() {
-        Run();
-        const auto patience = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-        for (;;) {
-            if (jack_client_t* const client = QuietJackClient("probe")) {
-                jack_client_close(client);
-                return;
-            }
-            if (HasEnded() || std::chrono::steady_clock::now() > patience) {
-                End(SIGKILL);
-                throw std::runtime_error("jackd does not start. It said:\n" + Said());
-            }
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));  // it tells nobody when it is ready
+        process = fork();
+        if (process == 0) Become();
+        jack_client_t* client = nullptr;
+        AwaitThat([&] { return HasEnded() || (client = QuietJackClient("probe")) != nullptr; });
+        if (client != nullptr) {
+            jack_client_close(client);
+            return;
         }
+        End(SIGKILL);
+        throw std::runtime_error("jackd does not start. Its output:\n" + ReadAll(log));
     }
     void Die() { End(SIGKILL); }       // at once, without a word to its clients
     void Freeze(bool frozen = true) {  // it lives and does nothing
@@ -78,15 +76,13 @@ public:
     }
 
 private:
-    // False where the name is taken: by another test, or by a server that was killed and whose end its parent
-    // has not seen yet. There are few names, since all servers of the machine share a list of eight, and one
-    // that was killed with its test keeps its place there until the next of its name.
+    // False where the name is taken: by another test, or by a killed server whose parent has not reaped it
+    // yet. All servers of a machine share a list of eight, so the names are few and are used again.
     bool StartAs(int number) {
         name = "orva-test-" + std::to_string(number);
         log = testing::TempDir() + name + ".log";
-        const std::string file = testing::TempDir() + name + ".lock";
-        lock = open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
-        if (lock < 0) throw std::runtime_error(file + " cannot be opened");
+        lock = open((testing::TempDir() + name + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+        if (lock < 0) throw std::runtime_error("no lock file for " + name);
         setenv("JACK_DEFAULT_SERVER", name.c_str(), 1);
         try {
             if (flock(lock, LOCK_EX | LOCK_NB) == 0) {
@@ -94,19 +90,17 @@ private:
                 return true;
             }
         } catch (const std::exception&) {
-            if (number == 7 || Said().find("already active") == std::string::npos) throw;
+            if (number == 7 || ReadAll(log).find("already active") == std::string::npos) throw;
         }
         close(lock);
         return false;
     }
-    void Run() {
-        process = fork();
-        if (process != 0) return;
+    [[noreturn]] void Become() const {
         prctl(PR_SET_PDEATHSIG, SIGKILL);  // a test that crashes takes its server along
         const int file = open(log.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
         dup2(file, STDOUT_FILENO);
         dup2(file, STDERR_FILENO);
-        // Patience of ten seconds with clients that get no time on a busy machine.
+        // Ten seconds for clients that get no time on a busy machine.
         execlp("jackd", "jackd", "-n", name.c_str(), "-r", mode, "-t", "10000", "-d", "dummy", "-r",
                rate.c_str(), "-p", "1024", nullptr);
         perror("jackd");
@@ -118,101 +112,144 @@ private:
     }
     void End(int signal) {
         if (process > 0) kill(process, signal);
-        for (int turn = 0; !HasEnded(); ++turn) {
-            if (turn == 500) kill(process, SIGKILL);  // it may hang over clients that ended without a word
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        }
+        // It may hang over clients that ended without a word.
+        if (!AwaitThat([this] { return HasEnded(); }, std::chrono::seconds(5))) kill(process, SIGKILL);
+        AwaitThat([this] { return HasEnded(); });
         // A server that was killed leaves its semaphores and memory behind.
         std::error_code ignored;
         for (const auto& file : std::filesystem::directory_iterator("/dev/shm", ignored))
             if (file.path().filename().string().find("_" + name + "_") != std::string::npos)
                 std::filesystem::remove(file.path(), ignored);
     }
-    std::string Said() const {
-        std::ifstream file(log);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
 
     const std::string rate;
-    const char* const mode;  // of its command line; the one that is always given stands for none
-    std::string name;
-    int lock = -1;       // file that stands for the name
-    std::string log;     // file with what it writes
-    pid_t process = -1;  // -1: none
+    const char* const mode;  // on its command line; the one that is always given stands for none
+    std::string name, log;   // log: the file with its output
+    int lock = -1;           // the file that stands for the name
+    pid_t process = -1;      // -1: none
 };
 
-// A client with one MIDI input, which keeps what arrives. Its name in the device list is "NAME:in".
+// A client with a MIDI input, "NAME:in", and an audio input, "NAME:audio", that keep what arrives, and an
+// audio output, "NAME:out", that plays samples once. All is dated on one clock, the samples that the client
+// was given: the server's own clock jumps where it was late.
+//
+// Threads: the server's until Stop, and the test's. Nothing is allocated after construction.
 class JackReceiver {
 public:
-    explicit JackReceiver(const std::string& name) : client(QuietJackClient(name.c_str())) {
-        if (client == nullptr) throw std::runtime_error("no JACK server for the receiver");
-        sem_init(&arrived, 0, 0);
-        port = jack_port_register(client, "in", JACK_DEFAULT_MIDI_TYPE, JackPortIsInput, 0);
-        jack_set_process_callback(
-            client, [](jack_nframes_t n, void* self) { return static_cast<JackReceiver*>(self)->Process(n); },
-            this);
-        jack_on_shutdown(
-            client, [](void* self) { static_cast<JackReceiver*>(self)->serverDied = true; }, this);
+    struct Event {
+        std::size_t at;    // samples since the client began
+        std::size_t size;  // bytes of the message
+        std::array<std::uint8_t, 3> bytes;
+    };
+
+    explicit JackReceiver(const std::string& name, std::vector<float> samples = {}, std::size_t room = 0)
+        : events(20000), played(std::move(samples)), kept(room), client(QuietJackClient(name.c_str())) {
+        if (client == nullptr) throw std::runtime_error("no JACK server for " + name);
+        periods.reserve(room / 64);
+        midi = jack_port_register(client, "in", JACK_DEFAULT_MIDI_TYPE, JackPortIsInput, 0);
+        audio = jack_port_register(client, "audio", JACK_DEFAULT_AUDIO_TYPE, JackPortIsInput, 0);
+        out = jack_port_register(client, "out", JACK_DEFAULT_AUDIO_TYPE, JackPortIsOutput, 0);
+        const auto process = [](jack_nframes_t n, void* self) {
+            return static_cast<JackReceiver*>(self)->Process(n);
+        };
+        jack_set_process_callback(client, process, this);
+        const auto died = [](void* self) { static_cast<JackReceiver*>(self)->serverDied = true; };
+        jack_on_shutdown(client, died, this);
         jack_activate(client);
     }
-    // A client whose server has died is the library's: the next one to be opened, by anybody, frees it.
-    ~JackReceiver() {
-        if (!serverDied) jack_client_close(client);
-        sem_destroy(&arrived);
-    }
+    ~JackReceiver() { Stop(); }
     JackReceiver(const JackReceiver&) = delete;
     JackReceiver& operator=(const JackReceiver&) = delete;
 
-    // Waits for that many messages since the begin; false if nothing more came for a long time.
-    bool Await(std::size_t wanted) {
-        while (count.load() < wanted) {
-            timespec until = {};
-            clock_gettime(CLOCK_REALTIME, &until);
-            until.tv_sec += 20;
-            if (sem_timedwait(&arrived, &until) == -1 && errno == ETIMEDOUT) return false;
-        }
-        return true;
+    // A client whose server has died is the library's: the next one that anybody opens frees it.
+    void Stop() {
+        if (client != nullptr && !serverDied) jack_client_close(client);
+        client = nullptr;
+    }
+    bool Hear(const std::string& from) {
+        return jack_connect(client, from.c_str(), jack_port_name(audio)) == 0;
+    }
+    bool HearMidi(const std::string& from) {
+        return jack_connect(client, from.c_str(), jack_port_name(midi)) == 0;
+    }
+    bool IsHeard() const { return jack_port_connected(out) > 0; }
+    std::vector<std::string> Senders() const {  // the ports that are connected to the MIDI input
+        std::vector<std::string> senders;
+        const char** const ports = jack_port_get_all_connections(client, midi);
+        for (const char** each = ports; each != nullptr && *each != nullptr; ++each)
+            senders.emplace_back(*each);
+        jack_free(ports);
+        return senders;
+    }
+    void Play() { playing = true; }  // from the next period on
+    bool HasPlayed() const { return position.load() == played.size(); }
+
+    // Waits for that many messages since the beginning; false if no more came for a long time.
+    bool Await(std::size_t wanted) const {
+        return AwaitThat([&] { return Count() >= wanted; });
     }
     std::size_t Count() const { return count.load(); }
-    std::uint32_t At(std::size_t index) const { return words[index]; }  // below Count: its first three bytes
-    std::size_t LengthAt(std::size_t index) const { return lengths[index]; }
-    std::vector<std::string> Senders() const {  // the ports that are connected to ours
-        std::vector<std::string> senders;
-        if (const char** const ports = jack_port_get_all_connections(client, port)) {
-            for (const char** each = ports; *each != nullptr; ++each) senders.emplace_back(*each);
-            jack_free(ports);
-        }
-        return senders;
+    const Event& EventAt(std::size_t index) const { return events[index]; }
+    std::uint32_t At(std::size_t index) const {  // the first three bytes
+        const auto& bytes = events[index].bytes;
+        return bytes[0] | static_cast<std::uint32_t>(bytes[1]) << 8 |
+               static_cast<std::uint32_t>(bytes[2]) << 16;
+    }
+    std::size_t Length() const { return length.load(); }  // samples kept so far
+    const std::vector<float>& Samples() const { return kept; }
+    // After Stop: the first sample that was kept in the period in which another one began to play.
+    std::size_t BeginOf(const JackReceiver& player) const {
+        const auto isFirst = [&](const Period& period) { return period.serverTime == player.beganAt; };
+        const auto found = std::find_if(periods.begin(), periods.end(), isFirst);
+        if (found == periods.end()) throw std::runtime_error("the recorder was not given all periods");
+        return found->at;
     }
 
 private:
-    // Clients of one process see one another's port buffers, and the server orders their access by means that
-    // the thread sanitizer cannot see: so it does not look at this function.
+    struct Period {
+        jack_nframes_t serverTime;
+        std::size_t at;  // samples kept
+    };
+
+    // The server orders the access to the port buffers of one process's clients by means that the thread
+    // sanitizer cannot see, so it does not look at this function, which copies messages by hand.
     __attribute__((no_sanitize("thread"))) int Process(jack_nframes_t frames) {
-        void* const buffer = jack_port_get_buffer(port, frames);
-        const std::uint32_t events = jack_midi_get_event_count(buffer);
-        std::size_t at = count.load();
-        for (std::uint32_t i = 0; i < events; ++i, ++at) {
-            jack_midi_event_t event;
-            jack_midi_event_get(&event, buffer, i);
-            if (at >= room) continue;
-            std::uint32_t word = 0;
-            for (std::size_t byte = 0; byte < event.size && byte < 3; ++byte)
-                word |= static_cast<std::uint32_t>(event.buffer[byte]) << 8 * byte;
-            words.get()[at] = word;
-            lengths.get()[at] = event.size;
+        const std::size_t from = position, start = length;
+        const std::size_t plays = playing ? std::min<std::size_t>(frames, played.size() - from) : 0;
+        if (from == 0 && plays > 0) beganAt = jack_last_frame_time(client);
+        auto* const output = static_cast<float*>(jack_port_get_buffer(out, frames));
+        std::fill_n(std::copy_n(played.data() + from, plays, output), frames - plays, 0.0F);
+        position = from + plays;
+
+        void* const messages = jack_port_get_buffer(midi, frames);
+        const std::uint32_t arrived = jack_midi_get_event_count(messages);
+        std::size_t at = count;
+        for (std::uint32_t i = 0; i < arrived && at < events.size(); ++i, ++at) {
+            jack_midi_event_t message;
+            jack_midi_event_get(&message, messages, i);
+            Event event{clock + message.time, message.size, {}};
+            for (std::size_t byte = 0; byte < message.size && byte < 3; ++byte)
+                event.bytes[byte] = message.buffer[byte];
+            events[at] = event;
         }
-        count.store(at);
-        if (events > 0) sem_post(&arrived);
+        count = at;
+        clock += frames;
+        if (periods.size() < periods.capacity()) periods.push_back({jack_last_frame_time(client), start});
+        const std::size_t fits = std::min<std::size_t>(frames, kept.size() - start);
+        std::copy_n(static_cast<const float*>(jack_port_get_buffer(audio, frames)), fits,
+                    kept.data() + start);
+        length = start + fits;
         return 0;
     }
 
-    static constexpr std::size_t room = 20000;  // messages; later ones are counted and not kept
-    jack_client_t* client;
-    jack_port_t* port = nullptr;
-    const std::unique_ptr<std::uint32_t[]> words = std::make_unique<std::uint32_t[]>(room);
-    const std::unique_ptr<std::size_t[]> lengths = std::make_unique<std::size_t[]>(room);
-    std::atomic<std::size_t> count{0};
-    std::atomic<bool> serverDied{false};
-    sem_t arrived;  // once a cycle with messages
+    std::vector<Event> events;
+    std::vector<Period> periods;
+    const std::vector<float> played;
+    std::vector<float> kept;
+    jack_client_t* client;  // null once it has stopped
+    jack_port_t *midi = nullptr, *audio = nullptr, *out = nullptr;
+    std::size_t clock = 0;  // samples that the client was given
+    std::atomic<std::size_t> count{0}, position{0}, length{0};
+    std::atomic<jack_nframes_t> beganAt{0};  // on the server's clock; counts once it HasPlayed
+    std::atomic<bool> playing{false}, serverDied{false};
 };

@@ -1,0 +1,202 @@
+// What becomes of a take: notes, clean notes, tables, files, chords, a picture.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <memory>
+
+#include "notes/notes.h"
+#include "tests/support/midi_reader.h"
+#include "tools/host/chord_line.h"
+#include "tools/host/memory_stream.h"
+#include "tools/host/note_cleaning.h"
+#include "tools/host/note_list.h"
+#include "tools/host/picture.h"
+#include "tools/host/score_output.h"
+#include "tools/host/take_output.h"
+
+namespace {
+
+constexpr std::uint8_t on = 0x90, off = 0x80;
+
+// 1000 Hz, so that a sample is a millisecond; five seconds.
+Take TakeOf(std::vector<TimedEvent> events) {
+    return {1000, 5000, std::move(events)};
+}
+std::string TextOf(const std::vector<HeardNote>& notes) {
+    std::string text;
+    for (const HeardNote& note : notes)
+        text += std::to_string(note.channel) + ":" + std::to_string(note.pitch) + " " +
+                std::to_string(note.begin) + "-" + std::to_string(note.end) + " v" +
+                std::to_string(note.velocity) + "; ";
+    return text;
+}
+
+TEST(NoteList, PairsEachNoteOnWithWhateverEndsItFirst) {
+    const struct {
+        std::vector<TimedEvent> events;
+        const char* notes;
+    } rows[] = {
+        {{{100, {on, 60, 80}},
+          {150, {on, 64, 90}},
+          {160, {on | 1, 60, 70}},
+          {200, {off, 60, 0}},
+          {300, {off | 1, 60, 64}},
+          {250, {off, 64, 0}}},
+         "0:60 100-200 v80; 0:64 150-250 v90; 1:60 160-300 v70; "},
+        // A note-on of velocity 0 is a note-off; a second note-on ends the first; the take's end ends the
+        // rest.
+        {{{1, {on, 60, 80}}, {2, {on, 60, 0}}}, "0:60 1-2 v80; "},
+        {{{1, {on, 60, 80}}, {5, {on, 60, 81}}}, "0:60 1-5 v80; 0:60 5-5000 v81; "},
+        // Delays differ from band to band, and dates before the start are cut to 0: an end may be dated
+        // before its begin, and a begin before that of a note that was sent earlier.
+        {{{9, {on, 60, 80}}, {7, {off, 60, 0}}}, "0:60 9-9 v80; "},
+        {{{30, {on, 40, 1}}, {20, {on, 67, 1}}, {20, {on, 60, 1}}},
+         "0:60 20-5000 v1; 0:67 20-5000 v1; 0:40 30-5000 v1; "},
+        {{{1, {0, 0, 0}}, {2, {off, 60, 0}}, {3, {0xC0, 60, 0}}, {4, {0xB0, 123, 0}}}, ""},
+    };
+    for (const auto& row : rows) EXPECT_EQ(TextOf(PairNotes(TakeOf(row.events))), row.notes);
+}
+
+constexpr int C = 60, E = 64;
+
+HeardNote Note(int pitch, int begin, int end, int velocity = 100) {  // ms at 1000 Hz
+    return {begin, end, 0, pitch, velocity};
+}
+
+// Gaps are joined first, chained, and short notes are looked for after it: three of 30 ms make one of 110. At
+// 120 quarters a minute a sixteenth is 125 ms.
+TEST(NoteCleaning, JoinsDropsAndQuantisesAsItsSettingsSay) {
+    const struct {
+        NoteCleaning settings;  // shortest gap and note: ms; grid; tempo
+        std::vector<HeardNote> notes;
+        const char* cleaned;
+    } rows[] = {
+        {{0, 50, 0, 120},
+         {Note(C, 0, 49), Note(E, 0, 50), Note(C, 100, 100), Note(C, 200, 300)},
+         "0:64 0-50 v100; 0:60 200-300 v100; "},
+        {{20, 50, 0, 120},
+         {Note(C, 0, 30, 80), Note(E, 35, 100), Note(C, 40, 70, 90), Note(C, 80, 110, 70),
+          Note(C, 130, 200, 60)},
+         "0:60 0-110 v80; 0:64 35-100 v100; 0:60 130-200 v60; "},
+        {{0, 0, 16, 120},
+         {Note(C, 60, 300), Note(E, 65, 70), Note(C, 370, 430)},
+         "0:60 0-250 v100; 0:64 125-250 v100; 0:60 375-500 v100; "},
+        {{0, 0, 16, 120}, {Note(C, 0, 100, 50), Note(C, 30, 260, 90)}, "0:60 0-250 v90; "},
+        {{0, 0, 16, 120}, {Note(C, 0, 60), Note(C, 70, 200)}, "0:60 0-125 v100; 0:60 125-250 v100; "},
+        {{0, 0, 16, 120}, {Note(C, 0, 190), Note(C, 185, 400)}, "0:60 0-125 v100; 0:60 125-375 v100; "},
+        {{0, 0, 16, 60}, {Note(C, 130, 490)}, "0:60 250-500 v100; "},
+        {{0, 0, 12, 60}, {Note(C, 300, 700)}, "0:60 334-667 v100; "},  // the first sample behind a third
+    };
+    for (const auto& row : rows) EXPECT_EQ(TextOf(CleanNotes(row.notes, row.settings, 1000)), row.cleaned);
+}
+
+// A file cuts samples to score ticks, and these to MIDI ticks, 120 a quarter. A sixteenth is 30 of them,
+// whatever the tempo and the rate.
+TEST(NoteCleaning, TheGridIsExactInTheMidiFile) {
+    for (const double tempo : {60.0, 96.0, 117.3})
+        for (const std::int32_t hertz : {8000, 44100, 48000, 96000})
+            for (int line = 0; line < 200; ++line) {
+                const std::int64_t near = std::llround(line * 15 / tempo * hertz);
+                const auto notes =
+                    CleanNotes({{near, near + hertz / 100, 0, C, 100}}, {0, 0, 16, tempo}, hertz);
+                const std::int64_t scoreTick = notes.at(0).begin * 22050 / hertz;
+                EXPECT_EQ(static_cast<int>(static_cast<double>(scoreTick) * tempo * 120 / 60 / 22050),
+                          30 * line);
+            }
+}
+
+TEST(NoteCleaning, AnUntouchedTakeStaysAsItIsAndOtherMessagesStayInIt) {
+    const Take take = TakeOf({{0, {0xC0, 5, 0}}, {100, {on, C, 80}}, {110, {off, C, 0}}});
+    EXPECT_EQ(Cleaned(take, {}).events, take.events);
+    const Take cleaned = Cleaned(take, {0, 50, 0, 90});
+    EXPECT_EQ(cleaned.events, (std::vector<TimedEvent>{{0, {0xC0, 5, 0}}}));
+    EXPECT_EQ(cleaned.tempo, 90);
+    EXPECT_EQ(ParseGrid("1/192"), 192);
+    for (const char* text : {"", "16", "1/", "1/0", "1/-4", "1/193", "2/4", "1/8t"})
+        EXPECT_THROW(ParseGrid(text), std::invalid_argument) << text;
+}
+
+// Golden texts: what scripts read, and the manual shows.
+TEST(TakeOutput, TablesJsonAndCsvAreAsDocumented) {
+    const Take take = TakeOf({{100, {on, 60, 80}}, {2500, {off, 60, 0}}, {2400, {on, 100, 127}}});
+    EXPECT_EQ(NoteTable("a b.wav", take),
+              "a b.wav: 5.000 s at 1000 Hz, 2 notes\n"
+              "  start    end  note  MIDI  velocity\n"
+              "  0.100  2.500  C4      60        80\n"
+              "  2.400  5.000  E7     100       127\n"
+              "\n"
+              "  time  chord\n"
+              "   0.1  C\n"
+              "   2.5  E\n"
+              "   5.0  -\n");
+    EXPECT_EQ(NoteTable("x", TakeOf({})), "x: 5.000 s at 1000 Hz, 0 notes\n");
+    EXPECT_EQ(NoteJson("a\n\"b\"\\\xC3\xA9\xFF", TakeOf({{100, {on | 3, 61, 80}}, {2500, {off | 3, 61, 0}}})),
+              R"({"file":"a\n\"b\"\\)"
+              "\xC3\xA9\xEF\xBF\xBD"
+              R"(","rate":1000,"seconds":5.0,"notes":[{"start":0.1,"end":2.5,"name":"C#4","midi":61,)"
+              R"("velocity":80,"channel":4}],"chords":[{"time":0.1,"name":"C#"},{"time":2.5,"name":""}]})"
+              "\n");
+    EXPECT_EQ(EventCsv(TakeOf({{0, {0xC0, 5, 0}},
+                               {1500, {on, 60, 80}},
+                               {1500, {on, 60, 0}},
+                               {7, {0, 0, 0}},
+                               {4999, {off, 60, 64}},
+                               {4999, {0xB0, 123, 0}}})),
+              "time,sample,status,data1,data2,kind\n"
+              "0.000000,0,192,5,0,program\n"
+              "0.007000,7,0,0,0,none\n"
+              "1.500000,1500,144,60,80,note on\n"
+              "1.500000,1500,144,60,0,note off\n"
+              "4.999000,4999,128,60,64,note off\n"
+              "4.999000,4999,176,123,0,controller\n");
+}
+
+Take Chords(const std::vector<std::vector<std::uint8_t>>& chords) {  // a second each, MIDI notes
+    Take take = {48000, static_cast<std::int64_t>(chords.size()) * 48000, {}};
+    std::int64_t start = 0;
+    for (const auto& chord : chords) {
+        for (const std::uint8_t pitch : chord) take.events.push_back({start, {on, pitch, 100}});
+        start += take.rate;
+        for (const std::uint8_t pitch : chord) take.events.push_back({start, {off, pitch, 0}});
+    }
+    return take;
+}
+
+TEST(TakeOutput, FilesHoldTheNotesAtTheirTimes) {
+    Take take = Chords({{60, 64, 67}, {65, 69, 72}, {}, {36}});
+    take.events.push_back({0, {0, 0, 0}});  // a band without a note: no note in the file either
+    const auto score = std::make_unique<TNotes>(), again = std::make_unique<TNotes>();
+    TakeToScore(take, *score);
+    const std::string file = MidiFileBytes(*score);
+    std::vector<std::pair<double, int>> notes;  // to the half second
+    for (const WrittenNote& note : MidiReader({file.begin(), file.end()}).Notes()) {
+        notes.emplace_back(std::round(2 * note.onset) / 2, note.pitch);
+        EXPECT_NEAR(note.onset, notes.back().first, 1.0 / 240);  // a tick of the file
+    }
+    std::sort(notes.begin(), notes.end());
+    EXPECT_EQ(notes, (std::vector<std::pair<double, int>>{
+                         {0, 60}, {0, 64}, {0, 67}, {1, 65}, {1, 69}, {1, 72}, {3, 36}}));
+    MemoryStream stored;
+    stored.bytes = StoredScoreBytes(*score);
+    again->Read(stored);
+    EXPECT_EQ(MidiFileBytes(*again), file);
+}
+
+TEST(TakeOutput, ChordsAreNamedWhereTheyChangeAndPicturesAreOfTheTakesLength) {
+    std::string line;
+    for (const ChordChange& change :
+         ChordLine(Chords({{48, 60, 64, 67}, {48, 60, 64, 67}, {45, 57, 60, 64}, {}})))
+        line += std::to_string(change.time).substr(0, 3) + " " + change.name + "; ";
+    EXPECT_EQ(line, "0.1 C; 2.0 Am; 3.0 ; ");  // ten looks a second, the first after a tenth
+    EXPECT_TRUE(ChordLine(Chords({})).empty());
+    for (const auto& chords : {std::vector<std::vector<std::uint8_t>>{}, {{0, 127}}, {{60}, {}, {64}}}) {
+        const std::string png = PianoRoll(Chords(chords));
+        ASSERT_GT(png.size(), 24U);
+        EXPECT_EQ(png.substr(1, 3), "PNG");
+        const auto byte = [&](std::size_t at) { return static_cast<unsigned char>(png[at]); };
+        // The header chunk's width. 44 + 8 pixels of margins, 80 a second, one second at least.
+        EXPECT_EQ(byte(18) * 256 + byte(19), 52 + 80 * std::max<int>(1, static_cast<int>(chords.size())));
+    }
+}
+
+}  // namespace
