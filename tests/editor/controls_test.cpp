@@ -15,7 +15,7 @@ using Names = std::vector<std::string>;
 
 constexpr Place barsOff = {30, 279}, barsHalf = {130, 279};
 constexpr Place nameLabel = {200, 71}, versionLabel = {200, 91};
-constexpr Place saveLogButton = {215, 291}, registerButton = {45, 291}, helpButton = {363, 23};
+constexpr Place registerButton = {45, 291}, helpButton = {363, 23};
 
 class Controls : public EditorTest {
 protected:

@@ -65,3 +65,4 @@ private:
 
 constexpr Place mainButton = {45, 23}, equalizerButton = {117, 23}, optionsButton = {189, 23};
 constexpr Place recordButton = {176, 285}, stopButton = {205, 285}, saveButton = {234, 285};
+constexpr Place saveLogButton = {215, 291};

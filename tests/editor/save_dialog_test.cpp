@@ -1,3 +1,5 @@
+#include <gmock/gmock.h>
+
 #include "tests/editor/editor_test.h"
 #include "tests/support/await.h"
 #include "tests/support/temp_folder.h"
