@@ -55,7 +55,7 @@ inline const LV2_Descriptor* FileDescriptor() {
 // An LV2 host with one plug-in: its features, a buffer for each port, and the work that it was asked for.
 class Lv2Host {
 public:
-    enum Offer { everything, noWorker, noMap };
+    enum Offer { everything, noWorker, noMap, emptyMap };
 
     explicit Lv2Host(const LV2_Descriptor* plugin = PluginDescriptor(), Offer offer = everything,
                      double rate = 44100)
@@ -67,8 +67,9 @@ public:
                         return static_cast<Lv2Host*>(self)->Asked();
                     }};
         const LV2_Feature mapFeature{LV2_URID__map, &map}, workFeature{LV2_WORKER__schedule, &schedule};
-        std::vector<const LV2_Feature*> features;
-        if (offer != noMap) features.push_back(&mapFeature);
+        const LV2_Feature nameless{}, emptyFeature{LV2_URID__map, nullptr};
+        std::vector<const LV2_Feature*> features{&nameless};
+        if (offer != noMap) features.push_back(offer == emptyMap ? &emptyFeature : &mapFeature);
         if (offer != noWorker) features.push_back(&workFeature);
         features.push_back(nullptr);
         handle = descriptor->instantiate(descriptor, rate, ORVA_BUNDLE, features.data());

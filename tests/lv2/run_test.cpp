@@ -65,7 +65,7 @@ TEST(Lv2Run, PortsAndDeactivationReachTheNotes) {
     const Lv2Events events = host.Run(Tones({69}, 0.5));
     ASSERT_FALSE(events.empty());
     EXPECT_EQ(events.back().data, std::string("\x9F\x45\x3F", 3));
-    EXPECT_EQ(std::count(events.begin(), events.end(), Lv2Event{0, std::string("\xCF\x7F", 2)}), 1);
+    EXPECT_GE(std::count(events.begin(), events.end(), Lv2Event{0, std::string("\xCF\x7F", 2)}), 1);
     host.control[paramOutputToHost] = 0;
     EXPECT_EQ(host.Run(Tones({69}, 0.1)), (Lv2Events{{0, std::string("\x8F\x45\x00", 3)}}));
     EXPECT_EQ(host.Run(Tones({72}, 0.5)), Lv2Events());
@@ -85,6 +85,7 @@ TEST(Lv2Run, WorksInPlaceWithoutConnectionsAndAtAnyRate) {
     EXPECT_EQ(audio, tone);
 
     EXPECT_EQ(Lv2Host(plugin, Lv2Host::noMap).handle, nullptr);
+    EXPECT_EQ(Lv2Host(plugin, Lv2Host::emptyMap).handle, nullptr);
     EXPECT_EQ(plugin->instantiate(plugin, 44100, "", nullptr), nullptr);
     for (const double rate : {0.0, -1.0, 8000.0, 192000.0, 1e30, std::nan("")}) {
         Lv2Host at(plugin, Lv2Host::everything, rate);

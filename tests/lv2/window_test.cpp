@@ -68,8 +68,8 @@ protected:
                       return 0;
                   }};
         const LV2_Feature access{LV2_INSTANCE_ACCESS_URI, instance}, sizes{LV2_UI__resize, &resize},
-            place{LV2_UI__parent, desktop.Handle()};
-        std::vector<const LV2_Feature*> features{&sizes};
+            place{LV2_UI__parent, desktop.Handle()}, nameless{};
+        std::vector<const LV2_Feature*> features{&nameless, &sizes};
         if (instance != nullptr) features.push_back(&access);
         if (where == inParent) features.push_back(&place);
         features.push_back(nullptr);
