@@ -59,8 +59,8 @@ TEST(NoteList, PairsEachNoteOnWithWhateverEndsItFirst) {
 
 constexpr int C = 60, E = 64;
 
-HeardNote Note(int pitch, int begin, int end, int velocity = 100) {  // ms at 1000 Hz
-    return {begin, end, 0, pitch, velocity};
+HeardNote Note(int pitch, int begin, int end, int velocity = 100) {  // ms at 44100 Hz
+    return {std::llround(begin * 44.1), std::llround(end * 44.1), 0, pitch, velocity};
 }
 
 // Gaps are joined first, chained, and short notes are looked for after it: three of 30 ms make one of 110. At
@@ -85,9 +85,16 @@ TEST(NoteCleaning, JoinsDropsAndQuantisesAsItsSettingsSay) {
         {{0, 0, 16, 120}, {Note(C, 0, 60), Note(C, 70, 200)}, "0:60 0-125 v100; 0:60 125-250 v100; "},
         {{0, 0, 16, 120}, {Note(C, 0, 190), Note(C, 185, 400)}, "0:60 0-125 v100; 0:60 125-375 v100; "},
         {{0, 0, 16, 60}, {Note(C, 130, 490)}, "0:60 250-500 v100; "},
-        {{0, 0, 12, 60}, {Note(C, 300, 700)}, "0:60 334-667 v100; "},  // the first sample behind a third
+        {{0, 0, 12, 60}, {Note(C, 300, 700)}, "0:60 333-667 v100; "},
     };
-    for (const auto& row : rows) EXPECT_EQ(TextOf(CleanNotes(row.notes, row.settings, 1000)), row.cleaned);
+    for (const auto& row : rows) {
+        std::vector<HeardNote> notes = CleanNotes(row.notes, row.settings, 44100);
+        for (HeardNote& note : notes) {
+            note.begin = std::lround(static_cast<double>(note.begin) / 44.1);
+            note.end = std::lround(static_cast<double>(note.end) / 44.1);
+        }
+        EXPECT_EQ(TextOf(notes), row.cleaned);
+    }
 }
 
 // A file cuts samples to score ticks, and these to MIDI ticks, 120 a quarter. A sixteenth is 30 of them,
