@@ -101,7 +101,9 @@ bool Host::Play(const std::vector<float>& audio, std::size_t block, Way way, boo
         for (std::size_t at = 0; at < in.size(); at += block)
             call(&in[at], inPlace ? &in[at] : &out[at],
                  static_cast<std::int32_t>(std::min(block, in.size() - at)));
-        return inPlace || std::memcmp(out.data(), before.data(), before.size() * sizeof before[0]) == 0;
+        // What is added to 0 may lose the sign of a zero.
+        return inPlace || (way == Way::accumulating && out == before) ||
+               std::memcmp(out.data(), before.data(), before.size() * sizeof before[0]) == 0;
     };
     if (way == Way::doubleReplacing)
         return play(std::vector<double>(audio.begin(), audio.end()),

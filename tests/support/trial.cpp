@@ -176,7 +176,13 @@ void Trial::Fail(std::string_view what) const {
     _exit(1);
 }
 
-void Run(const Trials& trials, const std::function<void(Trial&)>& body) {
+void Trial::Pass() {
+    ++page->done;
+    std::fflush(nullptr);
+    _exit(0);
+}
+
+void RunTrials(const Trials& trials, const std::function<void(Trial&)>& body) {
     RunSeed();
     Runner(trials, body).Run();
 }

@@ -29,6 +29,7 @@ public:
         if (!passes) Fail(what);
     }
     [[noreturn]] void Fail(std::string_view what) const;
+    [[noreturn]] static void Pass();  // ends the case, the last of its process
 
     const std::uint64_t number;  // of the case, from 0
     std::mt19937_64 random;      // from the run's seed, the test's name and the number
@@ -43,9 +44,9 @@ struct Trials {
 };
 
 // Runs the cases over all cores, stops at the first that fails, and prints how many were run.
-void Run(const Trials& trials, const std::function<void(Trial&)>& body);
+void RunTrials(const Trials& trials, const std::function<void(Trial&)>& body);
 
 // One piece of work in a process of its own: the same for a single case.
 inline void InChild(const std::function<void(Trial&)>& body, double seconds = 60) {
-    Run({1, 1, seconds, true, true}, body);
+    RunTrials({1, 1, seconds, true, true}, body);
 }
