@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "engine/real_time_detector.h"
-#include "torture/model/recorder.h"
+#include "tests/model/recorder.h"
 
 // What matters of a host.
 struct ModelHostKind {
@@ -13,9 +13,9 @@ struct ModelHostKind {
     float sampleRate = 44100;  // as it answers at construction
 };
 
-// The plug-in object once more, as its host meets it: every answer, every call to the host, to a device and
-// to the user, the notes, and the take. The detector is the product's own with its plain loops, since what is
-// restated here is the road behind it. Rates from 100 Hz to below 2^31 Hz; no editor window, no chords.
+// The plug-in object once more, as its host sees it: every answer, every call to the host, to a device and to
+// the user, the notes, and the take. The detector is the product's own with its plain loops: what is restated
+// is the path behind it. Rates from 100 Hz to below 2^31 Hz; no editor window, no chords.
 class ModelPlugin {
 public:
     explicit ModelPlugin(const ModelHostKind& host);
@@ -33,12 +33,12 @@ public:
     void StartRecording();
     void StopRecording();
 
-    std::vector<ModelHostCall> calls;  // in their order; questions about version and vendor left out
+    std::vector<ModelHostCall> calls;  // in their order; what only asks is left out
     std::vector<std::string> boxes;    // caption and text of each message to the user
     ModelPorts devices;
 
     struct Handler : INoteHandler {
-        explicit Handler(ModelRecorder& told) : recorder(told) {}
+        explicit Handler(ModelRecorder& notified) : recorder(notified) {}
         void Attach(INoteDetector*) override {}
         void OnFrame() override { recorder.OnFrame(); }
         ModelRecorder& recorder;
@@ -60,16 +60,13 @@ private:
     void StopSteps();
     void StopOutputs();
     void SetSampleRate(float rate);
-    void LogHostInfo();
     bool StringToParameter(std::int32_t index, const char* text);
     std::string Name(std::int32_t index) const;
     std::string Display(float value, std::int32_t index) const;
     void ApplyDevice(float value);
     bool OpenDevice(float value);
     void CloseDevice();
-    void SayToHost(std::int32_t opcode, std::int32_t number = 0, const char* text = "") {
-        calls.push_back({opcode, number, 0, text});
-    }
+    void SayToHost(std::int32_t opcode, std::int32_t number = 0) { calls.push_back({opcode, number, 0, {}}); }
 
     const ModelHostKind kind;
     Handler handler{recorder};

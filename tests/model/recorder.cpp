@@ -1,4 +1,4 @@
-#include "torture/model/recorder.h"
+#include "tests/model/recorder.h"
 
 #include <algorithm>
 

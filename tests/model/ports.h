@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-// The devices of the system as the plug-in meets them, and the table of ports before them, once more and
-// plainly. What reaches the devices is written down as lines: "open 2" (a device id), then by handle "send 1
-// 90 3c 64", "close 1", "reset 1", "long 1 3"; "stale" is a send to a handle that has been closed.
+// The devices of the system, and the table of ports in front of them, once more and plainly. What reaches the
+// devices is written down as lines: "open 2" (a device id), then by handle "send 1 90 3c 64", "close 1",
+// "reset 1", "long 1 3"; "stale" is a send to a handle that has been closed.
 class ModelPorts {
 public:
     // The devices.

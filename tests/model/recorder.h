@@ -5,10 +5,10 @@
 #include <vector>
 
 #include "engine/note_detector.h"
-#include "torture/model/ports.h"
+#include "tests/model/ports.h"
 
 // The note handler and its outputs once more: one thread, no locks, nothing clever. It is the expected answer
-// where the product is tried, and shares no code with it but the detector's interface.
+// where the product is tested, and shares no code with it but the detector's interface.
 
 // Something said to the host.
 struct ModelHostCall {

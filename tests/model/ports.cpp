@@ -1,4 +1,4 @@
-#include "torture/model/ports.h"
+#include "tests/model/ports.h"
 
 #include <algorithm>
 #include <cstdio>
