@@ -1,0 +1,179 @@
+// The plug-in lives on when memory runs out and when what it calls throws; and a day of audio leaves nothing.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <fstream>
+#include <mutex>
+#include <stdexcept>
+#include <thread>
+
+#include "module/plugin_entry.h"
+#include "plugin/editor_interface.h"
+#include "plugin/gui_plugin.h"
+#include "tests/support/devices.h"
+#include "tests/support/host.h"
+#include "tests/support/messages.h"
+#include "tests/support/music.h"
+#include "tests/support/temp_folder.h"
+#include "tests/support/trial.h"
+#include "tests/support/watch.h"
+
+namespace {
+
+// What a host and a user do in a short life of the plug-in. What the editor calls, it catches by itself.
+void LiveAndSave(Host& host, const Audio& music, const std::string& file) {
+    const auto quietly = [](auto work) {
+        try {
+            work();
+        } catch (...) {
+        }
+    };
+    if (!host.Open(OpenPlugin)) return;
+    auto& object = host.Object<CORVAguivst>();
+    host.Call(effOpen);
+    host.Call(effSetSampleRate, 0, 0, nullptr, 44100);
+    host.Call(effMainsChanged, 0, 1);
+    for (std::int32_t index = 0; index < parameterCount; ++index) host.Set(index, 0.6F);
+    host.Set(paramDevice, 0.01F), host.Set(paramDeviceEnabled, 1);
+    quietly([&] { object.startRecording(); });
+    char text[256] = "20";
+    for (const auto opcode :
+         {effGetParamDisplay, effGetParamName, effCanDo, effGetEffectName, effSetProgramName})
+        host.Call(opcode, 1, 0, text);
+    float out[1024];
+    for (std::size_t at = 0; at + 1024 <= music.size(); at += 1000 + at % 24) {
+        host.Process(Way::replacing, const_cast<float*>(&music[at]), out, 1000);
+        if (at % 5 == 0) host.Call(effEditIdle);
+    }
+    host.Call(effMainsChanged, 0, 0);
+    quietly([&] { object.stopRecording(); });
+    quietly([&] { object.saveRecording(file); });
+    quietly([&] { object.currentChordText(); });
+}
+
+struct Disturbance {
+    void (*begin)(Trial& trial, Host& host, FakeDevices& devices);
+    void (*end)();
+};
+
+std::int64_t BlocksKept(Trial& trial, const Disturbance* disturbance, const Audio& music,
+                        const std::string& file) {
+    const std::int64_t before = Allocations::Live();
+    for (const Disturbance* const each : {disturbance, static_cast<const Disturbance*>(nullptr)}) {
+        FakeDevices devices;
+        Messages messages;
+        devices.keepsLines = messages.keepsTexts = false;
+        SubstituteMidiOut(&devices);
+        {
+            Host host(48000);
+            host.keepsEvents = false;
+            if (each != nullptr) each->begin(trial, host, devices);
+            try {
+                LiveAndSave(host, music, file);
+            } catch (...) {
+                if (each != nullptr) each->end();
+                trial.Fail("an exception came out of a call");
+            }
+            if (each != nullptr) each->end();
+            // An editor that could not be made closes the entry for the rest of the process.
+            if (each != nullptr) editorCreationFailed = false;
+            trial.Require(each != nullptr || host.effect != nullptr, "the plug-in does not open afterwards");
+            // On another thread, which a lock that was left locked would stop.
+            if (host.effect != nullptr)
+                std::thread([&] { host.Play(music, 4096), host.Set(paramVelocity, 0.5F); }).join();
+        }
+        SubstituteMidiOut(nullptr);
+        trial.Require(devices.OpenCount() == 0, "a device was left open");
+    }
+    return Allocations::Live() - before;
+}
+
+// A life that is disturbed and one that is not leave no more behind than two that are not.
+void Disturb(Trial& trial, const Disturbance& disturbance) {
+    const TempFolder folder;
+    const Audio music = BusyMusic(trial.random, 48000, 1.5);
+    try {  // what the first exception of a process leaves behind for good
+        std::once_flag once;
+        std::call_once(once, [] { throw std::runtime_error("rehearsed"); });
+    } catch (const std::runtime_error&) {
+    }
+    BlocksKept(trial, nullptr, music, folder / "take");
+    const std::int64_t usual = BlocksKept(trial, nullptr, music, folder / "take");
+    const std::int64_t kept = BlocksKept(trial, &disturbance, music, folder / "take");
+    ASSERT_LE(kept, usual) << "blocks were lost";
+}
+
+#if ORVA_WATCHES
+// Every seventh of some 500 allocations, alone and with all that follow; with the scale, others besides.
+TEST(Memory, WhicheverAllocationFailsThePlugInWorksOnAndNothingIsLost) {
+    RunTrials({140, 1}, [](Trial& trial) {
+        const auto begin = [](Trial& own, Host&, FakeDevices&) {
+            Allocations::Fail(own.number / 2 * 7 % 490 + 1 + own.number / 140 + own.Below(7),
+                              own.number % 2 == 1);
+        };
+        Disturb(trial, {begin, [] { Allocations::Succeed(); }});
+    });
+}
+#endif
+
+std::uint64_t callsLeft = 0, kindThrown = 0;
+
+void ThrowInTime() {
+    if (callsLeft == 0 || --callsLeft > 0) return;
+    if (kindThrown == 0) throw std::runtime_error("thrown by the other side");
+    if (kindThrown == 1) throw std::bad_alloc();
+    throw 1;
+}
+
+TEST(Memory, WhicheverCallOfTheHostsOrADevicesThrowsThePlugInWorksOn) {
+    RunTrials({60, 1}, [](Trial& trial) {
+        const auto begin = [](Trial& own, Host& host, FakeDevices& devices) {
+            kindThrown = own.number % 3;
+            callsLeft = 1 + own.Below(own.number % 2 == 0 ? 60 : 200);
+            (own.number % 2 == 0 ? host.atCall : devices.atCall) = ThrowInTime;
+        };
+        Disturb(trial, {begin, [] { callsLeft = 0; }});
+    });
+}
+
+// Bytes of memory that the process holds of its own.
+double Resident() {
+    long size = 0, resident = 0, shared = 0;
+    std::ifstream("/proc/self/statm") >> size >> resident >> shared;
+    return 4096.0 * static_cast<double>(resident - shared);
+}
+
+// 25 hours pass 2^32 samples. Minutes usually, with the clock of the last hour.
+TEST(Memory, ADayOfAudioLeavesMemoryAndEventsAsTheyWere) {
+    RunTrials({1, 1, 3600}, [](Trial& trial) {
+        const std::uint64_t minutes = Scaled(100) >= 1000 ? 1500 : 3;
+        FakeDevices devices;
+        devices.keepsLines = false;
+        SubstituteMidiOut(&devices);
+        Host host(48000);
+        ASSERT_TRUE(host.Open(OpenPlugin));
+        for (const auto output : {paramOutputToHost, paramDeviceEnabled, paramChordsEnabled})
+            host.Set(output, 1);
+        const Audio music = BusyMusic(trial.random, 48000, 56), silence(4 * 48000);
+        std::vector<Host::Event> first;
+        double memory = 0;
+        for (std::uint64_t minute = 0; minute < minutes; ++minute) {
+            host.Play(silence);
+            host.TakenEvents();
+            const std::int64_t begin = host.clock;
+            host.Play(music);
+            std::vector<Host::Event> events = Later(host.TakenEvents(), -begin);
+            if (minute == 0) first = events;
+            if (minute == 1) memory = Resident();
+            ASSERT_EQ(events, first) << "minute " << minute;
+        }
+        ASSERT_GT(first.size(), 100U);
+#if ORVA_WATCHES
+        EXPECT_LE(Resident() - memory, 65536);
+#endif
+        host.Close();
+        SubstituteMidiOut(nullptr);
+    });
+}
+
+}  // namespace
