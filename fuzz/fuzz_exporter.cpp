@@ -5,8 +5,6 @@
 // 2 bytes of bar spacing; 2 bytes of bar count, 5 bytes a bar (distance from the one before, beats); 18 bytes
 // a note for the rest.
 #include <bit>
-#include <cstdio>
-#include <cstdlib>
 #include <memory>
 
 #include "fuzz/heap_watch.h"
@@ -18,12 +16,6 @@ namespace {
 
 constexpr std::uint32_t equalBars = 1000;
 constexpr double longestExport = 1;  // s of processor time
-
-void Demand(bool held, const char* what) {
-    if (held) return;
-    std::fprintf(stderr, "does not hold: %s\n", what);
-    std::abort();
-}
 
 std::uint32_t GetTime(MemoryStream& input, std::uint8_t options) {
     return GetU32(input) & ((options & 4) != 0 ? 0xFFFFFFFF : 0xFFFFFF);

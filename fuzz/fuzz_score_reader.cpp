@@ -1,8 +1,6 @@
 // The reader of stored scores on any bytes: it loads, or raises one of its messages or an allocation failure,
 // and what it loaded is sound, comes back the same, and took memory in proportion.
 #include <algorithm>
-#include <cstdio>
-#include <cstdlib>
 #include <memory>
 #include <random>
 #include <stdexcept>
@@ -17,18 +15,11 @@ extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, st
 
 namespace {
 
-constexpr std::size_t headSize = 18;    // bytes before the notes
-constexpr std::size_t recordSize = 24;  // bytes of a note
-constexpr double longestReading = 5;    // s of processor time
-constexpr std::size_t besideBudget = std::size_t{1}
-                                     << 20;  // bytes: the stream's copy of the file, an exception
-constexpr std::size_t checkedNotes = 30;     // the check scans all notes for each point
-
-void Demand(bool held, const std::string& what) {
-    if (held) return;
-    std::fprintf(stderr, "does not hold: %s\n", what.c_str());
-    std::abort();
-}
+constexpr std::size_t headSize = 18;            // bytes before the notes
+constexpr std::size_t recordSize = 24;          // bytes of a note
+constexpr double longestReading = 5;            // s of processor time
+constexpr std::size_t besideBudget = 1U << 20;  // bytes: the stream's copy of the file, an exception
+constexpr std::size_t checkedNotes = 30;        // the check scans all notes for each point
 
 bool Load(TNotes& score, const Bytes& bytes) {
     MemoryStream stream(bytes);

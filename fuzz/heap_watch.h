@@ -3,7 +3,17 @@
 
 #include <atomic>
 #include <cstddef>
+#include <cstdio>
+#include <cstdlib>
 #include <ctime>
+#include <string>
+
+// Ends the fuzzing, with the input kept, unless it is true.
+inline void Demand(bool isTrue, const std::string& what) {
+    if (isTrue) return;
+    std::fprintf(stderr, "not true: %s\n", what.c_str());
+    std::abort();
+}
 
 // What the process has on its heap, as the allocator sees it and not as the code under test counts it, and
 // how long it has worked. One at a time; what was there before counts as nothing.
