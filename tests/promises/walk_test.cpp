@@ -137,7 +137,7 @@ void SomeCall(Trial& trial, SideBySide& both) {
 
 TEST(Walk, CallsInAnyOrderAreAnsweredAsTheModelSays) {
     constexpr std::uint64_t batch = 50;
-    RunTrials({8000, batch}, [](Trial& trial) {
+    RunTrials({1500, batch}, [](Trial& trial) {
         SideBySide both(trial, KindOfBatch(trial, batch));
         for (int call = 0; call < 120; ++call) SomeCall(trial, both);
         both.CompareState();
