@@ -74,9 +74,10 @@ void TRealTimeTS107::Process(const short* samples, unsigned bytes) {
     FlushToZero arithmetic;
     ResonatorBank bank = Bank();
     for (std::int32_t left = static_cast<std::int32_t>(bytes / sizeof(short)); left > 0;) {
-        std::int32_t run = std::min({left, blockCountdown, frameCountdown});
+        const std::int32_t ahead = SamplesToFrame(left);
+        std::int32_t run = std::min(ahead, blockCountdown);
         // One sample behind the last block must be there to read.
-        const std::int32_t whole = std::min(left - 1, frameCountdown) / blockLength;
+        const std::int32_t whole = std::min(left - 1, ahead) / blockLength;
         if (blockCountdown == blockLength && whole > 0) {
             run = whole * blockLength;
             kernels.stepBlocks(bank, samples, whole);
@@ -86,11 +87,19 @@ void TRealTimeTS107::Process(const short* samples, unsigned bytes) {
         }
         samples += run;
         left -= run;
-        frameCountdown -= run;
+        frameCountdown = static_cast<std::int32_t>(static_cast<std::uint32_t>(frameCountdown) -
+                                                   static_cast<std::uint32_t>(run));
         if (frameCountdown != 0) continue;
         RunFrame(arithmetic);
         bank = Bank();  // the handler may have led to new tables
     }
+}
+
+// How many of the next samples come up to the end of a frame. Below 100 Hz a frame has no samples: its
+// countdown starts at 0 and runs through all 32 bits.
+std::int32_t TRealTimeTS107::SamplesToFrame(std::int32_t left) const {
+    const std::uint32_t behindFirst = static_cast<std::uint32_t>(frameCountdown) - 1U;
+    return static_cast<std::int32_t>(std::min(static_cast<std::uint32_t>(left - 1), behindFirst) + 1U);
 }
 
 void TRealTimeTS107::KeepSamples(const short* samples, std::int32_t count) {

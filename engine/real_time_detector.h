@@ -28,7 +28,8 @@ class TRealTimeTS107 : public INoteDetector {
 public:
     static constexpr std::int32_t minBands = 49;  // the fewest for which each range of the separation exists
 
-    // sampleRate in Hz, at least 100 for frames to come at their rate. Fewer than minBands become minBands.
+    // sampleRate in Hz, at least 100 for frames to come at their rate; below it none comes. Fewer than
+    // minBands become minBands.
     TRealTimeTS107(std::int32_t sampleRate, std::int32_t referenceBand, std::int32_t numBands);
 
     // Takes bytes / 2 samples; an odd byte at the end is ignored. Calls handler->OnFrame at each frame.
@@ -136,6 +137,7 @@ private:
     void ClearAnalysis();
 
     // The frame, in the order of its steps.
+    std::int32_t SamplesToFrame(std::int32_t left) const;
     void KeepSamples(const short* samples, std::int32_t count);
     void FinishBlock();
     void SettleAccumulators();

@@ -87,6 +87,18 @@ INSTANTIATE_TEST_SUITE_P(Rates, SameAsPlain,
                                     std::get<1>(given.param).name;
                          });
 
+// A frame of 10 ms has no samples there, so none ever comes; the resonators step on.
+TEST(SameAsPlainBelow100Hz, TheBankRunsOnWithoutFrames) {
+    for (const std::int32_t rate : {99, 30}) {
+        TRealTimeTS107 detector(rate, 45, 84);
+        PlainDetector plain(rate, 45, 84);
+        const Audio audio = Noise(rate, 5);
+        detector.Process(audio.data(), Bytes(audio.size()));
+        plain.Process(audio.data(), Bytes(audio.size()));
+        EXPECT_EQ(Difference(detector, plain), "") << rate << " Hz";
+    }
+}
+
 // Spectra that no sound makes: ties, zeros, partials stronger than their note, and templates of
 // any shape.
 TEST(SameAsPlainByFrame, AnySpectrumAndTemplateGiveTheSameDecision) {
