@@ -9,23 +9,18 @@ namespace {
 
 thread_local MemoryBudget* currentBudget = nullptr;
 
-// What the C library takes for a block: 8 bytes of its own, in steps of 16, and never less than 32.
-std::size_t Booked(std::size_t bytes) {
-    return std::max<std::size_t>(32, (bytes + 8 + 15) / 16 * 16);
-}
-
 constexpr bool IsPlain(std::size_t alignment) {
     return alignment <= __STDCPP_DEFAULT_NEW_ALIGNMENT__;
 }
 
 class FreeStore : public std::pmr::memory_resource {
     void* do_allocate(std::size_t bytes, std::size_t alignment) override {
-        MemoryBudget::Charge(Booked(bytes));
+        MemoryBudget::Charge(MemoryBudget::BlockSize(bytes));
         try {  // an alignment that any block has is not asked for, which would cost a slower road
             return IsPlain(alignment) ? ::operator new(bytes)
                                       : ::operator new (bytes, std::align_val_t{alignment});
         } catch (...) {
-            MemoryBudget::Release(Booked(bytes));
+            MemoryBudget::Release(MemoryBudget::BlockSize(bytes));
             throw;
         }
     }
@@ -34,7 +29,7 @@ class FreeStore : public std::pmr::memory_resource {
             ::operator delete(block);
         else
             ::operator delete (block, std::align_val_t{alignment});
-        MemoryBudget::Release(Booked(bytes));
+        MemoryBudget::Release(MemoryBudget::BlockSize(bytes));
     }
     bool do_is_equal(const std::pmr::memory_resource& other) const noexcept override {
         return this == &other;
@@ -57,6 +52,10 @@ MemoryBudget::MemoryBudget(std::size_t bytes) : limit(bytes), outer(currentBudge
 
 MemoryBudget::~MemoryBudget() {
     currentBudget = outer;
+}
+
+std::size_t MemoryBudget::BlockSize(std::size_t bytes) {
+    return std::max<std::size_t>(32, (bytes + 8 + 15) / 16 * 16);
 }
 
 void MemoryBudget::Charge(std::size_t bytes) {

@@ -25,6 +25,8 @@ public:
     // For memory from elsewhere that belongs to the same work, a string's say. Without a budget, nothing.
     static void Charge(std::size_t bytes);
     static void Release(std::size_t bytes) noexcept;
+    // What the C library takes for a block: 8 bytes of its own, in steps of 16, and never less than 32.
+    static std::size_t BlockSize(std::size_t bytes);
 
 private:
     std::size_t limit;  // bytes

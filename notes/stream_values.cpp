@@ -29,14 +29,14 @@ constexpr double floatOverflow = 0x1.ffffffp127;
 
 constexpr std::size_t firstPiece = 4096;  // bytes that a long string takes to begin with
 
-// Makes room for more text, at most twice what there is, and lets the budget know of both while they stand
-// side by side.
+// Makes space for more text, at most twice what there is, and charges the budget for both while they stand
+// side by side. The charge is for what reserve takes: a string grows to twice its capacity at least.
 void GrowString(std::string& text, std::size_t missing) {
     const std::size_t held = text.capacity();
-    const std::size_t doubled = std::max(2 * held, firstPiece);
-    MemoryBudget::Charge(doubled);
-    text.reserve(std::min(text.size() + missing, doubled));
-    MemoryBudget::Release(held);
+    const std::size_t larger = std::max(2 * held, std::min(text.size() + missing, firstPiece));
+    MemoryBudget::Charge(MemoryBudget::BlockSize(larger + 1));
+    text.reserve(larger);
+    if (held > std::string().capacity()) MemoryBudget::Release(MemoryBudget::BlockSize(held + 1));
 }
 
 }  // namespace

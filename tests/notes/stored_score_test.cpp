@@ -41,7 +41,7 @@ struct ReadScore {
         MemoryStream stream(bytes);
         try {
             score->Read(stream);
-        } catch (const std::runtime_error& error) {
+        } catch (const std::exception& error) {
             failure = error.what();
         }
     }
@@ -139,6 +139,19 @@ TEST(StoredScore, EachBadHeaderHasItsMessage) {
     EXPECT_EQ(ReadScore(version.All()).failure, "Cannot read file: newer or incompatible file format.");
     EXPECT_EQ(ReadScore(rate.All()).failure, "Invalid data format");
     EXPECT_EQ(ReadScore(count.All()).failure, "Invalid data format");
+}
+
+// A string of 16 bytes is the first that takes memory of its own, some 48 bytes: 66,000 are a few MiB.
+TEST(StoredScore, ManyShortNamesAreWithinTheReadersBudget) {
+    StoredScore stored;
+    stored.layers = {0, 1, 0x01, 0xD0};  // 66,000
+    for (int name = 0; name < 66000; ++name) {
+        stored.layers.insert(stored.layers.end(), {0, 0, 0, 16});
+        stored.layers.insert(stored.layers.end(), 16, 'n');
+    }
+    const ReadScore read(stored.All());
+    EXPECT_EQ(read.failure, "none");
+    EXPECT_EQ(read.score->layers.at(65999).name, std::string(16, 'n'));
 }
 
 TEST(StoredScore, NotesBeforeABreakAreKept) {
