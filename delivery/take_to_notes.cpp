@@ -101,7 +101,9 @@ void TakeToNotes(const std::vector<TRecordEvent>& take, TNotes& notes, std::uint
     std::iota(order.begin(), order.end(), std::size_t{0});
     std::sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) {
         if (take[a].time != take[b].time) return take[a].time < take[b].time;
-        return Rank(take[a].message) < Rank(take[b].message);
+        const int rankOfA = Rank(take[a].message);
+        const int rankOfB = Rank(take[b].message);
+        return rankOfA != rankOfB ? rankOfA < rankOfB : a < b;  // equal events keep their order
     });
 
     const auto reader =
