@@ -2,12 +2,12 @@
 
 #include <dlfcn.h>
 
+#include <algorithm>
 #include <chrono>
 #include <filesystem>
 
 #include "delivery/midi_device_list.h"
 #include "editor/help_file.h"
-#include "editor/idle_clock.h"
 #include "editor/look.h"
 #include "editor/message_view.h"
 #include "editor/pictures.h"
@@ -99,6 +99,7 @@ bool guiEditor::MakeWindow(void* parent) {
     for (std::int32_t i = 0; i < firstNoParameter; ++i) window->setParameter(i, effect->getParameter(i));
     isEditorOpen = true;
     lastIdleTick = Ticks();
+    blockWatch.Restart(effect->totalSamples, lastIdleTick);
     effect->messages.SetWindow(this);
     return true;
 }
@@ -146,10 +147,13 @@ void guiEditor::idle() {
         PollFileDialog();
         ShowNextMessage();
 
-        const std::uint32_t steps = WholeIdleSteps(Ticks(), lastIdleTick);
+        const std::uint32_t ticks = Ticks();
+        const std::uint32_t steps = WholeIdleSteps(ticks, lastIdleTick);
         if (steps > 0) {
             if (window != nullptr) {
                 effect->buildLevels(levels);
+                if (blockWatch.HasStopped(effect->totalSamples, ticks))
+                    std::fill(levels.begin(), levels.end(), 0);
                 window->update(levels);
             }
             AEffGUIEditor::idle();

@@ -9,6 +9,7 @@
 
 #include "base/relaxed.h"
 #include "editor/aeff_gui_editor.h"
+#include "editor/idle_clock.h"
 #include "editor/mailbox.h"
 #include "platform/file_dialog.h"
 #include "platform/message_box.h"
@@ -86,6 +87,7 @@ public:
 private:
     CPlugWindow* window = nullptr;   // the frame owns it; none while closed
     std::uint32_t lastIdleTick = 0;  // ms; start of the step in progress
+    BlockWatch blockWatch;           // without blocks the picture is dark
 
     Mailbox mailbox;
     std::vector<std::function<void()>> errands;  // for the next idle call

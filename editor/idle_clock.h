@@ -17,3 +17,23 @@ constexpr std::uint32_t WholeIdleSteps(std::uint32_t now, std::uint32_t last) {
 constexpr std::uint32_t AdvanceIdleTick(std::uint32_t last, std::uint32_t steps) {
     return last + steps * idleStep;
 }
+
+// Whether the host still hands over blocks. One whose transport rests may stop calling, and then what sounded
+// last is no longer what sounds.
+//
+// Threads: [ui]. The count of samples is the heartbeat: the audio thread moves it at each block that has any.
+class BlockWatch {
+public:
+    static constexpr std::uint32_t limit = 500;  // ms without a block
+
+    void Restart(std::uint64_t samples, std::uint32_t now) { seen = samples, since = now; }
+    bool HasStopped(std::uint64_t samples, std::uint32_t now) {
+        if (samples != seen) Restart(samples, now);
+        if (now - since > limit) since = now - limit;  // so that the ticks may wrap meanwhile
+        return now - since == limit;
+    }
+
+private:
+    std::uint64_t seen = 0;   // samples at the last look that found a new block
+    std::uint32_t since = 0;  // ms, when that was
+};
