@@ -74,13 +74,17 @@ void TNoteRecorder::OnFrame() {
     if (!active) return;
     const Hold held(*this);
     time = time + frameLength;
+    CopyBands();
+    if (startOnFirstNote && !firstNoteSeen) StartOnFirstNote();
+    outputs.ForEach([](TNoteOut& output) { output.Update(); });
+    for (std::int32_t band = 0; band < numBands; ++band) playing[band] = BandSounds(band);
+}
+
+void TNoteRecorder::CopyBands() {
     for (std::int32_t band = 0; band < numBands; ++band) {
         frameLevel[band] = bandLevel[band];
         frameOn[band] = bandOn[band];
     }
-    if (startOnFirstNote && !firstNoteSeen) StartOnFirstNote();
-    outputs.ForEach([](TNoteOut& output) { output.Update(); });
-    for (std::int32_t band = 0; band < numBands; ++band) playing[band] = BandSounds(band);
 }
 
 void TNoteRecorder::StartOnFirstNote() {

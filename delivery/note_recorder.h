@@ -43,6 +43,9 @@ public:
     std::int32_t GetBandCount() const { return numBands; }
 
     bool BandSounds(std::int32_t band) const { return BandIsOn(bandOn, band) && enabled[band]; }
+    // Shows the detector's bands to whoever reads the two below: at each frame, and to be called after a
+    // reset, where the detector may be touched.
+    void CopyBands();
     // The band's level at the end of the last frame; power, at least 0.
     float GetBandLevel(std::int32_t band) const { return frameLevel[band]; }
     bool GetBandOn(std::int32_t band) const { return frameOn[band]; }  // its flag then, for a display
@@ -135,7 +138,8 @@ private:
 
     PriorityLock mutex;
     Relaxed<std::thread::id> goesWithout;  // the thread that gave up waiting for it; else none
-    // The detector's arrays as they stood at the end of the last frame, for whoever is not inside OnFrame.
+    // The detector's arrays as they stood at the end of the last frame, or after a reset, for whoever is not
+    // inside OnFrame.
     Relaxed<float> frameLevel[maxBands];
     Relaxed<bool> frameOn[maxBands];
 };

@@ -1,6 +1,7 @@
 #include "engine/real_time_detector.h"
 
 #include <algorithm>
+#include <exception>
 
 #include "base/float_environment.h"
 
@@ -69,10 +70,12 @@ TRealTimeTS107::TRealTimeTS107(std::int32_t rate, std::int32_t reference, std::i
 }
 
 // Samples go in runs that end where a frame does: whole blocks straight from the caller's samples, and what
-// is cut by the edge of a frame or a buffer by way of `held`.
+// is cut by the edge of a frame or a buffer by way of `held`. What the handler throws leaves once all samples
+// are taken, since later frames would be dated wrongly otherwise.
 void TRealTimeTS107::Process(const short* samples, unsigned bytes) {
     FlushToZero arithmetic;
     ResonatorBank bank = Bank();
+    std::exception_ptr failure;
     for (std::int32_t left = static_cast<std::int32_t>(bytes / sizeof(short)); left > 0;) {
         const std::int32_t ahead = SamplesToFrame(left);
         std::int32_t run = std::min(ahead, blockCountdown);
@@ -90,9 +93,14 @@ void TRealTimeTS107::Process(const short* samples, unsigned bytes) {
         frameCountdown = static_cast<std::int32_t>(static_cast<std::uint32_t>(frameCountdown) -
                                                    static_cast<std::uint32_t>(run));
         if (frameCountdown != 0) continue;
-        RunFrame(arithmetic);
+        try {
+            RunFrame(arithmetic);
+        } catch (...) {
+            failure = std::current_exception();
+        }
         bank = Bank();  // the handler may have led to new tables
     }
+    if (failure) std::rethrow_exception(failure);
 }
 
 // How many of the next samples come up to the end of a frame. Below 100 Hz a frame has no samples: its
@@ -139,12 +147,16 @@ void TRealTimeTS107::RunFrame(FlushToZero& arithmetic) {
     if (tuningEnabled) TrackTuning();
     SeparateHarmonics();
     DecideNotes();
-    if (handler != nullptr) {
-        arithmetic.Suspend();  // the handler leads out to the host, whose control word it must find
-        handler->OnFrame();
-        arithmetic.Resume();
-    }
     frameCountdown = frameLength;
+    if (handler == nullptr) return;
+    struct Lent {  // the handler leads out to the host, whose control word it must find
+        explicit Lent(FlushToZero& lent) : arithmetic(lent) { arithmetic.Suspend(); }
+        ~Lent() { arithmetic.Resume(); }
+        Lent(const Lent&) = delete;
+        Lent& operator=(const Lent&) = delete;
+        FlushToZero& arithmetic;
+    } const lent(arithmetic);
+    handler->OnFrame();
 }
 
 ResonatorBank TRealTimeTS107::Bank() {

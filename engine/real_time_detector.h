@@ -32,7 +32,8 @@ public:
     // minBands become minBands.
     TRealTimeTS107(std::int32_t sampleRate, std::int32_t referenceBand, std::int32_t numBands);
 
-    // Takes bytes / 2 samples; an odd byte at the end is ignored. Calls handler->OnFrame at each frame.
+    // Takes bytes / 2 samples; an odd byte at the end is ignored. Calls handler->OnFrame at each frame, and
+    // throws the last of what that threw once all samples are taken.
     void Process(const short* samples, unsigned bytes) override;
     // Forgets the running analysis and the tuning sums. Tables, gains, thresholds and `tune` stay.
     void Reset() override;

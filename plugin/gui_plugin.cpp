@@ -97,10 +97,7 @@ void CORVAguivst::applyParameter(std::int32_t index, float value) {
         case paramDevice: device.SetDevice(value); break;
         case paramDeviceEnabled: device.SetEnabled(IsOn(value)); break;
         case paramChannel: applyChannel(value); break;
-        case paramOutputToHost:
-            outputToHost = IsOn(value);
-            outputToHost ? vstMidiOut->Start() : vstMidiOut->Stop();
-            break;
+        case paramOutputToHost: applyOutputToHost(IsOn(value)); break;
         case paramActivePage: activePageValue = value; break;
         case paramChordsEnabled: chordsEnabled = IsOn(value); break;
         case paramChordsDelay: applyChordsDelay(value); break;
@@ -115,6 +112,12 @@ void CORVAguivst::applyChannel(float value) {
     if (channel >= 16) return notifyEditor(paramChannel, channelValue);
     noteRecorder.ChangeChannel(channel);
     channelValue = value;
+}
+
+void CORVAguivst::applyOutputToHost(bool on) {
+    const TNoteRecorder::Hold held(noteRecorder);  // a block that starts must not come in between
+    outputToHost = on;
+    on ? vstMidiOut->Start() : vstMidiOut->Stop();
 }
 
 void CORVAguivst::applyChordsDelay(float value) {
@@ -173,8 +176,8 @@ void CORVAguivst::stopDetection() {
     if (!outputsIdle && rate != 0 && silentSamples / rate >= patientSeconds) stopOutputs();
 }
 
-void CORVAguivst::suspend() {
-    CORVA_vst::suspend();
+void CORVAguivst::suspendSteps() {
+    CORVA_vst::suspendSteps();
     stopOutputs();
 }
 

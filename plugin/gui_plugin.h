@@ -46,7 +46,6 @@ public:
     // Start and stop, as above.
     void startDetection() override;  // [audio]
     void stopDetection() override;   // [audio]
-    void suspend() override;         // [any]
     std::intptr_t dispatcher(std::int32_t opcode, std::int32_t index, std::intptr_t value, void* ptr,
                              float opt) override;
 
@@ -72,9 +71,13 @@ public:
     MessageBox messages;                  // shown in the editor's window while that is open
     DeviceSwitch device;                  // parameters 88 and 89
 
+protected:
+    void suspendSteps() override;
+
 private:
     void applyParameter(std::int32_t index, float value);
     void applyChannel(float value);
+    void applyOutputToHost(bool on);
     void applyChordsDelay(float value);
     void applySendProgramChange(float value);
     void notifyEditor(std::int32_t index, float value);

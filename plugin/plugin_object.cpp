@@ -112,27 +112,30 @@ void CORVA_vst::FeedBlock(const Sample* in, std::size_t count) {
     }
     {
         const BlockGate::Leaving leaves(gate);
-        if (count > samples.capacity())
-            samples.reserve(std::max(count, samples.capacity() + samples.capacity() / 2));
-        samples.resize(count);
-        ConvertSamples(in, samples.data(), count);
-        deliverBlock(count);
+        try {
+            if (count > samples.capacity())
+                samples.reserve(std::max(count, samples.capacity() + samples.capacity() / 2));
+            samples.resize(count);
+            ConvertSamples(in, samples.data(), count);
+            deliverBlock();
+        } catch (...) {  // recognition may fail where memory runs out; the clock goes on all the same
+        }
+        totalSamples = totalSamples + count;
         if (stoppedWithin) {
             stoppedWithin = false;
-            detector.Reset();
+            ResetDetector();
             noteRecorder.AllNotesOff();
         }
     }
     if (leftToBlock.exchange(false)) ServeRequests();
 }
 
-void CORVA_vst::deliverBlock(std::size_t count) {
+void CORVA_vst::deliverBlock() {
     // The recorder's clock stands still where the detector has not been stepping it.
     const auto delivered = static_cast<std::int64_t>(totalSamples.load());
     if (!stopped && noteRecorder.GetTime() + noteRecorder.GetFrameLength() < delivered)
         noteRecorder.SetTime(delivered);
-    processSamples(samples.data(), count);
-    totalSamples = totalSamples + count;
+    processSamples(samples.data(), samples.size());
 }
 
 template <typename Sample>
@@ -142,7 +145,7 @@ void CORVA_vst::PassThrough(Sample** inputs, Sample** outputs, std::int32_t fram
     Sample* const out = FirstChannel(outputs);
     try {
         FeedBlock(in, count);
-    } catch (...) {  // recognition may fail; the audio passes all the same
+    } catch (...) {  // from a host's callback; the audio passes all the same
     }
     if (out == nullptr || count == 0) return;
     if constexpr (sizeof(Sample) == sizeof(float)) {
@@ -175,6 +178,7 @@ void CORVA_vst::startDetection() {
     if (!stopped) return;
     stopped = false;
     noteRecorder.SetTime(static_cast<std::int64_t>(totalSamples.load()));
+    const TNoteRecorder::Hold held(noteRecorder);  // parameter 91 must not change in between
     if (outputToHost) vstMidiOut->Start();
 }
 
@@ -186,9 +190,14 @@ void CORVA_vst::stopDetection() {
 void CORVA_vst::StopSteps() {
     if (stopped) return;
     stopped = true;
-    detector.Reset();
+    ResetDetector();
     vstMidiOut->Stop();
     noteRecorder.AllNotesOff();
+}
+
+void CORVA_vst::ResetDetector() {
+    detector.Reset();
+    noteRecorder.CopyBands();
 }
 
 void CORVA_vst::suspend() {
@@ -241,12 +250,13 @@ bool CORVA_vst::ServeRequests() {
 }
 
 void CORVA_vst::Serve(unsigned wanted) {
-    if ((wanted & requestStop) != 0) StopSteps();
+    if ((wanted & requestStop) != 0) suspendSteps();
     if ((wanted & requestRate) != 0) {
         const float rate = getSampleRate();
         detects = false;
         if (!CanDetectAt(rate)) return;
         detector.SetSampleRate(DetectorRate(rate));
+        noteRecorder.CopyBands();
         detects = true;
     }
 }

@@ -94,6 +94,9 @@ protected:
     bool CanDetect() const { return detects; }
     // The calling thread is in the middle of a block: it came here by way of a host that calls back.
     bool InsideBlock() const { return gate.IsMine(); }
+    // What suspend does, behind the gate, so that no block sees it half done.
+    virtual void suspendSteps() { StopSteps(); }
+    void StopSteps();
 
 private:
     enum Request : unsigned { requestStop = 1, requestRate = 2 };
@@ -102,8 +105,8 @@ private:
     void FeedBlock(const Sample* in, std::size_t count);
     template <typename Sample>
     void PassThrough(Sample** inputs, Sample** outputs, std::int32_t frames, bool accumulate);
-    void deliverBlock(std::size_t count);
-    void StopSteps();
+    void deliverBlock();
+    void ResetDetector();
     void Ask(Request request);
     bool ServeRequests();
     void Serve(unsigned requests);
