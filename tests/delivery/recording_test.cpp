@@ -50,11 +50,13 @@ public:
         allocations += Allocations::Requested() - before;
     }
     void Silence() override {
+        flushedRunning |= running;
         const std::uint64_t before = Allocations::Requested();
         TRTRecording::Silence();
         allocations += Allocations::Requested() - before;
     }
     std::uint64_t allocations = 0;
+    bool flushedRunning = false;  // a stop flushes behind its end, so that nothing new comes in after it
 };
 
 // 100 notes a second: each frame one band comes on and another goes off.
@@ -174,6 +176,7 @@ TEST_F(Recording, TheOriginOutlastsAStopButNotAClear) {
     const Events expected = {{0, 0xC0, 0}, {0, 0xC0, 0}, {3000, 0xC0, 0}, {3000, 0x03, 0}};
     EXPECT_TRUE(Same(recording->GetTake(), expected));
     EXPECT_EQ(recording->GetElapsed(), 3000);
+    EXPECT_FALSE(recording->flushedRunning);
 }
 
 TEST_F(Recording, AnHourLosesNothingAllocatesNothingAndTakesMemoryByItsEvents) {

@@ -181,3 +181,18 @@ TEST(StreamValues, TextsTakeMemoryWithinTheBudget) {
     const MemoryBudget budget(std::size_t{48} << 20);
     EXPECT_EQ(GetString(stream).size(), std::size_t{16} << 20);
 }
+
+TEST(SharedPointer, TheLastOneDeletesTheObject) {
+    struct Counted {
+        int& deaths;
+        ~Counted() { ++deaths; }
+    };
+    int deaths = 0;
+    TPtr<Counted> first(new Counted{deaths}), other(first);
+    EXPECT_EQ(*first.count, 2U);
+    other = TPtr<Counted>(other);
+    first = TPtr<Counted>();
+    EXPECT_EQ(deaths, 0);
+    other = TPtr<Counted>();
+    EXPECT_EQ(deaths, 1);
+}
