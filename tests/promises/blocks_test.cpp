@@ -86,20 +86,22 @@ TEST(Blocks, AnyLengthAtAnyAddressPassesAndNothingElseIsTouched) {
 }
 
 TEST(Blocks, MissingPointersAndNegativeLengthsAreSilence) {
-    for (const std::int32_t frames : {0, -1, INT32_MIN, 64}) {
-        Host host;
-        ASSERT_TRUE(host.Open(OpenPlugin));
-        ASSERT_TRUE(host.Play(Tones({69}, 0.3)));
-        ASSERT_FALSE(host.Object<CORVAguivst>().stopped);
-        float out[64] = {1};
-        host.Process(Way::replacing, nullptr, frames > 0 ? out : nullptr, frames);
-        EXPECT_TRUE(host.Object<CORVAguivst>().stopped);
-        EXPECT_EQ(out[0], frames > 0 ? 0.0F : 1.0F);
-        host.effect->process(host.effect, nullptr, nullptr, frames);
-        host.effect->processDoubleReplacing(host.effect, nullptr, nullptr, frames);
-        EXPECT_EQ(host.Object<CORVAguivst>().totalSamples,
-                  static_cast<std::uint64_t>(host.clock + (frames > 0 ? 2 * frames : 0)));
-    }
+    InChild([](Trial&) {
+        for (const std::int32_t frames : {0, -1, INT32_MIN, 64}) {
+            Host host;
+            ASSERT_TRUE(host.Open(OpenPlugin));
+            ASSERT_TRUE(host.Play(Tones({69}, 0.3)));
+            ASSERT_FALSE(host.Object<CORVAguivst>().stopped);
+            float out[64] = {1};
+            host.Process(Way::replacing, nullptr, frames > 0 ? out : nullptr, frames);
+            EXPECT_TRUE(host.Object<CORVAguivst>().stopped);
+            EXPECT_EQ(out[0], frames > 0 ? 0.0F : 1.0F);
+            host.effect->process(host.effect, nullptr, nullptr, frames);
+            host.effect->processDoubleReplacing(host.effect, nullptr, nullptr, frames);
+            EXPECT_EQ(host.Object<CORVAguivst>().totalSamples,
+                      static_cast<std::uint64_t>(host.clock + (frames > 0 ? 2 * frames : 0)));
+        }
+    });
 }
 
 std::vector<Host::Event> EventsOf(const Audio& audio, Trial* cut) {
@@ -183,24 +185,26 @@ TEST(Blocks, NoSignalSticks) {
 }
 
 TEST(Blocks, ARateThatIsNoneMakesNoNoteAndTheUsualOneBringsThemBack) {
-    using Limits = std::numeric_limits<float>;
-    for (const float rate : {-1.0F, 0.0F, 9.0F, 19.0F, 99.9F, 2147483648.0F, 1e30F, Limits::quiet_NaN(),
-                             Limits::infinity(), -Limits::infinity()}) {
-        Host host;
-        ASSERT_TRUE(host.Open(OpenPlugin));
-        host.Play(Tones({57, 64}, 0.3));
-        const int notes = host.Sounding();
-        EXPECT_EQ(notes, 2);
-        host.Call(effMainsChanged);
-        host.Call(effSetSampleRate, 0, 0, nullptr, rate);
-        host.TakenEvents();
-        EXPECT_TRUE(host.Play(Tones({57, 64}, 0.3), 100));
-        EXPECT_EQ(host.Sounding(), 0) << rate;
-        host.Call(effMainsChanged);
-        host.Call(effSetSampleRate, 0, 0, nullptr, 44100);
-        host.Play(Tones({57, 64}, 0.3));
-        EXPECT_EQ(host.Sounding(), notes) << rate;
-    }
+    InChild([](Trial&) {
+        using Limits = std::numeric_limits<float>;
+        for (const float rate : {-1.0F, 0.0F, 9.0F, 19.0F, 99.9F, 2147483648.0F, 1e30F, Limits::quiet_NaN(),
+                                 Limits::infinity(), -Limits::infinity()}) {
+            Host host;
+            ASSERT_TRUE(host.Open(OpenPlugin));
+            host.Play(Tones({57, 64}, 0.3));
+            const int notes = host.Sounding();
+            EXPECT_EQ(notes, 2);
+            host.Call(effMainsChanged);
+            host.Call(effSetSampleRate, 0, 0, nullptr, rate);
+            host.TakenEvents();
+            EXPECT_TRUE(host.Play(Tones({57, 64}, 0.3), 100));
+            EXPECT_EQ(host.Sounding(), 0) << rate;
+            host.Call(effMainsChanged);
+            host.Call(effSetSampleRate, 0, 0, nullptr, 44100);
+            host.Play(Tones({57, 64}, 0.3));
+            EXPECT_EQ(host.Sounding(), notes) << rate;
+        }
+    });
 }
 
 }  // namespace

@@ -190,18 +190,20 @@ TEST(Walk, SuspendingInAnyPatternLeavesTheNotesAsTheModelSays) {
 
 // A German host's decimal comma, and what follows a number is ignored.
 TEST(TypedText, IsReadByTheHostsLocale) {
-    struct Comma : std::numpunct<char> {
-        char do_decimal_point() const override { return ','; }
-    };
-    const std::locale before = std::locale::global(std::locale(std::locale::classic(), new Comma));
-    Host host;
-    ASSERT_TRUE(host.Open(OpenPlugin));
-    char comma[] = "0,25", point[] = " -12.5 dB";
-    EXPECT_EQ(host.Call(effString2Parameter, 0, 0, comma), 1);
-    EXPECT_EQ(host.Get(0), 0.75F);
-    EXPECT_EQ(host.Call(effString2Parameter, 1, 0, point), 1);
-    EXPECT_EQ(host.Get(1), 12 * 0.025F);
-    std::locale::global(before);
+    InChild([](Trial&) {
+        struct Comma : std::numpunct<char> {
+            char do_decimal_point() const override { return ','; }
+        };
+        const std::locale before = std::locale::global(std::locale(std::locale::classic(), new Comma));
+        Host host;
+        ASSERT_TRUE(host.Open(OpenPlugin));
+        char comma[] = "0,25", point[] = " -12.5 dB";
+        EXPECT_EQ(host.Call(effString2Parameter, 0, 0, comma), 1);
+        EXPECT_EQ(host.Get(0), 0.75F);
+        EXPECT_EQ(host.Call(effString2Parameter, 1, 0, point), 1);
+        EXPECT_EQ(host.Get(1), 12 * 0.025F);
+        std::locale::global(before);
+    });
 }
 
 }  // namespace
