@@ -137,12 +137,13 @@ TEST(TakeOutput, TablesJsonAndCsvAreAsDocumented) {
               "   2.5  E\n"
               "   5.0  -\n");
     EXPECT_EQ(NoteTable("x", TakeOf({})), "x: 5.000 s at 1000 Hz, 0 notes\n");
-    EXPECT_EQ(NoteJson("a\n\"b\"\\\xC3\xA9\xFF", TakeOf({{100, {on | 3, 61, 80}}, {2500, {off | 3, 61, 0}}})),
-              R"({"file":"a\n\"b\"\\)"
-              "\xC3\xA9\xEF\xBF\xBD"
-              R"(","rate":1000,"seconds":5.0,"notes":[{"start":0.1,"end":2.5,"name":"C#4","midi":61,)"
-              R"("velocity":80,"channel":4}],"chords":[{"time":0.1,"name":"C#"},{"time":2.5,"name":""}]})"
-              "\n");
+    EXPECT_EQ(
+        NoteJson("a\n\"b\"\\\xC3\xA9\xFF", TakeOf({{100, {on | 3, 61, 80}}, {2500, {off | 3, 61, 0}}})),
+        R"({"file":"a\n\"b\"\\)"
+        "\xC3\xA9\xEF\xBF\xBD"
+        R"(","file_bytes":"610a2262225cc3a9ff","rate":1000,"seconds":5.0,"notes":[{"start":0.1,"end":2.5,"name":"C#4","midi":61,)"
+        R"("velocity":80,"channel":4}],"chords":[{"time":0.1,"name":"C#"},{"time":2.5,"name":""}]})"
+        "\n");
     EXPECT_EQ(EventCsv(TakeOf({{0, {0xC0, 5, 0}},
                                {1500, {on, 60, 80}},
                                {1500, {on, 60, 0}},

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <mutex>
 #include <numeric>
 #include <sstream>
@@ -60,6 +62,31 @@ bool LogTellsOfMissingBytes(const std::string& log) {
     return false;
 }
 
+// What helps where the library does not know a format, or cannot read it from a pipe.
+std::string Advice(const std::string& path, std::filesystem::file_type kind) {
+    if (kind == std::filesystem::file_type::regular)
+        return "; if ffmpeg knows it: ffmpeg -v error -i " + path + " -f wav - | orva-host render /dev/stdin";
+    return "; through a pipe WAV and AU can be heard: flac -dc, or ffmpeg -f wav -, gives them";
+}
+
+// An MPEG file says how long it is in its first frame if at all; else the library's figure is a guess. In
+// front of that frame there may be a tag, whose size stands in its bytes 6 to 9, seven bits each.
+bool StatesItsLength(const std::string& path) {
+    std::error_code unknown;
+    if (!std::filesystem::is_regular_file(path, unknown)) return false;
+    std::ifstream file(path, std::ios::binary);
+    std::array<char, 10> tag{};
+    std::streamoff size = 0;
+    if (file.read(tag.data(), tag.size()) && std::string_view(tag.data(), 3) == "ID3") {
+        for (std::size_t i = 6; i < 10; ++i) size = size << 7 | (tag[i] & 0x7F);
+        size += static_cast<std::streamoff>(tag.size());
+    }
+    std::string frame(256, '\0');
+    file.clear();
+    file.seekg(size).read(frame.data(), static_cast<std::streamsize>(frame.size()));
+    return frame.find("Xing") != std::string::npos || frame.find("Info") != std::string::npos;
+}
+
 }  // namespace
 
 AudioFile::AudioFile(const std::string& path, Channel newChannel) : channel(newChannel) {
@@ -71,8 +98,15 @@ AudioFile::AudioFile(const std::string& path, Channel newChannel) : channel(newC
         static std::mutex opening;  // the reason for a failed opening lies in one place for all threads
         const std::lock_guard lock(opening);
         file.reset(sf_open(path.c_str(), SFM_READ, &info));
-        if (file == nullptr) Fail("cannot be read as audio: " + LibraryText(nullptr));
+        if (file == nullptr) Fail("cannot be read as audio: " + LibraryText(nullptr) + Advice(path, kind));
     }
+    // A pipe cannot be measured: a length near a limit of 32 bits, or past it, was put there by a writer who
+    // did not know it. A sample takes four bytes at most.
+    if (info.seekable == 0 &&
+        info.frames >= static_cast<sf_count_t>(0x7FFFF000) / 4 / std::max(1, info.channels))
+        info.frames = unknownLength;
+    if ((info.format & SF_FORMAT_TYPEMASK) == SF_FORMAT_MPEG && !StatesItsLength(path))
+        info.frames = unknownLength;
     if (info.samplerate < slowestRate || info.samplerate > fastestRate)
         Fail("its rate of " + std::to_string(info.samplerate) + " Hz is outside " +
              std::to_string(slowestRate) + " to " + std::to_string(fastestRate) + " Hz");
@@ -104,10 +138,14 @@ std::size_t AudioFile::Read(float* out, std::size_t count) {
         if (got <= 0) break;
         for (std::size_t frame = 0; frame < static_cast<std::size_t>(got); ++frame) {
             const float* const samples = interleaved.data() + frame * channels;
-            out[done + frame] =
+            const float heard =
                 channel == Channel::first
                     ? samples[0]
                     : std::accumulate(samples, samples + channels, 0.0F) / static_cast<float>(channels);
+            for (const float* sample = samples; sample != samples + channels; ++sample)
+                peaks.file = std::max(peaks.file, std::abs(*sample));
+            peaks.heard = std::max(peaks.heard, std::abs(heard));
+            out[done + frame] = heard;
         }
         done += static_cast<std::size_t>(got);
         framesRead += got;
@@ -117,9 +155,7 @@ std::size_t AudioFile::Read(float* out, std::size_t count) {
 }
 
 void AudioFile::CheckEnd() const {
-    // The length of an MPEG file is a guess where its writer left none.
-    const bool lengthIsKnown =
-        info.frames != unknownLength && (info.format & SF_FORMAT_TYPEMASK) != SF_FORMAT_MPEG;
+    const bool lengthIsKnown = info.frames != unknownLength;
     const std::string trouble = sf_error(file.get()) != SF_ERR_NO_ERROR ? ", " + LibraryText(file.get()) : "";
     if (lengthIsKnown && framesRead < info.frames)
         Fail("is truncated: " + std::to_string(framesRead) + " of " + std::to_string(info.frames) +

@@ -25,6 +25,12 @@ public:
     std::int32_t Rate() const { return info.samplerate; }  // Hz
     // The share that has been read, 0 to 1; 0 as long as the length is unknown.
     double Progress() const;
+    // The largest amplitudes so far, full scale at 1.0.
+    struct Peaks {
+        float heard = 0;  // of what Read has given
+        float file = 0;   // of all channels
+    };
+    const Peaks& Loudest() const { return peaks; }
     // Fills `out` with up to `count` samples, full scale at 1.0. Fewer come at the end only, none after it.
     std::size_t Read(float* out, std::size_t count);
 
@@ -40,5 +46,6 @@ private:
     SF_INFO info{};
     std::unique_ptr<SNDFILE, Close> file;
     sf_count_t framesRead = 0;
+    Peaks peaks;
     std::vector<float> interleaved;  // room for one piece, all channels
 };

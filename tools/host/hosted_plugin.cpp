@@ -44,6 +44,7 @@ HostedPlugin::HostedPlugin(const PluginModule& module, std::int32_t newRate, std
 }
 
 HostedPlugin::~HostedPlugin() {
+    if (runs) Stop();  // an error on the way: what sounds on a device is ended all the same
     Dispatch(effClose);
 }
 
@@ -57,10 +58,11 @@ void HostedPlugin::Start(std::int32_t blockSize) {
     Announce(blockSize);
 }
 
-void HostedPlugin::Announce(std::int32_t blockSize) const {
+void HostedPlugin::Announce(std::int32_t blockSize) {
     Dispatch(effSetSampleRate, 0, 0, nullptr, static_cast<float>(rate));
     Dispatch(effSetBlockSize, 0, blockSize);
     Dispatch(effMainsChanged, 0, 1);
+    runs = true;
 }
 
 void HostedPlugin::Change(std::int32_t newRate, std::int32_t blockSize) {
@@ -80,6 +82,7 @@ void HostedPlugin::Process(const float* samples, std::int32_t count, float* out)
 
 void HostedPlugin::Stop() {
     Dispatch(effMainsChanged, 0, 0);
+    runs = false;
 }
 
 std::string HostedPlugin::Text(std::int32_t opcode, std::int32_t index) const {

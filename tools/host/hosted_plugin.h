@@ -57,9 +57,10 @@ private:
                                       std::intptr_t value, void* ptr, float opt);
     std::intptr_t Answer(std::int32_t opcode, void* ptr);
     void Receive(const VstEvents& events);
-    void Announce(std::int32_t blockSize) const;
+    void Announce(std::int32_t blockSize);
 
     AEffect* effect = nullptr;  // the plug-in's own, until effClose
+    bool runs = false;          // between Start and Stop
     Relaxed<std::int32_t> rate;
     std::string vendor;
     EventSink sink;

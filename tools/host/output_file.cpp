@@ -114,6 +114,11 @@ void MakeFolderOf(const fs::path& path) {
     if (fault) Fail(path, fault.value());
 }
 
+void CheckFolderOf(const fs::path& path) {
+    const fs::path folder = path.has_parent_path() ? path.parent_path() : fs::path(".");
+    if (access(folder.c_str(), W_OK | X_OK) != 0) Fail(path, errno);
+}
+
 // Files come to their place whole, so one that is there is done.
 bool IsUpToDate(const fs::path& output, const fs::path& input) {
     std::error_code noOutput, noInput;

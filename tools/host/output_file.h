@@ -43,5 +43,8 @@ void GuardOutputs(const std::vector<PlannedOutput>& outputs, const std::vector<s
 // Makes the folders that a pattern's output lies in. Errors: std::runtime_error with path and reason.
 void MakeFolderOf(const std::filesystem::path& path);
 
+// Errors: std::runtime_error with path and reason, where files cannot be written in the folder of `path`.
+void CheckFolderOf(const std::filesystem::path& path);
+
 // An output is there, whole and not older than the input it was made of.
 bool IsUpToDate(const std::filesystem::path& output, const std::filesystem::path& input);

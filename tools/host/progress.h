@@ -26,6 +26,6 @@ private:
     std::mutex lock;
     std::vector<double> shares;  // one a file
     double sum = 0;              // of shares
-    const bool shown;
-    int percentDrawn = -1;  // what stands on the terminal; -1 for nothing
+    const int width;             // characters of the bar; 0: none is drawn
+    int percentDrawn = -1;       // what stands on the terminal; -1 for nothing
 };

@@ -5,7 +5,8 @@
 
 RenderQueue::RenderQueue(std::size_t files, unsigned jobs, Work newWork)
     : work(std::move(newWork)), outcomes(files) {
-    const std::size_t wanted = jobs > 0 ? jobs : std::max(1U, std::thread::hardware_concurrency());
+    const std::size_t cores = std::max(1U, std::thread::hardware_concurrency());
+    const std::size_t wanted = jobs > 0 ? std::min<std::size_t>(jobs, cores) : cores;
     while (workers.size() < std::min(wanted, files)) workers.emplace_back([this] { WorkOn(); });
 }
 

@@ -8,8 +8,9 @@
 
 // What became of one file.
 struct Outcome {
-    std::string text;   // for standard output; may be there although something failed
-    std::string fault;  // one line, naming its subject; empty when all went well
+    std::string text;    // for standard output; may be there although something failed
+    std::string advice;  // one line, naming its subject: why little was heard; empty as a rule
+    std::string fault;   // one line, naming its subject; empty when all went well
 };
 
 // Works on several files, up to `jobs` at a time (0: one for each core), from construction on.

@@ -18,7 +18,10 @@ struct RenderSettings {
     AudioFile::Channel channel = AudioFile::Channel::first;
     std::string hostVendor = "ORVA";
     std::vector<ParameterSetting> parameters;  // set in this order before the first block
-    bool realTime = false;                     // blocks at the pace of the audio, for a device that listens
+    std::function<bool()> ended = [] {
+        return false;
+    };                      // asked before each block: true leaves the rest unheard
+    bool realTime = false;  // blocks at the pace of the audio, for a device that listens
 };
 
 // Plays one audio file through a fresh instance and returns what it sent. `progress` hears the share that is
@@ -26,7 +29,3 @@ struct RenderSettings {
 // Threads: [any]; several files may be rendered at once, with one module.
 Take Render(const PluginModule& module, const std::string& path, const RenderSettings& settings,
             const std::function<void(double)>& progress);
-
-// Reads "NAME=VALUE", where NAME is a parameter's own name, in upper or lower case, or its index. `names` are
-// the parameters' names in order. Errors: std::invalid_argument with the reason.
-ParameterSetting ParseParameter(const std::string& text, const std::vector<std::string>& names);

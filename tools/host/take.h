@@ -16,6 +16,8 @@ struct Take {
     std::int32_t rate = 0;           // Hz
     std::int64_t length = 0;         // samples heard
     std::vector<TimedEvent> events;  // in the order in which they were sent; dates may step back
+    float peak = 0;                  // largest amplitude of what was heard, full scale at 1.0
+    float peakOfAll = 0;             // the same, over all channels of the file
     double tempo = 120;  // quarter notes a minute, by which it is written as a score; the sound knows none
 };
 

@@ -9,6 +9,7 @@
 
 #include "tools/host/chord_line.h"
 #include "tools/host/note_list.h"
+#include "tools/host/printable.h"
 #include "tools/host/text_table.h"
 
 namespace {
@@ -45,6 +46,25 @@ std::string OneLine(const nlohmann::ordered_json& object) {
 
 }  // namespace
 
+namespace {
+
+// JSON holds text, and a file's name is any bytes: those that are no text stand beside it in hexadecimal
+// digits.
+nlohmann::ordered_json Named(const std::string& file) {
+    nlohmann::ordered_json object = {{"file", file}};
+    if (IsUtf8(file)) return object;
+    std::string digits;
+    for (const char byte : file) {
+        std::array<char, 3> two{};
+        (void)std::snprintf(two.data(), two.size(), "%02x", static_cast<unsigned char>(byte));
+        digits += two.data();
+    }
+    object["file_bytes"] = digits;
+    return object;
+}
+
+}  // namespace
+
 std::string NoteTable(const std::string& file, const Take& take) {
     TextTable table;
     table.columns = {{"start", true}, {"end", true}, {"note"}, {"MIDI", true}, {"velocity", true}};
@@ -53,7 +73,7 @@ std::string NoteTable(const std::string& file, const Take& take) {
                               NoteName(note.pitch), std::to_string(note.pitch),
                               std::to_string(note.velocity)});
     std::ostringstream out;
-    out << file << ": " << Fixed(Seconds(take, take.length), 3) << " s at " << take.rate << " Hz, "
+    out << Printable(file) << ": " << Fixed(Seconds(take, take.length), 3) << " s at " << take.rate << " Hz, "
         << table.rows.size() << (table.rows.size() == 1 ? " note\n" : " notes\n");
     if (!table.rows.empty()) out << table;
     TextTable chords;
@@ -77,16 +97,24 @@ std::string NoteJson(const std::string& file, const Take& take) {
     Json chords = Json::array();
     for (const ChordChange& change : ChordLine(take))
         chords.push_back({{"time", change.time}, {"name", change.name}});
-    const Json all = {{"file", file},
-                      {"rate", take.rate},
-                      {"seconds", Microseconds(Seconds(take, take.length))},
-                      {"notes", std::move(notes)},
-                      {"chords", std::move(chords)}};
+    Json all = Named(file);
+    all["rate"] = take.rate;
+    all["seconds"] = Microseconds(Seconds(take, take.length));
+    all["notes"] = std::move(notes);
+    all["chords"] = std::move(chords);
     return OneLine(all);
 }
 
 std::string SkippedJson(const std::string& file) {
-    return OneLine({{"file", file}, {"skipped", true}});
+    nlohmann::ordered_json all = Named(file);
+    all["skipped"] = true;
+    return OneLine(all);
+}
+
+std::string FailedJson(const std::string& file, const std::string& reason) {
+    nlohmann::ordered_json all = Named(file);
+    all["error"] = reason;
+    return OneLine(all);
 }
 
 std::string EventCsv(const Take& take) {
@@ -100,4 +128,21 @@ std::string EventCsv(const Take& take) {
         out += std::string(",") + Kind(event.bytes) + '\n';
     }
     return out;
+}
+
+std::string SoundAdvice(const Take& take, bool isMix) {
+    constexpr double fewNotes = 0.2;  // a second
+    constexpr double quiet = -24;     // dBFS; at -27 a piano loses all but a few notes
+    const auto notes = static_cast<double>(PairNotes(take).size());
+    if (take.length == 0) return "holds no sound";
+    if (notes >= fewNotes * Seconds(take, take.length)) return {};
+    if (take.peakOfAll <= 0) return "holds nothing but silence";
+    constexpr float silence = 1e-4F;  // 80 dB under full scale
+    if (take.peak < silence && take.peakOfAll > 10 * take.peak)
+        return isMix ? "its channels cancel each other in the mix; leave out --mix to hear the first one"
+                     : "its first channel is silent; --mix hears the mean of all";
+    const double level = 20 * std::log10(take.peak);  // dBFS
+    if (level >= quiet) return {};
+    return "few notes: its loudest sample is at " + Fixed(level, 1) +
+           " dBFS; raise its level, to -6 dBFS say";
 }

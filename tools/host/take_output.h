@@ -13,6 +13,13 @@ std::string NoteTable(const std::string& file, const Take& take);
 // U+FFFD.
 std::string NoteJson(const std::string& file, const Take& take);
 
+// Why little or nothing was heard and what helps, where the sound tells: silence, a silent first channel,
+// channels that cancel each other, a low level. Empty where nothing is wrong with the sound.
+std::string SoundAdvice(const Take& take, bool isMix);
+
+// The line of a file that failed: "file" and "error", the reason.
+std::string FailedJson(const std::string& file, const std::string& reason);
+
 // The line of a file that was passed over: "file", and "skipped" true.
 std::string SkippedJson(const std::string& file);
 

@@ -1,6 +1,9 @@
 #include "tools/host/commands/command.h"
 
 #include <iostream>
+#include <sstream>
+
+#include "tools/host/printable.h"
 
 void ReportError(std::string_view subject, std::string_view reason) {
     std::string text(subject);
@@ -9,10 +12,18 @@ void ReportError(std::string_view subject, std::string_view reason) {
 }
 
 void ReportError(std::string_view text) {
-    std::string line = "orva-host: ";
-    for (const char letter : text) {
-        const auto byte = static_cast<unsigned char>(letter);
-        line += byte < 0x20 || byte == 0x7F ? '?' : letter;
-    }
-    std::cerr << line + '\n' << std::flush;
+    std::cerr << "orva-host: " + Printable(text) + '\n' << std::flush;
+}
+
+CLI::Validator NumberFrom(double lowest, double highest) {
+    return CLI::Validator(
+        [lowest, highest](const std::string& text) {
+            double number = 0;
+            const bool isIn =
+                CLI::detail::lexical_cast(text, number) && number >= lowest && number <= highest;
+            std::ostringstream range;
+            range << lowest << " to " << highest;
+            return isIn ? std::string() : text + " is not a number from " + range.str();
+        },
+        "");
 }

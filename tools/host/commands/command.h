@@ -19,7 +19,10 @@ struct UsageError : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-// One line on standard error: what it is about, and the reason. Line breaks and other control characters in
-// either become question marks, so that it stays one line.
+// Accepts numbers in this range, both ends included; NaN is in none.
+CLI::Validator NumberFrom(double lowest, double highest);
+
+// One line on standard error: what it is about, and the reason. Control characters in either are escaped, so
+// that it stays one line.
 void ReportError(std::string_view subject, std::string_view reason);
 void ReportError(std::string_view text);  // where the text names its subject itself

@@ -3,6 +3,7 @@
 #include <iostream>
 
 #include "delivery/midi_device_list.h"
+#include "tools/host/printable.h"
 
 std::uint32_t FindDevice(const std::string& name) {
     const std::uint32_t count = MidiOutDeviceCount();
@@ -17,7 +18,7 @@ int ListDevices() {
     const std::uint32_t count = MidiOutDeviceCount();
     if (count == 0) std::cout << "no MIDI devices: neither the ALSA sequencer nor a JACK server has one\n";
     for (std::uint32_t index = 0; index < count; ++index)
-        std::cout << index + 1 << "  " << MidiOutDeviceName(index) << '\n';
+        std::cout << index + 1 << "  " << Printable(MidiOutDeviceName(index)) << '\n';
     return exitDone;
 }
 

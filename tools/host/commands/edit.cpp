@@ -112,7 +112,7 @@ void AddShot(CLI::App& program, Job& chosen) {
     AddCommon(*command, *options);
     AddForce(*command, options->force);
     command->add_option("--at", options->at, "seconds of music before it is taken")
-        ->check(CLI::Range(0.0, 3600.0).description(""))
+        ->check(NumberFrom(0, 3600))
         ->type_name("SECONDS")
         ->capture_default_str();
     command->callback([options, &chosen] { chosen = [options] { return Shot(*options); }; });

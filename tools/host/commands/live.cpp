@@ -1,16 +1,17 @@
 #include "tools/host/commands/live.h"
 
-#include <signal.h>
-
 #include <chrono>
+#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <optional>
 #include <thread>
 
 #include "notes/notes.h"
+#include "tools/host/commands/output_options.h"
 #include "tools/host/commands/parameters.h"
 #include "tools/host/editor_window.h"
+#include "tools/host/end_signal.h"
 #include "tools/host/live_client.h"
 #include "tools/host/live_plugin.h"
 #include "tools/host/live_take.h"
@@ -23,6 +24,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 constexpr auto lookPause = std::chrono::milliseconds(33);
 constexpr auto retryPause = std::chrono::milliseconds(500);  // between two attempts at server or connection
+constexpr auto savePause = std::chrono::seconds(10);
 
 struct LiveOptions {
     std::string name = "orva";
@@ -35,23 +37,8 @@ struct LiveOptions {
     std::string midi;    // empty: no file
     bool list = false;
     bool window = true;
+    bool force = false;
 };
-
-volatile sig_atomic_t endWanted = 0;
-
-// A second signal finds the system's own answer, so that the program can be ended whatever it hangs in. The
-// library raises broken pipes on the thread that meets a dead server; they get a handler that does nothing,
-// since a signal that is ignored would be ignored by the programs that the window starts, too.
-void ListenForSignals() {
-    struct sigaction end = {};
-    end.sa_handler = [](int) { endWanted = 1; };
-    end.sa_flags = static_cast<int>(SA_RESETHAND);
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) sigaction(signal, &end, nullptr);
-    struct sigaction nothing = {};
-    nothing.sa_handler = [](int) {};
-    nothing.sa_flags = SA_RESTART;
-    sigaction(SIGPIPE, &nothing, nullptr);
-}
 
 // A session from the first connection to the signal, whatever becomes of the server meanwhile.
 class LiveSession {
@@ -62,6 +49,7 @@ public:
         plugin = std::make_unique<LivePlugin>(module, client->Rate(), client->Period(), parameters);
         take.Begin(client->Rate(), 0);
         client->Activate(*plugin);
+        SaveTake();
         Connect();
         if (!missing.empty())
             throw std::runtime_error(missing + ": cannot be connected; orva-host live --list lists what can");
@@ -85,12 +73,13 @@ public:
             client.reset();
             Say("the JACK server has gone; waiting for it to come back");
         }
+        if (Clock::now() >= nextSave) SaveNow();
         if (Clock::now() >= nextAttempt) {
             if (client == nullptr) ComeBack();
             if (client != nullptr && !missing.empty()) Connect();
             nextAttempt = Clock::now() + retryPause;
         }
-        return endWanted == 0 && std::cout.good();
+        return EndSignal() == 0 && std::cout.good();
     }
 
     // The last notes end, and their ends still leave.
@@ -107,6 +96,12 @@ public:
         view.reset();
         if (plugin->Lost() > 0)
             ReportError(std::to_string(plugin->Lost()) + " messages lost: too many at once");
+        SaveTake();
+    }
+
+    // The take so far, with what sounds now ended, so that a program that is killed leaves it behind, too.
+    void SaveTake() {
+        nextSave = Clock::now() + savePause;
         if (options.midi.empty()) return;
         take.End(Plugin().SamplesDelivered());
         const auto score = std::make_unique<TNotes>();
@@ -118,6 +113,15 @@ private:
     void Say(const std::string& text) {
         if (view) view->ClearLine();
         ReportError(text);
+    }
+
+    // A disk that is full for a while does not end the session.
+    void SaveNow() {
+        try {
+            SaveTake();
+        } catch (const std::exception& fault) {
+            Say(fault.what());
+        }
     }
 
     void Collect() {
@@ -178,6 +182,7 @@ private:
     std::string missing;  // a port to be connected as soon as it is there
     std::string heard;    // the source that was found where none was named
     Clock::time_point nextAttempt = Clock::now() + retryPause;
+    Clock::time_point nextSave;
 };
 
 // The window, if there is one to be had.
@@ -202,9 +207,14 @@ int ListPorts(const LiveOptions& options) {
 }
 
 int Live(const LiveOptions& options) {
-    ListenForSignals();
+    CatchEndSignals();
     if (options.list) return ListPorts(options);
-    const PluginModule module(FindPlugin(options.plugin));
+    const std::filesystem::path plugin = FindPlugin(options.plugin);
+    if (!options.midi.empty()) {
+        GuardOutput({"--midi", options.midi, midiFirstBytes}, {plugin}, options.force);
+        CheckFolderOf(options.midi);
+    }
+    const PluginModule module(plugin);
     LiveSession session(options, module, ParseParameters(options.parameters, module));
     std::unique_ptr<EditorWindow> window = options.window ? OpenWindow(session) : nullptr;
     std::cout << session.Heading() << std::endl;
@@ -244,8 +254,11 @@ void AddLive(CLI::App& program, Job& chosen) {
         ->capture_default_str();
     command->add_option("--server", options->server, "the JACK server's name")->type_name("NAME");
     AddParameterOptions(*command, options->parameters);
-    command->add_option("--midi", options->midi, "write the notes as a MIDI file at the end")
+    command
+        ->add_option("--midi", options->midi,
+                     "write the notes as a MIDI file, anew every ten seconds and at the end")
         ->type_name("OUT.mid");
+    AddForce(*command, options->force);
     command->add_flag("!--no-window", options->window, "the terminal, even where there is a display");
     command->add_option("--plugin", options->plugin, "the plug-in's file")->type_name("FILE");
     command->callback([options, connect, &chosen] {

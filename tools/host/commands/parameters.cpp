@@ -1,7 +1,56 @@
 #include "tools/host/commands/parameters.h"
 
+#include <strings.h>
+
+#include <algorithm>
+#include <charconv>
+
 #include "tools/host/plugin_facts.h"
 #include "tools/host/starting_points.h"
+
+namespace {
+
+constexpr std::int32_t askingRate = 44100;  // Hz; nothing is played
+constexpr std::int32_t paramActivePage = 92;
+
+// The whole of the text as a number; false if there is anything else.
+template <typename Number>
+bool ReadNumber(const std::string& text, Number& number) {
+    const char* const end = text.data() + text.size();
+    const auto [stop, fault] = std::from_chars(text.data(), end, number);
+    return fault == std::errc() && stop == end;
+}
+
+std::int32_t FindParameter(const std::string& name, const std::vector<std::string>& names) {
+    const auto named = std::find_if(names.begin(), names.end(), [&](const std::string& known) {
+        return strcasecmp(known.c_str(), name.c_str()) == 0;
+    });
+    if (named != names.end()) return static_cast<std::int32_t>(named - names.begin());
+    std::int32_t index = 0;
+    if (ReadNumber(name, index) && index >= 0 && static_cast<std::size_t>(index) < names.size()) return index;
+    throw std::invalid_argument("no parameter is called \"" + name + "\"; orva-host info lists them");
+}
+
+// NAME=VALUE: a value in the parameter's range, or else a text that the plug-in itself reads, such as "-30
+// dB".
+ParameterSetting ParseParameter(const std::string& text, const std::vector<std::string>& names,
+                                HostedPlugin& plugin) {
+    const std::size_t equals = text.find('=');
+    if (equals == std::string::npos) throw std::invalid_argument("\"" + text + "\" is not NAME=VALUE");
+    const std::int32_t index = FindParameter(text.substr(0, equals), names);
+    std::string typed = text.substr(equals + 1);
+    const float highest = index == paramActivePage ? 5 : 1;
+    float value = 0;
+    if (ReadNumber(typed, value) && value >= 0 && value <= highest) return {index, value};
+    if (plugin.Dispatch(effString2Parameter, index, 0, typed.data()) != 0)
+        return {index, plugin.Parameter(index)};
+    throw std::invalid_argument(
+        "\"" + text + "\" is out of range: " + names[static_cast<std::size_t>(index)] + " takes 0 to " +
+        std::to_string(static_cast<int>(highest)) + ", or a text like \"" +
+        plugin.Text(effGetParamDisplay, index) + "\" where the plug-in reads it");
+}
+
+}  // namespace
 
 void AddParameterOptions(CLI::App& command, ParameterTexts& texts) {
     command
@@ -9,7 +58,10 @@ void AddParameterOptions(CLI::App& command, ParameterTexts& texts) {
                     "begin with settings that suit an instrument: " + StartingPointNames() +
                         ";\nnotes outside its reach are not heard, and --param has the last word")
         ->type_name("INSTRUMENT");
-    command.add_option("--param", texts.values, "set a parameter by its name or index, 0 to 1; repeatable")
+    command
+        .add_option("--param", texts.values,
+                    "set a parameter by its name or index: 0 to 1, or a text as the plug-in\nshows it, "
+                    "\"Sensitivity=-30 dB\"; repeatable")
         ->type_name("NAME=VALUE")
         ->allow_extra_args(false);
 }
@@ -22,7 +74,8 @@ std::vector<ParameterSetting> ParseParameters(const ParameterTexts& texts, const
         option = "--param: ";
         if (texts.values.empty()) return settings;
         const std::vector<std::string> names = ParameterNames(module);
-        for (const std::string& text : texts.values) settings.push_back(ParseParameter(text, names));
+        HostedPlugin plugin(module, askingRate, "ORVA", nullptr);
+        for (const std::string& text : texts.values) settings.push_back(ParseParameter(text, names, plugin));
     } catch (const std::invalid_argument& reason) {
         throw UsageError(option + std::string(reason.what()));
     }

@@ -11,10 +11,12 @@
 #include "tools/host/commands/devices.h"
 #include "tools/host/commands/output_options.h"
 #include "tools/host/commands/parameters.h"
+#include "tools/host/end_signal.h"
 #include "tools/host/file_list.h"
 #include "tools/host/note_cleaning.h"
 #include "tools/host/output_file.h"
 #include "tools/host/picture.h"
+#include "tools/host/printable.h"
 #include "tools/host/progress.h"
 #include "tools/host/render_queue.h"
 #include "tools/host/score_output.h"
@@ -118,8 +120,9 @@ Outcome Work(const RenderOptions& options, const PluginModule& module, std::size
              Progress& progress) {
     const std::string& file = options.files[index];
     Outcome outcome;
+    if (options.settings.ended()) return outcome;
     if (IsDone(options, index)) {
-        outcome.text = options.json ? SkippedJson(file) : file + ": done before\n";
+        outcome.text = options.json ? SkippedJson(file) : Printable(file) + ": done before\n";
         return outcome;
     }
     Take take;
@@ -129,8 +132,11 @@ Outcome Work(const RenderOptions& options, const PluginModule& module, std::size
             options.cleaning);
     } catch (const std::exception& fault) {
         outcome.fault = file + ": " + fault.what();
+        if (options.json) outcome.text = FailedJson(file, fault.what());
         return outcome;
     }
+    const std::string advice = SoundAdvice(take, options.mix);
+    if (!advice.empty()) outcome.advice = file + ": " + advice;
     try {
         outcome.text = options.json ? NoteJson(file, take) : NoteTable(file, take);
         for (const RenderOutput& output : options.outputs) {
@@ -140,12 +146,14 @@ Outcome Work(const RenderOptions& options, const PluginModule& module, std::size
         }
     } catch (const std::exception& fault) {
         outcome.fault = fault.what();
+        if (options.json) outcome.text = FailedJson(file, fault.what());
     }
     return outcome;
 }
 
 void Print(const Outcome& outcome) {
     std::cout << outcome.text << std::flush;
+    if (!outcome.advice.empty()) ReportError(outcome.advice);
     if (!outcome.fault.empty()) ReportError(outcome.fault);
 }
 
@@ -156,6 +164,8 @@ void UseDevice(RenderOptions& options) {
     options.settings.parameters.push_back({88, static_cast<float>(index) * 0.01F});
     options.settings.parameters.push_back({89, 1.0F});
     options.settings.realTime = true;
+    options.settings.ended = [] { return EndSignal() != 0; };
+    CatchEndSignals();
     options.jobs = 1;
 }
 
@@ -187,6 +197,7 @@ int RenderFiles(RenderOptions& options) {
             Print(outcome);
         });
     }
+    if (EndSignal() != 0) EndBySignal();
     return allDone ? exitDone : exitFailed;
 }
 
@@ -196,7 +207,7 @@ void CheckUsage(RenderOptions& options) {
     } catch (const std::invalid_argument& reason) {
         throw UsageError(std::string("--quantise: ") + reason.what());
     }
-    if (options.files.empty() && options.list.empty()) throw UsageError("FILE is required, or --list");
+    if (options.files.empty() && options.list.empty()) throw UsageError("AUDIO is required, or --list");
     if (options.list == "-" && std::count(options.files.begin(), options.files.end(), "-") > 0)
         throw UsageError("--list: standard input is read once only");
     if (options.resume && std::all_of(options.outputs.begin(), options.outputs.end(),
@@ -205,7 +216,7 @@ void CheckUsage(RenderOptions& options) {
 }
 
 void AddCleaning(CLI::App& command, RenderOptions& options) {
-    const CLI::Validator length = CLI::Range(0.0, 60000.0).description("");
+    const CLI::Validator length = NumberFrom(0, 60000);
     command.add_option("--shortest-note", options.cleaning.shortestNote, "leave out notes shorter than this")
         ->type_name("MS")
         ->check(length);
@@ -222,7 +233,7 @@ void AddCleaning(CLI::App& command, RenderOptions& options) {
         .add_option("--tempo", options.cleaning.tempo,
                     "quarter notes a minute, of the grid and of the MIDI file")
         ->type_name("BPM")
-        ->check(CLI::Range(10.0, 1000.0).description(""))
+        ->check(NumberFrom(10, 1000))
         ->capture_default_str();
 }
 

@@ -8,6 +8,7 @@
 #include "notes/stream.h"
 #include "tools/host/commands/output_options.h"
 #include "tools/host/output_file.h"
+#include "tools/host/printable.h"
 #include "tools/host/score_output.h"
 
 namespace {
@@ -35,7 +36,8 @@ int ConvertScore(const ScoreOptions& options) {
         return exitFailed;
     }
     WriteWhole(options.midi, MidiFileBytes(*score));
-    std::cout << options.file << ": " << score->notes.size() << " notes, " << options.midi << " written\n";
+    std::cout << Printable(options.file) << ": " << score->notes.size() << " notes, "
+              << Printable(options.midi) << " written\n";
     return exitDone;
 }
 
