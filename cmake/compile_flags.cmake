@@ -30,19 +30,21 @@ if(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64")
   target_compile_options(orva_flags INTERFACE -fcf-protection)
 endif()
 
-# Under a sanitizer, most of the build's time goes into what is only there to try the product, and the command line:
-# targets with the property ORVA_QUICK are not optimised there, and orva_quick() makes one source of theirs. A class of
-# an unnamed namespace is then used outside of its source, which is what the warning is about.
-function(orva_quick)
-  set_target_properties(${ARGN} PROPERTIES ORVA_QUICK ON)
-  if(ORVA_SANITIZE)
-    set_target_properties(${ARGN} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 0)
-    foreach(target ${ARGN})
-      target_compile_options(${target} PRIVATE -Wno-subobject-linkage)
-    endforeach()
-  endif()
+# Code that is only there to test the product, and the command line under a sanitizer, costs more to compile than to
+# run: orva_quick() makes one source of a target's files and does not optimise them; orva_one_source() does only the
+# first. A class of an unnamed namespace is then used outside of its source, which is what the warning is about.
+function(orva_one_source)
+  set_target_properties(${ARGN} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 0)
+  foreach(target ${ARGN})
+    target_compile_options(${target} PRIVATE -Wno-subobject-linkage)
+  endforeach()
 endfunction()
-set(sanitized -O$<NOT:$<BOOL:$<TARGET_PROPERTY:ORVA_QUICK>>> -g1)
+function(orva_quick)
+  orva_one_source(${ARGN})
+  set_target_properties(${ARGN} PROPERTIES ORVA_QUICK ON)
+endfunction()
+set(quick $<BOOL:$<TARGET_PROPERTY:ORVA_QUICK>>)
+set(sanitized -O$<NOT:${quick}> -g1)
 if(ORVA_SANITIZE STREQUAL "address")
   target_compile_options(orva_flags INTERFACE ${sanitized} -fno-omit-frame-pointer
     -fsanitize=address,undefined,float-cast-overflow,float-divide-by-zero -fno-sanitize-recover=all)
@@ -51,6 +53,6 @@ elseif(ORVA_SANITIZE STREQUAL "thread")
   target_compile_options(orva_flags INTERFACE ${sanitized} -fno-omit-frame-pointer -fsanitize=thread)
   target_link_options(orva_flags INTERFACE -fsanitize=thread)
 elseif(CMAKE_BUILD_TYPE STREQUAL "Release")
-  target_compile_options(orva_flags INTERFACE -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2
-    $<$<CXX_COMPILER_ID:GNU>:-Wstack-usage=8192>)
+  target_compile_options(orva_flags INTERFACE
+    "$<IF:${quick},-O0,-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2;$<$<CXX_COMPILER_ID:GNU>:-Wstack-usage=8192>>")
 endif()

@@ -155,7 +155,7 @@ TEST_F(Recording, EachFlushHasAScaleOfItsOwn) {
     EXPECT_EQ(play({16, 1, 0}), (Loudness{{100, 16.0F}, {50, 1.0F}, {0, 0.0F}}));
     EXPECT_EQ(play({1}), (Loudness{{100, 1.0F}}));
     for (int level = 1; level < 1000; ++level)  // the loudest of a flush has the setting, whatever it is
-        ASSERT_EQ(play({static_cast<float>(level)})[0].first, 100) << level;
+        EXPECT_EQ(play({static_cast<float>(level)})[0].first, 100) << level;
     recorder.dynamicVelocity = false;
     EXPECT_EQ(play({16, 1}), (Loudness{{100, 16.0F}, {100, 1.0F}}));
 }

@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <cfenv>
-#include <cmath>
 #include <initializer_list>
 #include <map>
 #include <string>
@@ -55,39 +54,6 @@ TEST_F(Frames, ThreePeaksBeginANoteAndThreeGapsEndIt) {
     EXPECT_EQ(Flags("pp-ppp-"), "0000011");
     EXPECT_EQ(Flags("-p--p---"), "11111110");  // on from above; two gaps at most, then three
     EXPECT_EQ(Flags("p-p-pp-pp-"), "0000000000");
-}
-
-TEST_F(Frames, ALevelEqualToTheThresholdCounts) {
-    detector.SetRelativeThreshold(0);
-    Frame(detector, {{45, 1.0F}});
-    const float level = detector.separated[45];
-    detector.floorPower = level;
-    Frame(detector, {{45, 1.0F}});
-    EXPECT_EQ(detector.threshold, level);
-    EXPECT_TRUE(detector.peakNow[45]);
-    detector.floorPower = std::nextafter(level, 1.0F);
-    Frame(detector, {{45, 1.0F}});
-    EXPECT_FALSE(detector.peakNow[45]);
-}
-
-// At band 45 the dip must pass (2 - 2 e0) / (2 + 2 e0) = 0.1063, that is e0 = 0.808 between two frames of 1.
-TEST_F(Frames, ADipInMonoModeBeginsTheNoteAgain) {
-    const auto play = [this](float power) {
-        Frame(detector, {{45, power}});
-        return detector.noteOn[45];
-    };
-    for (const bool mono : {true, false}) {
-        detector.SetMonoEnabled(mono);
-        Flags("ppppp");
-        EXPECT_TRUE(play(0.82F) && play(1));  // too shallow
-        EXPECT_TRUE(play(0.79F));
-        EXPECT_EQ(play(1), !mono);
-        EXPECT_TRUE(play(1));  // the three peaks still stand
-    }
-    // Switched on at the valley, the history is empty, and nothing lies above e0 before it.
-    EXPECT_TRUE(play(0.5F));
-    detector.SetMonoEnabled(true);
-    EXPECT_TRUE(play(0.4F) && play(1));
 }
 
 TEST_F(Frames, ANoteTakesItsPartialsWithIt) {

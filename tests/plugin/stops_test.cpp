@@ -1,11 +1,16 @@
 // What a stop leaves behind, and what goes on through it.
+#include <gtest/gtest.h>
+
+#include <algorithm>
 #include <atomic>
 #include <new>
 #include <thread>
 
 #include "delivery/rt_recording.h"
+#include "module/plugin_entry.h"
 #include "plugin/gui_plugin.h"
-#include "tests/plugin/plugin_test.h"
+#include "tests/support/host.h"
+#include "tests/support/music.h"
 
 namespace {
 
@@ -20,9 +25,10 @@ public:
     int left = 0;
 };
 
-class Stops : public PluginTest {
+class Stops : public testing::Test {
 protected:
-    CORVAguivst& Gui() const { return dynamic_cast<CORVAguivst&>(Object()); }
+    Stops() { host.Open(OpenPlugin); }
+    CORVAguivst& Gui() const { return host.Object<CORVAguivst>(); }
     std::vector<unsigned char> Levels() const {
         std::vector<unsigned char> levels;
         Gui().buildLevels(levels);
@@ -35,15 +41,19 @@ protected:
         });
         return runs;
     }
-    const std::vector<float> tone = Sines({69, 76}, 0.3);
+    bool Play(const Audio& audio) { return host.Play(audio); }
+
+    Host host;
+    const Audio tone = Tones({69, 76}, 0.3);
 };
 
 TEST_F(Stops, ThePictureIsDarkAfterASilentBlockAndAfterASuspend) {
     for (const bool suspends : {false, true}) {
         Play(tone);
         EXPECT_EQ(Levels()[45], 255);
-        suspends ? static_cast<void>(plug->Call(effMainsChanged)) : static_cast<void>(Play(Silence(64)));
-        EXPECT_THAT(Levels(), testing::Each(0)) << suspends;
+        suspends ? static_cast<void>(host.Call(effMainsChanged)) : static_cast<void>(Play(Silence(64)));
+        const std::vector<unsigned char> levels = Levels();
+        EXPECT_EQ(std::count(levels.begin(), levels.end(), 0), std::ssize(levels)) << suspends;
     }
 }
 
@@ -51,7 +61,7 @@ TEST_F(Stops, ThePictureIsDarkAfterASilentBlockAndAfterASuspend) {
 TEST_F(Stops, ARecordingTakesNotesAgainAfterASuspendBesideBlocks) {
     host.keepsEvents = false;
     Gui().startRecording();
-    const std::vector<float> block = {0.1F};
+    const Audio block = {0.1F};
     std::atomic<int> blocks{0};
     std::atomic<bool> done{false};
     std::thread audio([&] {
@@ -63,7 +73,7 @@ TEST_F(Stops, ARecordingTakesNotesAgainAfterASuspendBesideBlocks) {
     int dead = 0;
     for (int round = 0; round < 200; ++round) {
         awaitBlocks(1);
-        plug->Call(effMainsChanged);
+        host.Call(effMainsChanged);
         awaitBlocks(2);  // of which the second began after it
         dead += RecordingRuns() ? 0 : 1;
     }
@@ -74,11 +84,11 @@ TEST_F(Stops, ARecordingTakesNotesAgainAfterASuspendBesideBlocks) {
 
 TEST_F(Stops, FramesInWhichMemoryRunsOutLeaveLaterNotesWhereTheyBelong) {
     auto* const failing = new Failing;  // the recorder's, once attached
-    Object().noteRecorder.AddOutput(failing);
+    Gui().noteRecorder.AddOutput(failing);
     host.TakenEvents();
     Play(tone);
-    const std::vector<FakeHost::Event> first = host.TakenEvents();
-    ASSERT_EQ(Sounding(first), 2);
+    const std::vector<Host::Event> first = host.TakenEvents();
+    ASSERT_EQ(first.size(), 2U);  // both notes begin
     Play(Silence(64));
     host.TakenEvents();
     const std::int64_t begin = host.clock;

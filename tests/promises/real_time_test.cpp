@@ -110,21 +110,21 @@ TEST(AudioThread, NeitherWaitsNorAllocatesNorLeavesForTheSystem) {
     });
 }
 
-volatile std::size_t size = 100;  // unknown to the compiler, which else leaves out what has no use
+volatile std::size_t plantedSize = 100;  // unknown to the compiler, which else leaves out what has no use
 void* volatile kept = nullptr;
 std::mutex plainLock;
 std::condition_variable condition;
 
 // One of each mechanism by which the watch can see something, and one in which nothing is wrong.
 constexpr void (*plants[])() = {
-    [] { kept = std::malloc(size); },
+    [] { kept = std::malloc(plantedSize); },
     [] { std::free(kept); },
-    [] { kept = new char[size]; },
-    [] { kept = std::aligned_alloc(64, 64 * size); },
+    [] { kept = new char[plantedSize]; },
+    [] { kept = std::aligned_alloc(64, 64 * plantedSize); },
     [] { const std::lock_guard<std::mutex> held(plainLock); },
     [] { condition.notify_one(); },
-    [] { kept = mmap(nullptr, size, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0); },
-    [] { size = static_cast<std::size_t>(open("/dev/null", O_RDONLY)); },
+    [] { kept = mmap(nullptr, plantedSize, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0); },
+    [] { plantedSize = static_cast<std::size_t>(open("/dev/null", O_RDONLY)); },
     [] { std::this_thread::sleep_for(std::chrono::microseconds(1)); },
     [] {
         try {
@@ -140,7 +140,7 @@ TEST(AudioThread, TheWatchSeesWhatIsThereToBeSeen) {
         static void (*plant)() = nullptr;
         static bool seen = false;
         plant = plants[trial.number];
-        kept = std::malloc(size);
+        kept = std::malloc(plantedSize);
         Player player;
         player.Watch([](const char*) { Trial::Pass(); });
         if (trial.number + 1 == std::size(plants)) Inside::report = [](const char*) { std::abort(); };
@@ -170,15 +170,15 @@ struct Modes {
     }
     bool operator==(const Modes&) const = default;
 };
-Modes hosts;
+Modes hostModes;
 std::atomic<int> changed{0};
 
 TEST(AudioThread, EachCallLeavesTheHostsFloatingPointModesAsTheyWere) {
     RunTrials({4, 1}, [](Trial& trial) {
-        hosts = Modes::Read();
+        hostModes = Modes::Read();
         Player player;
         // The sticky flags may be set in the middle of a call; the modes must not.
-        player.host.atCall = [] { changed += ((Modes::Read().vector ^ hosts.vector) & ~0x3FU) != 0 ? 1 : 0; };
+        player.host.atCall = [] { changed += ((Modes::Read().vector ^ hostModes.vector) & ~0x3FU) != 0 ? 1 : 0; };
         const Modes usual = Modes::Read();
         const Audio music = BusyMusic(trial.random, 48000, 4);
         for (int call = 0; call < 500; ++call) {
@@ -189,10 +189,10 @@ TEST(AudioThread, EachCallLeavesTheHostsFloatingPointModesAsTheyWere) {
             std::vector<float> in(&music[at], &music[at + 1 + trial.Below(2000)]), out = in;
             std::vector<double> wide(in.begin(), in.end());
             const auto frames = static_cast<std::int32_t>(in.size());
-            hosts.vector = 0x1F80U | rounding << 13 | static_cast<std::uint32_t>(trial.Below(2)) << 15 |
+            hostModes.vector = 0x1F80U | rounding << 13 | static_cast<std::uint32_t>(trial.Below(2)) << 15 |
                            static_cast<std::uint32_t>(trial.Below(64));
-            hosts.stack = static_cast<std::uint16_t>(0x037FU | rounding << 10);
-            hosts.Write();
+            hostModes.stack = static_cast<std::uint16_t>(0x037FU | rounding << 10);
+            hostModes.Write();
             switch (call % 5) {
                 case 0: player.host.Process(Way::accumulating, in.data(), out.data(), frames); break;
                 case 1: player.host.Process(Way::replacing, in.data(), out.data(), frames); break;
@@ -202,10 +202,10 @@ TEST(AudioThread, EachCallLeavesTheHostsFloatingPointModesAsTheyWere) {
             }
             const Modes after = Modes::Read();
             usual.Write();
-            ASSERT_EQ(after.vector, hosts.vector) << "after call " << call;
-            ASSERT_EQ(after.stack, hosts.stack) << "after call " << call;
+            ASSERT_EQ(after.vector, hostModes.vector) << "after call " << call;
+            ASSERT_EQ(after.stack, hostModes.stack) << "after call " << call;
         }
-        hosts = usual;
+        hostModes = usual;
         ASSERT_EQ(changed, 0) << "calls to the host in other modes";
     });
 }
