@@ -10,8 +10,9 @@
 #include <utility>
 
 #include "harmony/chord_namer.h"
-#include "tests/harmony/allocation_count.h"
+
 #include "tests/harmony/naming.h"
+#include "tests/support/watch.h"
 
 namespace {
 
@@ -176,9 +177,9 @@ TEST(ChordNamer, AllocatesNothingOnceWarm) {
             chordOfPitches(150, count, most.data(), alike.data(), alike.data(), alike.data());
     };
     nameAll();
-    const std::size_t before = AllocationsOfThisThread();
+    const std::size_t before = Allocations::Requested();
     nameAll();
-    EXPECT_EQ(AllocationsOfThisThread(), before);
+    EXPECT_EQ(Allocations::Requested(), before);
     Pitches many(100);
     std::iota(many.begin(), many.end(), 0U);
     EXPECT_THROW(FormOf(many), std::out_of_range);  // more than its area holds
