@@ -1,0 +1,190 @@
+// From levels to notes: the features, the picker against a simpler model, and the whole ear on a sound.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <memory>
+#include <random>
+
+#include "listening/refined_detector.h"
+#include "tests/engine/signals.h"
+
+namespace {
+
+struct Note {
+    int begin, end;  // frames
+    bool operator==(const Note&) const = default;
+};
+
+// The notes of one band from all of its outputs at once: an onset where the output rises through 0, five
+// frames apart at least; an end at the first two frames without sound, or a frame before the next onset.
+std::vector<Note> PickWhole(const std::vector<int>& onset, const std::vector<int>& sounding, int onsetBack,
+                            int soundingBack) {
+    std::vector<int> begins;
+    for (int t = 0; t < static_cast<int>(onset.size()); ++t)
+        if (onset[static_cast<std::size_t>(t)] >= 0 && t > 0 && onset[static_cast<std::size_t>(t) - 1] < 0 &&
+            (begins.empty() || t - begins.back() >= 5))
+            begins.push_back(t);
+    std::vector<Note> notes;
+    for (std::size_t i = 0; i < begins.size(); ++i) {
+        const int last =
+            i + 1 < begins.size() ? begins[i + 1] - 1 - onsetBack : std::numeric_limits<int>::max();
+        int t = std::max(begins[i], begins[i] - onsetBack + soundingBack + 4), without = 0;
+        for (; t < static_cast<int>(sounding.size()) && without < 2; ++t)
+            without = sounding[static_cast<std::size_t>(t)] >= 0 ? 0 : without + 1;
+        const int end = without == 2 ? t - 2 - soundingBack : std::numeric_limits<int>::max();
+        notes.push_back({begins[i] - onsetBack, std::min(end, last)});
+    }
+    return notes;
+}
+
+std::vector<Note> PickByFrames(const std::vector<int>& onset, const std::vector<int>& sounding, int onsetBack,
+                               int soundingBack) {
+    constexpr int band = 40;
+    NotePicker picker(onsetBack, soundingBack);
+    std::vector<std::int32_t> onsets(netBands, -1), sounds(netBands, -1), thresholds(netBands, 0);
+    std::vector<Note> notes;
+    bool on = false;
+    for (std::size_t t = 0; t < onset.size(); ++t) {
+        onsets[band] = onset[t], sounds[band] = sounding[t];
+        picker.Step(onsets.data(), thresholds.data(), sounds.data(), 0);
+        if (picker.IsOn(band) == on) continue;
+        on = !on;
+        const int frame = static_cast<int>(t) - picker.FramesBack(band);
+        if (on)
+            notes.push_back({frame, std::numeric_limits<int>::max()});
+        else
+            notes.back().end = frame;
+    }
+    return notes;
+}
+
+// What a handler sees of an ear: every change of a flag, and how far back it belongs.
+struct Change {
+    std::int64_t frame;
+    std::int32_t band;
+    bool on;
+    float delay;
+    bool operator==(const Change&) const = default;
+};
+
+struct Listener : INoteHandler {
+    void Attach(INoteDetector* attached) override { detector = attached; }
+    void OnFrame() override {
+        ++frame;
+        for (std::int32_t band = 0; band < netBands; ++band) {
+            if (detector->bandOn[band] == on[band]) continue;
+            on[band] = !on[band];
+            changes.push_back({frame, band, on[band], detector->GetBandDelay(band)});
+        }
+    }
+    INoteDetector* detector = nullptr;
+    std::int64_t frame = 0;
+    bool on[netBands] = {};
+    std::vector<Change> changes;
+};
+
+// The ear as the plug-in builds it.
+struct Ears {
+    explicit Ears(TRefinedDetector::Look look, int rate = 44100)
+        : inner(rate, 45, netBands), refined(std::make_unique<TRefinedDetector>(inner, look)) {
+        inner.SetBandwidth(0.02F);
+        inner.SetTuningEnabled(false);
+        inner.SetEqualizerEnabled(true);
+        inner.SetRelativeThreshold(0.13F);
+        inner.SetFloorDb(-35);
+        inner.handler = refined.get();
+        refined->handler = &listener;
+        listener.Attach(refined.get());
+        refined->Reset();
+    }
+    void Hear(const Audio& audio, std::size_t block) {
+        for (std::size_t at = 0; at < audio.size(); at += block)
+            refined->Process(&audio[at], Bytes(std::min(block, audio.size() - at)));
+    }
+    TRealTimeTS107 inner;
+    std::unique_ptr<TRefinedDetector> refined;
+    Listener listener;
+};
+
+}  // namespace
+
+TEST(RefinedEar, LevelsAreLogarithmsToAThousandthOfADecibel) {
+    std::minstd_rand random(1);
+    for (int i = 0; i < 10000; ++i) {
+        const float power = std::pow(10.0F, static_cast<float>(random() % 15900) / 1000.0F - 13.95F);
+        ASSERT_NEAR(LevelOf(power) / stepsPerDb, 10 * std::log10(static_cast<double>(power)), 0.001);
+    }
+    for (const float silent : {0.0F, -1.0F, 1e-30F, std::nanf("")})
+        EXPECT_NEAR(LevelOf(silent) / stepsPerDb, -140, 0.001);
+    EXPECT_NEAR(LevelOf(std::numeric_limits<float>::infinity()) / stepsPerDb, 20, 0.001);
+}
+
+TEST(RefinedEar, PickingByFramesFindsTheNotesOfPickingInTheWhole) {
+    std::mt19937 random(1);
+    for (const int back : {5, 8})
+        for (int run = 0; run < 300; ++run) {
+            std::vector<int> onset, sounding;
+            int o = -1, s = -1;
+            for (int t = 0; t < 400; ++t) {
+                if (t < 390 && random() % 7 == 0) o = -1 - o;
+                if (random() % (1 + static_cast<unsigned>(run) % 40) == 0) s = -1 - s;
+                onset.push_back(t == 0 ? -1 : o);
+                sounding.push_back(s);
+            }
+            const std::vector<Note> whole = PickWhole(onset, sounding, back, 4);
+            const std::vector<Note> live = PickByFrames(onset, sounding, back, 4);
+            ASSERT_EQ(live.size(), whole.size());
+            for (std::size_t i = 0; i < live.size(); ++i) {
+                ASSERT_EQ(live[i].begin, whole[i].begin);
+                if (live[i].end < 380) {
+                    ASSERT_EQ(live[i].end, whole[i].end) << "run " << run << ", note " << i;
+                }
+            }
+        }
+}
+
+TEST(RefinedEar, HearsTheSameHoweverTheAudioIsCut) {
+    const Audio audio = Music(44100, 3);
+    Ears whole(TRefinedDetector::Look::live);
+    whole.Hear(audio, audio.size());
+    EXPECT_GT(whole.listener.changes.size(), 10U);
+    for (const std::size_t block : {std::size_t{1}, std::size_t{64}, std::size_t{777}}) {
+        Ears cut(TRefinedDetector::Look::live);
+        cut.Hear(audio, block);
+        EXPECT_TRUE(cut.listener.changes == whole.listener.changes) << "blocks of " << block;
+    }
+    whole.refined->Reset();  // forgets all of it: the same sound is heard the same again
+    Listener again;
+    again.Attach(whole.refined.get());
+    whole.refined->handler = &again;
+    whole.Hear(audio, 777);
+    EXPECT_TRUE(again.changes == whole.listener.changes);
+}
+
+// Each control takes away notes only: a band without gain, a floor above the sound, a threshold out of reach.
+TEST(RefinedEar, SettingsLeaveOutWhatTheySay) {
+    const Audio audio = Music(44100, 2);
+    const auto begins = [&](auto set) {
+        Ears ears(TRefinedDetector::Look::live);
+        set(ears);
+        ears.Hear(audio, 512);
+        std::vector<int> count(netBands, 0);
+        for (const Change& change : ears.listener.changes)
+            count[static_cast<std::size_t>(change.band)] += change.on ? 1 : 0;
+        return count;
+    };
+    const std::vector<int> all = begins([](Ears&) {});
+    const auto band = static_cast<std::size_t>(std::max_element(all.begin(), all.end()) - all.begin());
+    ASSERT_GT(all[band], 0);
+    const std::vector<int> none(netBands, 0);
+    EXPECT_EQ(
+        begins([band](Ears& ears) { ears.inner.SetBandGain(static_cast<std::int32_t>(band), 0); })[band], 0);
+    EXPECT_EQ(begins([](Ears& ears) { ears.inner.SetFloorDb(10); }), none);
+    EXPECT_EQ(begins([](Ears& ears) { ears.refined->extraThreshold = 16; }), none);
+    EXPECT_EQ(begins([](Ears& ears) { ears.refined->extraThreshold = std::nanf(""); }), none);
+}
+
+TEST(RefinedEar, OneInstanceTakesLittleMemory) {
+    EXPECT_LT(sizeof(TRefinedDetector), std::size_t{256} * 1024);
+}
