@@ -55,6 +55,14 @@ void TNoteRecorder::Attach(INoteDetector* newDetector) {
     BuildMessages();
 }
 
+void TNoteRecorder::Follow(INoteDetector& other) {
+    const Hold held(*this);
+    AllNotesOff();
+    detector = &other;
+    bandOn = other.bandOn;
+    bandLevel = other.bandLevel;
+}
+
 void TNoteRecorder::BuildMessages() {
     const auto onChannel = static_cast<std::uint32_t>(channel & 15);
     const auto withVelocity = static_cast<std::uint32_t>(velocity & 127) << 16;
@@ -88,7 +96,8 @@ void TNoteRecorder::CopyBands() {
 }
 
 void TNoteRecorder::StartOnFirstNote() {
-    if (!std::any_of(bandOn, bandOn + numBands, [](bool on) { return on; })) return;
+    const bool* const flags = bandOn;
+    if (!std::any_of(flags, flags + numBands, [](bool on) { return on; })) return;
     firstNoteSeen = true;
     autoStartOutputs.ForEach([](TNoteOut& output) { output.AutoStart(); });
 }

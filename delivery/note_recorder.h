@@ -32,6 +32,9 @@ public:
 
     void Attach(INoteDetector* newDetector) override;  // null changes nothing
     void OnFrame() override;                           // [audio]
+    // Takes its notes from another detector of the same bands and rate from now on: all notes off, and the
+    // clock runs on. Behind whatever keeps frames from coming meanwhile.
+    void Follow(INoteDetector& other);
 
     void Activate(std::uint32_t offset);
     void Deactivate() { active = false; }
@@ -107,7 +110,7 @@ public:
     BandMessages messages[maxBands];       // [any] writes
     Relaxed<std::int64_t> minNoteLength;   // samples; no setter
     Relaxed<std::int64_t> minNoteGap;      // samples; no setter
-    bool* bandOn = nullptr;                // the detector's; read through BandSounds
+    Relaxed<bool*> bandOn = nullptr;       // the detector's; read through BandSounds
     Relaxed<bool> playing[maxBands];       // on and enabled after the last frame; AllNotesOff [any] clears
     Relaxed<bool> enabled[maxBands];       // mask; all set by Attach
     Relaxed<std::int32_t> numBands;        // fixed by Attach; 0 without a detector
@@ -119,16 +122,16 @@ public:
     bool dynamicVelocity = true;           // a recording scales velocities by level; no setter
     Relaxed<bool> active;                  // frames are handled
     Relaxed<bool> firstNoteSeen;
-    float* bandLevel = nullptr;     // the detector's; for OnFrame alone
-    std::int32_t frameLength = 0;   // samples; taken by Attach
-    std::uint32_t sampleRate = 0;   // Hz; taken once, by Attach
-    std::uint32_t startOffset = 0;  // as given to Activate; no decision reads it
+    Relaxed<float*> bandLevel = nullptr;  // the detector's; for OnFrame alone
+    std::int32_t frameLength = 0;         // samples; taken by Attach
+    std::uint32_t sampleRate = 0;         // Hz; taken once, by Attach
+    std::uint32_t startOffset = 0;        // as given to Activate; no decision reads it
     Relaxed<bool> startOnFirstNote;
-    OutputList outputs;                      // owned at destruction
-    OutputList autoStartOutputs;             // each of them in outputs too
-    Relaxed<bool> sendProgramChange = true;  // program messages go out on their own occasions
-    Relaxed<std::int64_t> time;              // the system's note clock, samples
-    INoteDetector* detector = nullptr;       // not owned
+    OutputList outputs;                          // owned at destruction
+    OutputList autoStartOutputs;                 // each of them in outputs too
+    Relaxed<bool> sendProgramChange = true;      // program messages go out on their own occasions
+    Relaxed<std::int64_t> time;                  // the system's note clock, samples
+    Relaxed<INoteDetector*> detector = nullptr;  // not owned
 
 private:
     void BuildMessages();
