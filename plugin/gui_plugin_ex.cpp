@@ -5,12 +5,9 @@
 
 void CORVAguivstEx::processSamples(const short* block, std::size_t count) {
     if (!registration.LetsThrough(block, count)) return;
-    if (!CanDetect() || SumIsZero(block, count)) {
-        silentSamples = silentSamples + count;
-        stopDetection();
-        return;
-    }
-    silentSamples = 0;
+    const bool silent = !CanDetect() || SumIsZero(block, count);
+    silentSamples = silent ? silentSamples + count : 0;
+    if (silent && !(CanDetect() && HearsThroughSilence())) return stopDetection();
     startDetection();
     detector.Process(block, static_cast<unsigned>(count * sizeof(short)));
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <cstring>
 #include <memory>
 #include <thread>
@@ -94,6 +95,7 @@ CORVA_vst::CORVA_vst(audioMasterCallback host, std::int32_t numParams)
 
 CORVA_vst::~CORVA_vst() {
     detector.handler = nullptr;
+    delete refined.load();
 }
 
 void CORVA_vst::processSamples(const short*, std::size_t) {}
@@ -116,7 +118,10 @@ void CORVA_vst::FeedBlock(const Sample* in, std::size_t count) {
             if (count > samples.capacity())
                 samples.reserve(std::max(count, samples.capacity() + samples.capacity() / 2));
             samples.resize(count);
-            ConvertSamples(in, samples.data(), count);
+            if (const float gain = inputGain; gain == 1.0F)
+                ConvertSamples(in, samples.data(), count);
+            else
+                ConvertSamples(in, samples.data(), count, gain);
             deliverBlock();
         } catch (...) {  // recognition may fail where memory runs out; the clock goes on all the same
         }
@@ -196,7 +201,7 @@ void CORVA_vst::StopSteps() {
 }
 
 void CORVA_vst::ResetDetector() {
-    detector.Reset();
+    heard->Reset();
     noteRecorder.CopyBands();
 }
 
@@ -251,14 +256,89 @@ bool CORVA_vst::ServeRequests() {
 
 void CORVA_vst::Serve(unsigned wanted) {
     if ((wanted & requestStop) != 0) suspendSteps();
+    if ((wanted & requestEar) != 0) ChangeEar();
     if ((wanted & requestRate) != 0) {
         const float rate = getSampleRate();
         detects = false;
         if (!CanDetectAt(rate)) return;
         detector.SetSampleRate(DetectorRate(rate));
+        if (TRefinedDetector* const made = refined) made->RateChanged();
         noteRecorder.CopyBands();
         detects = true;
     }
+}
+
+// Without a wait, unlike Ask: served at once where the gate is free, else by whoever leaves it.
+void CORVA_vst::Leave(Request request) {
+    requests.fetch_or(request);
+    if (!gate.IsMine() && ServeRequests()) return;
+    leftToBlock = true;
+    if (!gate.IsMine()) ServeRequests();
+}
+
+// --- the ear ---
+
+std::intptr_t CORVA_vst::dispatcher(std::int32_t opcode, std::int32_t index, std::intptr_t value, void* ptr,
+                                    float opt) {
+    if (opcode != effVendorSpecific || index != vendorCall)
+        return AudioEffectX::dispatcher(opcode, index, value, ptr, opt);
+    switch (value) {
+        case vendorEar:
+            if (opt != 0.0F && opt != 1.0F && opt != 2.0F) return 0;
+            setEar(static_cast<Ear>(TruncateToInt32(opt)));
+            return 1;
+        case vendorThreshold: setEarThreshold(opt); return 1;
+        case vendorInputLevel: setInputLevel(opt); return 1;
+        default: return 0;
+    }
+}
+
+void CORVA_vst::prepareEar() {
+    if (refined.load() != nullptr) return;
+    auto made = std::make_unique<TRefinedDetector>(detector, TRefinedDetector::Look::live);
+    made->extraThreshold = earThreshold.load();
+    made->handler = &noteRecorder;
+    TRefinedDetector* none = nullptr;
+    if (refined.compare_exchange_strong(none, made.get())) static_cast<void>(made.release());
+}
+
+void CORVA_vst::setEar(Ear wanted) {
+    if (wanted == ear) return;
+    if (wanted != Ear::classic) prepareEar();
+    ear = wanted;
+    Leave(requestEar);
+}
+
+void CORVA_vst::ChangeEar() {
+    const Ear wanted = ear;
+    TRefinedDetector* const made = refined;
+    heard->Reset();
+    if (wanted == Ear::classic || made == nullptr) {
+        detector.handler = &noteRecorder;
+        heard = &detector;
+    } else {
+        made->RateChanged();
+        made->SetLook(wanted == Ear::refinedLive ? TRefinedDetector::Look::live
+                                                 : TRefinedDetector::Look::file);
+        detector.handler = made;
+        heard = made;
+    }
+    noteRecorder.Follow(*heard);
+    noteRecorder.CopyBands();
+}
+
+void CORVA_vst::setEarThreshold(float logits) {
+    earThreshold = logits;
+    if (TRefinedDetector* const made = refined) made->extraThreshold = logits;
+}
+
+void CORVA_vst::setInputLevel(float dB) {
+    constexpr float furthest = 60;                                             // dB
+    inputGain = std::pow(10.0F, std::clamp(dB, -furthest, furthest) / 20.0F);  // 0 gives exactly 1
+}
+
+bool CORVA_vst::HearsThroughSilence() const {
+    return heard != &detector && !stopped && static_cast<float>(silentSamples) < getSampleRate();
 }
 
 // --- identity ---

@@ -8,8 +8,10 @@
 #include "delivery/note_recorder.h"
 #include "delivery/vst_midi_out.h"
 #include "engine/real_time_detector.h"
+#include "listening/refined_detector.h"
 #include "plugin/block_gate.h"
 #include "vst2/audio_effect_x.h"
+#include "vst2/vendor_call.h"
 
 // The base of the plug-in object: the detector, the recorder, the output to the host, the three parameters
 // that steer the recognition, and the road of a block of audio. The audio itself passes through untouched.
@@ -70,6 +72,17 @@ public:
     std::int32_t canDo(const char* text) override;
     bool setProcessPrecision(std::int32_t) override { return true; }
 
+    std::intptr_t dispatcher(std::int32_t opcode, std::int32_t index, std::intptr_t value, void* ptr,
+                             float opt) override;
+
+    // What plays no part for a host that does not ask for it. [any], and nobody waits: a block in flight ends
+    // with the settings that it began with. Notes that sound end with a change of ear. The refined ear is
+    // made at its first choice, or before by prepareEar, so that the choice allocates nothing.
+    void prepareEar();
+    void setEar(Ear ear);
+    void setEarThreshold(float logits);
+    void setInputLevel(float dB);
+
     // For the output to the host.
     std::uint64_t GetTotalSamples() const override { return totalSamples; }
     bool HostIsAbleton() const override { return hostIsAbletonCopy; }
@@ -86,6 +99,7 @@ public:
     Relaxed<bool> firstBlock = true;       // no block has been processed yet
     float levelAverage = 0;                // smoothed logarithmic peak of the levels; the editor's, [ui]
     Relaxed<bool> stopped = true;
+    Relaxed<float> inputGain = 1.0F;         // factor; exactly 1 leaves the samples to the plain conversion
     Relaxed<bool> hostAskedMidiOut = false;  // the host has asked canDo("sendVstMidiEvent")
     bool hostIsAbletonCopy = false;          // taken at construction
 
@@ -97,9 +111,12 @@ protected:
     // What suspend does, behind the gate, so that no block sees it half done.
     virtual void suspendSteps() { StopSteps(); }
     void StopSteps();
+    // The refined ear decides late: it hears on through this much silence, so that the last notes end by
+    // themselves.
+    bool HearsThroughSilence() const;
 
 private:
-    enum Request : unsigned { requestStop = 1, requestRate = 2 };
+    enum Request : unsigned { requestStop = 1, requestRate = 2, requestEar = 4 };
 
     template <typename Sample>
     void FeedBlock(const Sample* in, std::size_t count);
@@ -108,6 +125,8 @@ private:
     void deliverBlock();
     void ResetDetector();
     void Ask(Request request);
+    void Leave(Request request);
+    void ChangeEar();
     bool ServeRequests();
     void Serve(unsigned requests);
 
@@ -116,6 +135,10 @@ private:
     std::atomic<bool> leftToBlock{false};  // who asked has given up waiting: the block in flight serves
     Relaxed<bool> detects = true;          // written behind the gate
     bool stoppedWithin = false;            // behind the gate: what is left of the block is not to be heard
-    std::mutex programNameGuard;           // never taken by a process call
+    std::atomic<TRefinedDetector*> refined{nullptr};  // owned; made at the first choice, and kept
+    INoteDetector* heard = &detector;                 // behind the gate: what the recorder follows
+    Relaxed<Ear> ear = Ear::classic;                  // as chosen last
+    Relaxed<float> earThreshold = 0.0F;
+    std::mutex programNameGuard;  // never taken by a process call
     char programName[kVstMaxProgNameLen];
 };

@@ -63,7 +63,25 @@ void Convert(const Sample* in, short* out, std::size_t count) {
     ConvertOneByOne(in + done, out + done, count - done);
 }
 
+template <typename Sample>
+void ConvertAt(Sample gain, const Sample* in, short* out, std::size_t count) {
+    if (in == nullptr) return static_cast<void>(std::fill_n(out, count, short{0}));
+    const FlushToZero arithmetic;
+    const Sample scale = gain * Sample(30000);
+    for (std::size_t i = 0; i < count; ++i) {
+        const Sample scaled = std::clamp(Load(in + i) * scale, Sample(-32767), Sample(32767));
+        out[i] = static_cast<short>(static_cast<std::uint16_t>(TruncateToInt32(scaled)));
+    }
+}
+
 }  // namespace
+
+void ConvertSamples(const float* in, short* out, std::size_t count, float gain) {
+    ConvertAt(gain, in, out, count);
+}
+void ConvertSamples(const double* in, short* out, std::size_t count, float gain) {
+    ConvertAt(static_cast<double>(gain), in, out, count);
+}
 
 void ConvertSamples(const float* in, short* out, std::size_t count) {
     Convert(in, out, count);

@@ -9,7 +9,11 @@
 void ConvertSamples(const float* in, short* out, std::size_t count);
 void ConvertSamples(const double* in, short* out, std::size_t count);
 
-// What the above do, one sample after the other.
+// The same louder or softer by the factor `gain`, and cut to 32767 where it would wrap.
+void ConvertSamples(const float* in, short* out, std::size_t count, float gain);
+void ConvertSamples(const double* in, short* out, std::size_t count, float gain);
+
+// What the first two do, one sample after the other.
 namespace plain {
 void ConvertSamples(const float* in, short* out, std::size_t count);
 void ConvertSamples(const double* in, short* out, std::size_t count);
