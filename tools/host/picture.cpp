@@ -25,11 +25,13 @@ struct Range {
     int highest = 72;
 };
 
-Range RangeOf(const std::vector<HeardNote>& notes) {
-    if (notes.empty()) return {};
-    const auto [low, high] = std::minmax_element(
-        notes.begin(), notes.end(), [](const HeardNote& a, const HeardNote& b) { return a.pitch < b.pitch; });
-    return {low->pitch - 2, std::max(high->pitch + 2, low->pitch + 12)};
+Range RangeOf(const std::vector<HeardNote>& notes, const std::vector<PlayedNote>& played) {
+    std::vector<int> pitches;
+    for (const HeardNote& note : notes) pitches.push_back(note.pitch);
+    for (const PlayedNote& note : played) pitches.push_back(note.pitch);
+    if (pitches.empty()) return {};
+    const auto [low, high] = std::minmax_element(pitches.begin(), pitches.end());
+    return {*low - 2, std::max(*high + 2, *low + 12)};
 }
 
 // The twelve pitch classes around the colour circle, in fifths, so that related notes have related colours.
@@ -47,7 +49,7 @@ public:
     explicit Roll(const Take& source)
         : take(source),
           notes(PairNotes(source)),
-          range(RangeOf(notes)),
+          range(RangeOf(notes, source.played)),
           seconds(std::max(Seconds(take, take.length), 1.0)),
           perSecond(std::min(usualSecond, (widest - leftEdge) / seconds)),
           rows(range.highest - range.lowest + 1),
@@ -61,6 +63,7 @@ public:
     std::string Png() {
         DrawRows();
         DrawSeconds();
+        DrawPlayed();
         DrawNotes();
         DrawChords();
         std::string bytes;
@@ -117,11 +120,21 @@ private:
         }
     }
 
+    void DrawPlayed() {
+        cairo_set_source_rgb(context.get(), 0.7, 0.73, 0.78);
+        for (const PlayedNote& note : take.played)
+            Rectangle(X(note.begin), Y(note.pitch), std::max(X(note.end) - X(note.begin), 2.0),
+                      rowHeight - 1);
+    }
+
+    // Narrower than what was played, which shows around it.
     void DrawNotes() {
+        const double inset = take.played.empty() ? 0 : 2;
         for (const HeardNote& note : notes) {
             SetPitchColour(context.get(), note.pitch);
             const double x = X(Seconds(take, note.begin));
-            Rectangle(x, Y(note.pitch), std::max(X(Seconds(take, note.end)) - x, 2.0), rowHeight - 1);
+            Rectangle(x, Y(note.pitch) + inset, std::max(X(Seconds(take, note.end)) - x, 2.0),
+                      rowHeight - 1 - 2 * inset);
         }
     }
 

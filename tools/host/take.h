@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "tools/host/played_notes.h"
+
 // One MIDI message that the plug-in sent to the host.
 struct TimedEvent {
     std::int64_t sample = 0;  // where in the audio it belongs: samples since its start, never below 0
@@ -19,6 +21,7 @@ struct Take {
     float peak = 0;                  // largest amplitude of what was heard, full scale at 1.0
     float peakOfAll = 0;             // the same, over all channels of the file
     double tempo = 120;  // quarter notes a minute, by which it is written as a score; the sound knows none
+    std::vector<PlayedNote> played = {};  // what was really played, where that is known; for the picture
 };
 
 // Where a sample of the take lies, in seconds from its start.
