@@ -69,8 +69,8 @@ TEST_F(Live, PlaysTheNotesThatRenderFindsPassesTheAudioOnAndLeavesNoNoteSounding
     ASSERT_GE(music.notes.size(), 40U);
     for (const bool whole : {true, false}) {
         Neighbour synth(music.samples);
-        HostProcess host(
-            {"live", "--connect", "synth:out", "--midi-to", "synth:in", "--midi", music.folder / "live.mid"});
+        HostProcess host({"live", "--ear", "classic", "--connect", "synth:out", "--midi-to", "synth:in",
+                          "--midi", music.folder / "live.mid"});
         ASSERT_TRUE(synth.AwaitHost()) << host.Err();
         EXPECT_EQ(synth.Senders(), Arguments{"orva:midi"});
         ASSERT_TRUE(synth.Hear("orva:out"));
@@ -97,7 +97,7 @@ TEST_F(Live, PlaysTheNotesThatRenderFindsPassesTheAudioOnAndLeavesNoNoteSounding
     // A device gets the same messages as the host, whose dates have each band's delay subtracted: so only
     // their number is equal, word by word.
     Neighbour synth({});
-    const Ended ended = RunHost({"render", music.path, "--device", "synth:in"});
+    const Ended ended = RunHost({"render", "--ear", "classic", music.path, "--device", "synth:in"});
     ASSERT_EQ(ended.code, 0) << ended.err;
     ASSERT_TRUE(synth.AwaitNotes(music.notes.size()));
     Notes received = synth.Heard(), sent = music.notes;
@@ -110,7 +110,8 @@ TEST_F(Live, PlaysTheNotesThatRenderFindsPassesTheAudioOnAndLeavesNoNoteSounding
 TEST_F(Live, ComesBackWithTheServerAndConnectsAgain) {
     const Music music("flute_melody.ogg");
     std::optional<Neighbour> synth(std::in_place, music.samples);
-    HostProcess host({"live", "--name", "ears", "--connect", "synth:out", "--midi-to", "synth:in"});
+    HostProcess host(
+        {"live", "--ear", "classic", "--name", "ears", "--connect", "synth:out", "--midi-to", "synth:in"});
     ASSERT_TRUE(synth->AwaitHost()) << host.Err();
     synth->Play();
     ASSERT_TRUE(synth->AwaitNotes(1));

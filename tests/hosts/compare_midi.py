@@ -54,7 +54,7 @@ def rendered(audio, block, shifts, folder):
         with wave.open(str(file), "wb") as sound:
             sound.setparams(form)
             sound.writeframes(bytes(shift * form.sampwidth * form.nchannels) + samples)
-    subprocess.run([f"{os.environ['ORVA_BUILD']}/orva-host", "render", *map(str, files), "--block", str(block),
+    subprocess.run([f"{os.environ['ORVA_BUILD']}/orva-host", "render", "--ear", "classic", *map(str, files), "--block", str(block),
                     "--events", str(folder), "--jobs", "2"], stdout=subprocess.DEVNULL, check=True)
     for file, shift in zip(files, shifts):
         yield [(time - shift / form.framerate, on, key) for time, on, key in table(file.with_suffix(".csv"))]

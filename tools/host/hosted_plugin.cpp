@@ -85,6 +85,19 @@ void HostedPlugin::Stop() {
     runs = false;
 }
 
+void HostedPlugin::SetEar(const EarSettings& settings) const {
+    const bool taken =
+        Dispatch(effVendorSpecific, vendorCall, vendorEar, nullptr, static_cast<float>(settings.ear)) == 1;
+    if (!taken && settings.isRequired) throw std::runtime_error("the plug-in has no choice of ears");
+    if (!taken) return;
+    Dispatch(effVendorSpecific, vendorCall, vendorThreshold, nullptr, settings.threshold);
+    SetLevel(settings.level);
+}
+
+void HostedPlugin::SetLevel(float dB) const {
+    Dispatch(effVendorSpecific, vendorCall, vendorInputLevel, nullptr, dB);
+}
+
 std::string HostedPlugin::Text(std::int32_t opcode, std::int32_t index) const {
     std::array<char, 256> text{};  // plug-ins write more than the interface grants them
     Dispatch(opcode, index, 0, text.data());

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "base/relaxed.h"
+#include "tools/host/ear_settings.h"
 #include "tools/host/plugin_module.h"
 #include "tools/host/take.h"
 #include "vst2/records.h"
@@ -45,6 +46,9 @@ public:
     const AEffect& Record() const { return *effect; }
     void SetParameter(std::int32_t index, float value) { effect->setParameter(effect, index, value); }
     float Parameter(std::int32_t index) const { return effect->getParameter(effect, index); }
+    // Sets ear, threshold and level, as far as the plug-in knows of them. Errors: see EarSettings.
+    void SetEar(const EarSettings& settings) const;
+    void SetLevel(float dB) const;  // [audio]
     // What the plug-in writes in answer to one of the opcodes that ask for a text; empty if nothing.
     std::string Text(std::int32_t opcode, std::int32_t index = 0) const;
     // What it says of a capability: 1 yes, -1 no, 0 nothing.

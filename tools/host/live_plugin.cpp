@@ -11,13 +11,15 @@ thread_local const LivePlugin* hearing = nullptr;
 
 // The longest period is announced first, so that every buffer is there whatever the server changes to.
 LivePlugin::LivePlugin(const PluginModule& module, std::int32_t newRate, std::int32_t newPeriod,
-                       const std::vector<ParameterSetting>& parameters)
-    : rate(newRate),
+                       const std::vector<ParameterSetting>& parameters, const EarSettings& ear)
+    : followsLevel(ear.autoLevel),
+      rate(newRate),
       period(newPeriod),
       plugin(module, newRate, "ORVA", [this](const TimedEvent& event) { Receive(event); }) {
     plugin.Start(longestBlock);
     plugin.Change(newRate, std::min(newPeriod, longestBlock));
     for (const ParameterSetting& setting : parameters) plugin.SetParameter(setting.index, setting.value);
+    plugin.SetEar(ear);
 }
 
 void LivePlugin::HearPeriod(const float* in, float* out, std::uint32_t frames) {
@@ -27,6 +29,7 @@ void LivePlugin::HearPeriod(const float* in, float* out, std::uint32_t frames) {
         if (!events.Add(0, outside.Front().bytes)) ++lost;
     if (stopped.load() || plugin.Record().numOutputs == 0) std::copy_n(in, frames, out);
     if (stopped.load()) return;
+    if (followsLevel) FollowLevel(in, frames);
     hearing = this;
     for (std::uint32_t at = 0; at < frames;) {
         const std::uint32_t count = std::min<std::uint32_t>(frames - at, longestBlock);
@@ -34,6 +37,10 @@ void LivePlugin::HearPeriod(const float* in, float* out, std::uint32_t frames) {
         at += count;
     }
     hearing = nullptr;
+}
+
+void LivePlugin::FollowLevel(const float* in, std::uint32_t frames) {
+    if (follower.Hear(in, frames, rate)) plugin.SetLevel(follower.Level());
 }
 
 // Three zero bytes, where the plug-in had no note, are no MIDI.

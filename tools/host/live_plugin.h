@@ -5,6 +5,7 @@
 
 #include "platform/message_ring.h"
 #include "tools/host/hosted_plugin.h"
+#include "tools/host/level_follower.h"
 #include "tools/host/period_events.h"
 #include "tools/host/renderer.h"
 
@@ -19,7 +20,7 @@ public:
     static constexpr std::int32_t longestBlock = 8192;  // samples; longer periods are cut into such
 
     LivePlugin(const PluginModule& module, std::int32_t rate, std::int32_t period,
-               const std::vector<ParameterSetting>& parameters);
+               const std::vector<ParameterSetting>& parameters, const EarSettings& ear = {});
     LivePlugin(const LivePlugin&) = delete;
     LivePlugin& operator=(const LivePlugin&) = delete;
 
@@ -50,12 +51,15 @@ public:
 
 private:
     void HearPeriod(const float* in, float* out, std::uint32_t frames);
+    void FollowLevel(const float* in, std::uint32_t frames);
     void Receive(const TimedEvent& event);
 
     // Far more than the messages of 33 ms, the time between two looks of the main thread.
     MessageRing<TimedEvent, 4096> sent;     // all that was sent, for Next
     MessageRing<TimedEvent, 4096> outside;  // what was sent outside of a block, for the next period
     PeriodEvents events;                    // audio thread only
+    const bool followsLevel;                // --level auto
+    LevelFollower follower;                 // audio thread only
     std::int64_t periodStart = 0;           // audio thread only: sample
     std::atomic<bool> stopped{false};       // set by Stop, read by the audio thread
     std::atomic<std::uint64_t> periods{0};

@@ -1,9 +1,45 @@
 #include "tools/host/renderer.h"
 
+#include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <thread>
 
 #include "tools/host/hosted_plugin.h"
+
+namespace {
+
+// dB for the loudest sample of a whole file.
+double LevelFor(const std::string& path, AudioFile::Channel channel) {
+    AudioFile audio(path, channel);
+    std::vector<float> piece(1 << 16);
+    float peak = 0;
+    while (const std::size_t count = audio.Read(piece.data(), piece.size()))
+        for (std::size_t i = 0; i < count; ++i) peak = std::max(peak, std::abs(piece[i]));
+    return LevelForPeak(peak);
+}
+
+// A refined ear decides late: it is given silence until the last notes are decided, and what they are dated
+// at beyond the audio's end is its end.
+void HearOut(HostedPlugin& plugin, Take& take, std::vector<float>& block) {
+    constexpr std::int64_t silencesPerSecond = 5;  // 200 ms, twice what it looks ahead
+    take.length = plugin.SamplesDelivered();
+    std::fill(block.begin(), block.end(), 0.0F);
+    const std::int64_t end = take.length + take.rate / silencesPerSecond;
+    while (plugin.SamplesDelivered() < end)
+        plugin.Process(block.data(),
+                       static_cast<std::int32_t>(std::min<std::int64_t>(
+                           static_cast<std::int64_t>(block.size()), end - plugin.SamplesDelivered())));
+    plugin.Stop();
+    for (TimedEvent& event : take.events) event.sample = std::min(event.sample, take.length);
+}
+
+}  // namespace
+
+double LevelForPeak(double peak) {
+    constexpr double wanted = -1, most = 40, least = -20;  // dB
+    return peak > 0 ? std::clamp(wanted - 20 * std::log10(peak), least, most) : 0.0;
+}
 
 Take Render(const PluginModule& module, const std::string& path, const RenderSettings& settings,
             const std::function<void(double)>& progress) {
@@ -15,6 +51,10 @@ Take Render(const PluginModule& module, const std::string& path, const RenderSet
     plugin.Start(settings.blockSize);
     for (const ParameterSetting& setting : settings.parameters)
         plugin.SetParameter(setting.index, setting.value);
+
+    EarSettings ear = settings.ear;
+    if (ear.autoLevel) ear.level = static_cast<float>(LevelFor(path, settings.channel));
+    plugin.SetEar(ear);
 
     std::vector<float> block(static_cast<std::size_t>(settings.blockSize));
     const auto start = std::chrono::steady_clock::now();
@@ -28,8 +68,12 @@ Take Render(const PluginModule& module, const std::string& path, const RenderSet
                 start + std::chrono::duration_cast<std::chrono::steady_clock::duration>(
                             std::chrono::duration<double>(Seconds(take, plugin.SamplesDelivered()))));
     }
-    plugin.Stop();
-    take.length = plugin.SamplesDelivered();
+    if (ear.IsRefined()) {
+        HearOut(plugin, take, block);
+    } else {
+        plugin.Stop();
+        take.length = plugin.SamplesDelivered();
+    }
     take.peak = audio.Loudest().heard;
     take.peakOfAll = audio.Loudest().file;
     return take;

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "tools/host/audio_file.h"
+#include "tools/host/ear_settings.h"
 #include "tools/host/plugin_module.h"
 #include "tools/host/take.h"
 
@@ -20,9 +21,14 @@ struct RenderSettings {
     std::vector<ParameterSetting> parameters;  // set in this order before the first block
     std::function<bool()> ended = [] {
         return false;
-    };                      // asked before each block: true leaves the rest unheard
+    };  // asked before each block: true leaves the rest unheard
+    EarSettings ear;
     bool realTime = false;  // blocks at the pace of the audio, for a device that listens
 };
+
+// dB that bring a peak to just below full scale, as --level auto has it: at most 40 up and 20 down, 0 for
+// silence.
+double LevelForPeak(double peak);
 
 // Plays one audio file through a fresh instance and returns what it sent. `progress` hears the share that is
 // done, 0 to 1, after each block. Errors: std::runtime_error with the reason, without the file's name.

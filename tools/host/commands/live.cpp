@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "notes/notes.h"
+#include "tools/host/commands/ear_options.h"
 #include "tools/host/commands/output_options.h"
 #include "tools/host/commands/parameters.h"
 #include "tools/host/editor_window.h"
@@ -26,6 +27,8 @@ constexpr auto lookPause = std::chrono::milliseconds(33);
 constexpr auto retryPause = std::chrono::milliseconds(500);  // between two attempts at server or connection
 constexpr auto savePause = std::chrono::seconds(10);
 
+constexpr char usualEar[] = "live";
+
 struct LiveOptions {
     std::string name = "orva";
     std::string server;                     // empty: the usual one
@@ -33,6 +36,7 @@ struct LiveOptions {
     std::string source;                     // empty: the first that is there
     std::vector<std::string> destinations;  // of the notes
     ParameterTexts parameters;
+    EarTexts ear;
     std::string plugin;  // empty: the usual places
     std::string midi;    // empty: no file
     bool list = false;
@@ -44,9 +48,9 @@ struct LiveOptions {
 class LiveSession {
 public:
     LiveSession(const LiveOptions& wanted, const PluginModule& module,
-                const std::vector<ParameterSetting>& parameters)
+                const std::vector<ParameterSetting>& parameters, const EarSettings& ear)
         : options(wanted), client(std::make_unique<LiveClient>(wanted.name, wanted.server)) {
-        plugin = std::make_unique<LivePlugin>(module, client->Rate(), client->Period(), parameters);
+        plugin = std::make_unique<LivePlugin>(module, client->Rate(), client->Period(), parameters, ear);
         take.Begin(client->Rate(), 0);
         client->Activate(*plugin);
         SaveTake();
@@ -215,7 +219,8 @@ int Live(const LiveOptions& options) {
         CheckFolderOf(options.midi);
     }
     const PluginModule module(plugin);
-    LiveSession session(options, module, ParseParameters(options.parameters, module));
+    const EarSettings ear = ParseEar(options.ear, usualEar);
+    LiveSession session(options, module, ParseParameters(options.parameters, module, ear.ear), ear);
     std::unique_ptr<EditorWindow> window = options.window ? OpenWindow(session) : nullptr;
     std::cout << session.Heading() << std::endl;
     if (!session.Source().empty()) std::cout << "hearing " << session.Source() << std::endl;
@@ -253,6 +258,7 @@ void AddLive(CLI::App& program, Job& chosen) {
         ->type_name("NAME")
         ->capture_default_str();
     command->add_option("--server", options->server, "the JACK server's name")->type_name("NAME");
+    AddEarOptions(*command, options->ear, usualEar);
     AddParameterOptions(*command, options->parameters);
     command
         ->add_option("--midi", options->midi,

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <charconv>
 
+#include "tools/host/hosted_plugin.h"
 #include "tools/host/plugin_facts.h"
 #include "tools/host/starting_points.h"
 
@@ -66,11 +67,16 @@ void AddParameterOptions(CLI::App& command, ParameterTexts& texts) {
         ->allow_extra_args(false);
 }
 
-std::vector<ParameterSetting> ParseParameters(const ParameterTexts& texts, const PluginModule& module) {
+std::vector<ParameterSetting> ParseParameters(const ParameterTexts& texts, const PluginModule& module,
+                                              Ear ear) {
     std::vector<ParameterSetting> settings;
+    const auto isOfClassic = [](const ParameterSetting& setting) {
+        return setting.index < firstBar || setting.value > 0;
+    };
     const char* option = "--for: ";
     try {
         if (!texts.instrument.empty()) settings = SettingsFor(texts.instrument);
+        if (ear != Ear::classic) std::erase_if(settings, isOfClassic);
         option = "--param: ";
         if (texts.values.empty()) return settings;
         const std::vector<std::string> names = ParameterNames(module);

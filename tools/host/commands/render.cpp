@@ -9,6 +9,7 @@
 
 #include "notes/notes.h"
 #include "tools/host/commands/devices.h"
+#include "tools/host/commands/ear_options.h"
 #include "tools/host/commands/output_options.h"
 #include "tools/host/commands/parameters.h"
 #include "tools/host/end_signal.h"
@@ -56,6 +57,8 @@ std::vector<RenderOutput> AllOutputs() {
             {"--events", ".csv", "OUT.csv", "also write all MIDI events as CSV", "time,sample,", EventCsv}};
 }
 
+constexpr char usualEar[] = "file";  // a recording can wait for the better one
+
 struct RenderOptions {
     std::vector<std::string> files;  // "-" among them: the names on standard input
     std::string list;                // file with more names; empty: none
@@ -65,12 +68,14 @@ struct RenderOptions {
     bool json = false;
     bool mix = false;
     ParameterTexts parameters;
+    EarTexts ear;
     std::string plugin;  // empty: the usual places
     std::string device;  // empty: none
     unsigned jobs = 1;   // 0: one for each core
     RenderSettings settings;
     NoteCleaning cleaning;
-    std::string grid;  // empty: none
+    std::string grid;    // empty: none
+    std::string played;  // MIDI file; empty: none
 };
 
 void FindPaths(const std::vector<std::string>& files, RenderOutput& output) {
@@ -115,6 +120,14 @@ bool IsDone(const RenderOptions& options, std::size_t index) {
            });
 }
 
+std::vector<PlayedNote> Played(const std::string& path) {
+    try {
+        return ReadPlayedNotes(path);
+    } catch (const std::exception& fault) {
+        throw std::runtime_error("--played: " + path + ": " + fault.what());
+    }
+}
+
 // Hears a file and leaves behind what is asked for.
 Outcome Work(const RenderOptions& options, const PluginModule& module, std::size_t index,
              Progress& progress) {
@@ -130,6 +143,7 @@ Outcome Work(const RenderOptions& options, const PluginModule& module, std::size
         take = Cleaned(
             Render(module, file, options.settings, [&](double share) { progress.Advance(index, share); }),
             options.cleaning);
+        if (!options.played.empty()) take.played = Played(options.played);
     } catch (const std::exception& fault) {
         outcome.fault = file + ": " + fault.what();
         if (options.json) outcome.text = FailedJson(file, fault.what());
@@ -176,7 +190,8 @@ int RenderFiles(RenderOptions& options) {
     const std::filesystem::path plugin = FindPlugin(options.plugin);
     GuardFiles(options, plugin);
     const PluginModule module(plugin);
-    options.settings.parameters = ParseParameters(options.parameters, module);
+    options.settings.ear = ParseEar(options.ear, usualEar);
+    options.settings.parameters = ParseParameters(options.parameters, module, options.settings.ear.ear);
     UseDevice(options);
     options.settings.channel = options.mix ? AudioFile::Channel::mix : AudioFile::Channel::first;
 
@@ -208,6 +223,8 @@ void CheckUsage(RenderOptions& options) {
         throw UsageError(std::string("--quantise: ") + reason.what());
     }
     if (options.files.empty() && options.list.empty()) throw UsageError("AUDIO is required, or --list");
+    if (!options.played.empty() && (options.files.size() != 1 || !options.list.empty()))
+        throw UsageError("--played: belongs to one recording");
     if (options.list == "-" && std::count(options.files.begin(), options.files.end(), "-") > 0)
         throw UsageError("--list: standard input is read once only");
     if (options.resume && std::all_of(options.outputs.begin(), options.outputs.end(),
@@ -260,11 +277,14 @@ void AddRender(CLI::App& program, Job& chosen) {
                          std::string(output.help) + "; for several recordings a folder,\nwhich gets NAME" +
                              output.extension + " for each, or a pattern with {dir} and {name}")
             ->type_name(output.placeholder);
+    command->add_option("--played", options->played, "with --picture: draw what was played behind it")
+        ->type_name("FILE.mid");
     command->add_flag("--resume", options->resume,
                       "pass over recordings whose outputs are there and not older than they are");
     AddForce(*command, options->force);
     command->add_flag("--json", options->json,
                       "one JSON object a line for each recording, as it is done, instead of the tables");
+    AddEarOptions(*command, options->ear, usualEar);
     AddParameterOptions(*command, options->parameters);
     AddCleaning(*command, *options);
     command->add_option("--block", options->settings.blockSize, "samples a block")
