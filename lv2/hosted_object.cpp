@@ -17,15 +17,26 @@ HostedObject::HostedObject(double newRate, IObjectListener& newListener)
         ~Construction() { underConstruction = nullptr; }
     };
     const Construction now(this);
-    auto object = std::make_unique<CORVAguivstEx>(Answer, MakeEditor);
+    auto made = std::make_unique<CORVAguivstEx>(Answer, MakeEditor);
     if (editorCreationFailed || editor == nullptr) throw std::runtime_error("the editor cannot be made");
-    object->samples.reserve(longestBlock);
-    effect = object->getAeffect();
+    made->samples.reserve(longestBlock);
+    made->prepareEar();
+    effect = made->getAeffect();
     effect->user = this;
-    static_cast<void>(object.release());  // by the record from here on
+    object = made.release();  // by the record from here on
     Call(effOpen);
     char question[] = "sendVstMidiEvent";  // as a host does that means to take the notes
     Call(effCanDo, 0, question);
+}
+
+void HostedObject::SetRefined(bool refined) {
+    object->setEar(refined ? Ear::refinedLive : Ear::classic);
+}
+void HostedObject::SetThreshold(float logits) {
+    object->setEarThreshold(logits);
+}
+void HostedObject::SetInputLevel(float dB) {
+    object->setInputLevel(dB);
 }
 
 HostedObject::~HostedObject() {

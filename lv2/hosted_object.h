@@ -35,6 +35,10 @@ public:
     void Suspend() { Call(effMainsChanged, 0); }
     void Process(const float* in, float* out, std::uint32_t frames);  // [audio]; pointers may be null
     void Set(std::int32_t index, float value) { effect->setParameter(effect, index, value); }
+    // How it hears. [audio], and nobody waits: the refined ear is there from construction on.
+    void SetRefined(bool refined);
+    void SetThreshold(float logits);
+    void SetInputLevel(float dB);
     float Get(std::int32_t index) const { return effect->getParameter(effect, index); }
 
     // The editor. [ui]
@@ -58,5 +62,6 @@ private:
     const std::intptr_t rate;  // Hz
     IObjectListener& listener;
     IPluginEditor* editor = nullptr;  // the object's
+    CORVAguivstEx* object = nullptr;  // the record's
     AEffect* effect = nullptr;        // owned; ended by effClose
 };

@@ -89,7 +89,9 @@ void Instance::Connect(std::uint32_t port, void* place) {
         audioOut = static_cast<float*>(place);
     else if (port == portMidi)
         midi = static_cast<LV2_Atom_Sequence*>(place);
-    else if (port < portCount)
+    else if (port >= portEar && port < portCount)
+        hearing[port - portEar].port = static_cast<const float*>(place);
+    else if (port < portEar)
         controls[port - portFirstControl].port = static_cast<const float*>(place);
 }
 
@@ -97,6 +99,7 @@ void Instance::Run(std::uint32_t frames) {
     gatherer.BeginRun();
     TakeChangesOfTheWindow();
     TakePorts();
+    TakeHearing();
     worker.Kick();
     for (std::uint32_t done = 0; done < frames;) {
         const std::uint32_t block = std::min(frames - done, HostedObject::longestBlock);
@@ -129,6 +132,20 @@ void Instance::TakePorts() {
             worker.Wish(i, value);
         else
             object.Set(i, value);
+    }
+}
+
+void Instance::TakeHearing() {
+    for (std::uint32_t port = portEar; port < portCount; ++port) {
+        Control& control = hearing[port - portEar];
+        if (control.port == nullptr || SameBits(*control.port, control.applied)) continue;
+        const float value = control.applied = *control.port;
+        if (port == portEar)
+            object.SetRefined(IsOn(value));
+        else if (port == portEarThreshold)
+            object.SetThreshold(value);
+        else
+            object.SetInputLevel(value);
     }
 }
 

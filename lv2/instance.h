@@ -59,6 +59,7 @@ private:
 
     void TakeChangesOfTheWindow();
     void TakePorts();
+    void TakeHearing();
     void EventsSent(const VstEvents& events) override { gatherer.Take(events); }
     void ParameterEdited(std::int32_t index, float value) override;
     bool FellBack(std::int32_t index, float value) override;
@@ -67,6 +68,7 @@ private:
     std::int64_t clock = 0;       // frames run; of the audio thread
     std::array<Control, parameterCount> controls;
     std::array<Relaxed<float>, parameterCount> known;  // what the object has, as far as ports and window go
+    std::array<Control, portCount - portEar> hearing;  // begins as the object does: all 0
     const float* audioIn = nullptr;
     float* audioOut = nullptr;
     LV2_Atom_Sequence* midi = nullptr;

@@ -5,7 +5,8 @@
 
 #include "plugin/parameter_table.h"
 
-// The ports of the LV2 plug-in: audio in and out, the notes, and one control port a parameter. Hosts keep
+// The ports of the LV2 plug-in: audio in and out, the notes, one control port a parameter, and
+// behind them what the other plug-in format has no parameter for. Hosts keep
 // values by symbol and connect by index, so neither ever changes.
 //
 // Threads: [any], never [audio]; pure functions.
@@ -14,8 +15,11 @@ enum Lv2Port : std::uint32_t {
     portAudioIn = 0,
     portAudioOut = 1,
     portMidi = 2,
-    portFirstControl = 3,  // of parameter 0; the others follow
-    portCount = portFirstControl + parameterCount,
+    portFirstControl = 3,                         // of parameter 0; the others follow
+    portEar = portFirstControl + parameterCount,  // what is no parameter: how the plug-in hears
+    portEarThreshold,
+    portInputLevel,
+    portCount,
 };
 
 // Bytes that a host is asked to offer for the notes of one run: 682 events of 24 bytes each.
@@ -42,3 +46,4 @@ struct ControlPort {
 };
 
 ControlPort DescribeParameter(std::int32_t index);  // 0 to 95
+ControlPort DescribeHearing(Lv2Port port);          // from portEar on

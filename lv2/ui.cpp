@@ -94,7 +94,7 @@ void Ui::TellHost() {
 }
 
 void Ui::PortEvent(std::uint32_t port, float value) {
-    if (port < portFirstControl || port >= portCount) return;
+    if (port < portFirstControl || port >= portEar) return;
     const auto at = static_cast<std::size_t>(port - portFirstControl);
     if (!echoes[at].Counts(value, Milliseconds())) return;
     const auto index = static_cast<std::int32_t>(at);

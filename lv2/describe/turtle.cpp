@@ -76,11 +76,10 @@ std::string PropertiesOf(const ControlPort& port) {
     return all;
 }
 
-void AddControlPort(std::ostream& out, std::int32_t parameter) {
-    const ControlPort port = DescribeParameter(parameter);
+void AddControlPort(std::ostream& out, std::uint32_t index, const ControlPort& port) {
     out << "    [\n"
         << "        a lv2:ControlPort , lv2:InputPort ;\n"
-        << "        lv2:index " << portFirstControl + static_cast<std::uint32_t>(parameter) << " ;\n"
+        << "        lv2:index " << index << " ;\n"
         << "        lv2:symbol " << Quoted(port.symbol) << " ;\n"
         << "        lv2:name " << Quoted(port.name) << " ;\n"
         << "        lv2:default " << Number(port.initial) << " ;\n"
@@ -152,7 +151,11 @@ std::string Description(const std::string& minorVersion) {
     AddMidiPort(out);
     for (std::int32_t i = 0; i < parameterCount; ++i) {
         out << " ,\n";
-        AddControlPort(out, i);
+        AddControlPort(out, portFirstControl + static_cast<std::uint32_t>(i), DescribeParameter(i));
+    }
+    for (const Lv2Port port : {portEar, portEarThreshold, portInputLevel}) {
+        out << " ,\n";
+        AddControlPort(out, port, DescribeHearing(port));
     }
     out << " .\n";
     return out.str();

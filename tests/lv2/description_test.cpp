@@ -79,9 +79,9 @@ TEST_F(Description, KeepsItsSymbols) {
     for (std::uint32_t i = 0; i < portCount; ++i)
         symbols.emplace_back(lilv_node_as_string(lilv_port_get_symbol(plugin, Port(i))));
     for (int bar = 1; bar <= 84; ++bar) expected.push_back("equalizer_bar_" + std::to_string(bar));
-    for (const char* last :
-         {"midi_instrument", "midi_out_device", "midi_out_enabled", "midi_channel", "output_to_host_enabled",
-          "active_page", "chords_enabled", "chords_delay", "send_program_change"})
+    for (const char* last : {"midi_instrument", "midi_out_device", "midi_out_enabled", "midi_channel",
+                             "output_to_host_enabled", "active_page", "chords_enabled", "chords_delay",
+                             "send_program_change", "ear", "refined_threshold", "input_level"})
         expected.emplace_back(last);
     EXPECT_EQ(symbols, expected);
 }

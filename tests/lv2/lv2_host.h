@@ -78,6 +78,8 @@ public:
             control[i] = ParameterInitialValue(i);
             descriptor->connect_port(handle, portFirstControl + static_cast<std::uint32_t>(i), &control[i]);
         }
+        for (std::uint32_t port = portEar; port < portCount; ++port)
+            descriptor->connect_port(handle, port, &hearing[port - portEar]);
         midi.resize(midiPortBytes / 8 + 2);
         descriptor->connect_port(handle, portMidi, midi.data());
     }
@@ -123,6 +125,7 @@ public:
     const LV2_Descriptor* const descriptor;
     LV2_Handle handle = nullptr;
     float control[parameterCount] = {};
+    float hearing[portCount - portEar] = {};  // classic, at its own level
     std::vector<float> out;
     bool refusesWork = false;
     int asked = 0;

@@ -115,6 +115,7 @@ TEST(Lv2Run, AllocatesNothing) {
     std::uint64_t requested = 0;
     for (const std::uint32_t frames : {64U, 0U, 1000U, 20000U, 5000U}) {
         for (float& value : host.control) value = 1.0F - value;
+        for (float& value : host.hearing) value = 1.0F - value;  // the refined ear every other time
         const std::uint64_t before = Allocations::Requested();
         host.descriptor->run(host.handle, frames);
         requested += Allocations::Requested() - before;
