@@ -178,7 +178,9 @@ TEST(AudioThread, EachCallLeavesTheHostsFloatingPointModesAsTheyWere) {
         hostModes = Modes::Read();
         Player player;
         // The sticky flags may be set in the middle of a call; the modes must not.
-        player.host.atCall = [] { changed += ((Modes::Read().vector ^ hostModes.vector) & ~0x3FU) != 0 ? 1 : 0; };
+        player.host.atCall = [] {
+            changed += ((Modes::Read().vector ^ hostModes.vector) & ~0x3FU) != 0 ? 1 : 0;
+        };
         const Modes usual = Modes::Read();
         const Audio music = BusyMusic(trial.random, 48000, 4);
         for (int call = 0; call < 500; ++call) {
@@ -190,7 +192,7 @@ TEST(AudioThread, EachCallLeavesTheHostsFloatingPointModesAsTheyWere) {
             std::vector<double> wide(in.begin(), in.end());
             const auto frames = static_cast<std::int32_t>(in.size());
             hostModes.vector = 0x1F80U | rounding << 13 | static_cast<std::uint32_t>(trial.Below(2)) << 15 |
-                           static_cast<std::uint32_t>(trial.Below(64));
+                               static_cast<std::uint32_t>(trial.Below(64));
             hostModes.stack = static_cast<std::uint16_t>(0x037FU | rounding << 10);
             hostModes.Write();
             switch (call % 5) {
