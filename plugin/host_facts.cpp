@@ -1,8 +1,10 @@
 #include "plugin/host_facts.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstdint>
 #include <iomanip>
+#include <iterator>
 #include <sstream>
 
 #include "vst2/audio_effect_x.h"
@@ -23,6 +25,12 @@ bool Cached(std::atomic<std::uint32_t>& answer, Ask ask) {
     }
     return known == yes;
 }
+
+// Hosts that drop events dated before the block, by the product's name that they report.
+const char* const productsThatDropEarlyEvents[] = {
+    "Ardour",  // run, version 7.3: 0 of 174 notes arrived, its audio thread wrote a stack trace for each
+    "Carla",   // not run; known from its rules for events
+};
 
 const char* const hostCapabilities[] = {
     "sendVstEvents",
@@ -54,6 +62,12 @@ bool hostIsVst24(AudioEffectX& effect) {
 
 bool hostIsAbleton(AudioEffectX& effect) {
     return Cached(ableton, [&] { return effect.getHostVendorString() == "Ableton"; });
+}
+
+bool hostDropsEarlyEvents(AudioEffectX& effect) {
+    const std::string product = effect.getHostProductString();
+    return std::find(std::begin(productsThatDropEarlyEvents), std::end(productsThatDropEarlyEvents),
+                     product) != std::end(productsThatDropEarlyEvents);
 }
 
 std::string HostFacts(AudioEffectX& effect) {

@@ -71,6 +71,7 @@ CORVA_vst::CORVA_vst(audioMasterCallback host, std::int32_t numParams)
     if (!hostIsVst24(*this)) canMono(true);
     CopyText(programName, sizeof programName, "Default");
     hostIsAbletonCopy = hostIsAbleton(*this);
+    raisesEarlyDates = hostDropsEarlyEvents(*this);
 
     auto output = std::make_unique<TVSTMIDIOut>(this);
     vstMidiOut = output.get();

@@ -86,6 +86,7 @@ public:
     // For the output to the host.
     std::uint64_t GetTotalSamples() const override { return totalSamples; }
     bool HostIsAbleton() const override { return hostIsAbletonCopy; }
+    bool RaisesEarlyDates() const override { return raisesEarlyDates; }
     void SendEvents(VstEvents& events) override { sendVstEventsToHost(&events); }
 
     TRealTimeTS107 detector;               // behind the gate
@@ -102,6 +103,7 @@ public:
     Relaxed<float> inputGain = 1.0F;         // factor; exactly 1 leaves the samples to the plain conversion
     Relaxed<bool> hostAskedMidiOut = false;  // the host has asked canDo("sendVstMidiEvent")
     bool hostIsAbletonCopy = false;          // taken at construction
+    Relaxed<bool> raisesEarlyDates = false;  // at construction, by the host; a setting may change it
 
 protected:
     // The detector works at the present rate; without it, audio passes and nothing is recognised.

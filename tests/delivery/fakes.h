@@ -61,6 +61,7 @@ class FakeEffect : public IVSTMIDIEffect {
 public:
     std::uint64_t GetTotalSamples() const override { return total; }
     bool HostIsAbleton() const override { return ableton; }
+    bool RaisesEarlyDates() const override { return false; }
     void SendEvents(VstEvents& events) override {
         EXPECT_EQ(events.numEvents, 1);
         EXPECT_EQ(events.reserved, 0);

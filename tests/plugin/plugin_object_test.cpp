@@ -183,6 +183,32 @@ TEST_P(HostByVendor, GetsTheDatesThatItNeeds) {
         testing::ExitedWithCode(0), "");
 }
 
+// In blocks of one frame a note begins 441 - 2876 samples after the begin of its block, and the silence that
+// ends it comes at the begin of one. The last three events are sent between blocks.
+TEST(HostByProduct, OnlyTheKnownOnesGetEarlyEventsAtTheBlocksFirstSample) {
+    const auto played = [](const char* product) {
+        Host host;
+        host.product = product;
+        host.Open(OpenPlugin);
+        host.TakenEvents();
+        host.Play(Tones({69}, 0.4), 441);
+        host.Play(Silence(441), 441);
+        TVSTMIDIOut& out = *host.Object<CORVA_vst>().vstMidiOut;
+        out.NoteOn(45), out.NoteOff(45), out.NoteOn(45);
+        return host.TakenEvents();
+    };
+    const auto early = played("Maker's Studio");
+    ASSERT_EQ(early.size(), 5U);
+    EXPECT_EQ((early[0].at + 2876) % 441, 0);
+    EXPECT_EQ(played("Ardour 2"), early);
+    auto raised = early;
+    raised[0].at += 2876 - 441;
+    raised[1].at += 2876;
+    for (std::size_t i = 2; i < 5; ++i) raised[i].at += 441 + 2876;  // the notes' clock rests in silence
+    ++raised[3].at, ++raised[4].at;  // the end after its begin, and the next begin no earlier than it
+    for (const char* const product : {"Ardour", "Carla"}) EXPECT_EQ(played(product), raised) << product;
+}
+
 TEST_F(PluginObject, IdentifiesItselfAndAsksAHostOfVersionZeroNothingElse) {
     EXPECT_EQ(host.effect->version, 1);
     EXPECT_EQ(host.effect->numPrograms, 1);

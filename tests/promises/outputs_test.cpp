@@ -48,6 +48,7 @@ class Effect : public IVSTMIDIEffect {
 public:
     std::uint64_t GetTotalSamples() const override { return total; }
     bool HostIsAbleton() const override { return ableton; }
+    bool RaisesEarlyDates() const override { return false; }
     void SendEvents(VstEvents& events) override {
         const auto& event = *reinterpret_cast<const VstMidiEvent*>(events.events[0]);
         std::uint32_t message = 0;

@@ -59,6 +59,7 @@ class JudgingEffect : public IVSTMIDIEffect {
 public:
     std::uint64_t GetTotalSamples() const override { return 0; }
     bool HostIsAbleton() const override { return false; }
+    bool RaisesEarlyDates() const override { return false; }
     void SendEvents(VstEvents& events) override {
         std::uint32_t message = 0;
         std::memcpy(&message, reinterpret_cast<const VstMidiEvent*>(events.events[0])->midiData, 3);
