@@ -12,7 +12,12 @@ local one_midi = ARDOUR.ChanCount(ARDOUR.DataType("midi"), 1)
 local piano = session:new_audio_track(1, 1, nil, 1, "Piano", last, ARDOUR.TrackMode.Normal, true):front()
 session:new_midi_track(one_midi, one_midi, true, ARDOUR.PluginInfo(), nil, nil, 1, "Notes", last,
                        ARDOUR.TrackMode.Normal, true)
-local orva = ARDOUR.LuaAPI.new_plugin(session, os.getenv("ORVA_URI"), ARDOUR.PluginType.LV2, "")
+local orva
+if os.getenv("ORVA_VST") then
+    orva = ARDOUR.LuaAPI.new_plugin(session, "ORVA Audio To MIDI", ARDOUR.PluginType.LXVST, "")
+else
+    orva = ARDOUR.LuaAPI.new_plugin(session, os.getenv("ORVA_URI"), ARDOUR.PluginType.LV2, "")
+end
 assert(not orva:isnil(), "Ardour does not know ORVA")
 assert(piano:add_processor_by_index(orva, 0, nil, true) == 0, "ORVA cannot be put on the track")
 assert(piano:output():n_ports():n_midi() == 1, "the track has no MIDI output")
