@@ -64,16 +64,19 @@ protected:
 TEST_F(Program, NamesTheFileAndTheReasonAndGoesOn) {
     WriteAll(folder / "notes.txt", "these are words, not audio");
     WriteAll(folder / "empty.wav", "");
+    fs::create_directories(folder / "empty/.hidden");
+    fs::copy_file(good, folder / "empty/.hidden/a.wav");
     WriteAll(folder / "header.wav", ReadAll(good).substr(0, 30));
     WriteAudio(folder / "slow.wav", Audio(4000), 4000);
     WriteAudio(folder / "fast.wav", Audio(4000), 384000);
-    const std::pair<std::string, const char*> faults[] = {{folder / "missing.wav", "no such file"},
-                                                          {folder.path, "folder"},
-                                                          {folder / "notes.txt", "cannot be read as audio"},
-                                                          {folder / "empty.wav", "cannot be read as audio"},
-                                                          {folder / "header.wav", "cannot be read as audio"},
-                                                          {folder / "slow.wav", "4000 Hz"},
-                                                          {folder / "fast.wav", "384000 Hz"}};
+    const std::pair<std::string, const char*> faults[] = {
+        {folder / "missing.wav", "no such file"},
+        {folder / "empty", "is a folder, with no recordings in it"},
+        {folder / "notes.txt", "cannot be read as audio"},
+        {folder / "empty.wav", "cannot be read as audio"},
+        {folder / "header.wav", "cannot be read as audio"},
+        {folder / "slow.wav", "4000 Hz"},
+        {folder / "fast.wav", "384000 Hz"}};
     for (const auto& [file, reason] : faults) ExpectFailure(file, reason);
 
     // A file that has lost its end, in each format that states its length.

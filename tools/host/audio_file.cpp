@@ -93,7 +93,8 @@ AudioFile::AudioFile(const std::string& path, Channel newChannel) : channel(newC
     std::error_code ignored;  // what cannot be looked at is told by the library in its own words
     const auto kind = std::filesystem::status(path, ignored).type();
     if (kind == std::filesystem::file_type::not_found) Fail("no such file");
-    if (kind == std::filesystem::file_type::directory) Fail("is a folder");
+    if (kind == std::filesystem::file_type::directory)
+        Fail("is a folder, with no recordings in it that can be read");
     {
         static std::mutex opening;  // the reason for a failed opening lies in one place for all threads
         const std::lock_guard lock(opening);

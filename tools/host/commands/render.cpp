@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "notes/notes.h"
+#include "tools/host/audio_folder.h"
 #include "tools/host/commands/devices.h"
 #include "tools/host/commands/ear_options.h"
 #include "tools/host/commands/output_options.h"
@@ -98,7 +99,7 @@ void GuardFiles(const RenderOptions& options, const std::filesystem::path& plugi
     GuardAll(planned, inputs, options.force);
 }
 
-// The recordings that are named on the command line and in lists.
+// The recordings that are named on the command line and in lists, and those in the folders named there.
 std::vector<std::string> AllFiles(const RenderOptions& options) {
     std::vector<std::string> files;
     for (const std::string& name : options.files) {
@@ -106,10 +107,11 @@ std::vector<std::string> AllFiles(const RenderOptions& options) {
             name == "-" ? ReadFileList(name) : std::vector<std::string>{name};
         files.insert(files.end(), named.begin(), named.end());
     }
-    if (options.list.empty()) return files;
-    const std::vector<std::string> listed = ReadFileList(options.list);
-    files.insert(files.end(), listed.begin(), listed.end());
-    return files;
+    if (!options.list.empty()) {
+        const std::vector<std::string> listed = ReadFileList(options.list);
+        files.insert(files.end(), listed.begin(), listed.end());
+    }
+    return WithFoldersSearched(files);
 }
 
 // All that is asked for of this file was left behind by an earlier run.
@@ -263,7 +265,9 @@ void AddRender(CLI::App& program, Job& chosen) {
         "Prints a table of the notes of each recording; goes on with the next after one that cannot be\n"
         "read. Any audio file that libsndfile reads, at 8000 to 192000 Hz.\n"
         "Exit code 0: all done; 1: a file failed; 2: wrong usage.\n");
-    command->add_option("AUDIO", options->files, "recordings; - for a list of names on standard input")
+    command
+        ->add_option("AUDIO", options->files,
+                     "recordings, or folders of them; - for a list of names on standard input")
         ->type_name("FILE");
     command
         ->add_option(
