@@ -1,6 +1,7 @@
 // What becomes of a take: notes, clean notes, tables, files, chords, a picture.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <memory>
 
@@ -97,19 +98,30 @@ TEST(NoteCleaning, JoinsDropsAndQuantisesAsItsSettingsSay) {
     }
 }
 
-// A file cuts samples to score ticks, and these to MIDI ticks, 120 a quarter. A sixteenth is 30 of them,
-// whatever the tempo and the rate.
+// A file cuts score ticks to MIDI ticks, 120 a quarter. A sixteenth is 30 of them, whatever the tempo and the
+// rate, and wherever the grid begins; of 3/4 a bar is 360, and two of them hold the 18 sixteenths before
+// bar 1.
 TEST(NoteCleaning, TheGridIsExactInTheMidiFile) {
     for (const double tempo : {60.0, 96.0, 117.3})
         for (const std::int32_t hertz : {8000, 44100, 48000, 96000})
-            for (int line = 0; line < 200; ++line) {
-                const std::int64_t near = std::llround(line * 15 / tempo * hertz);
-                const auto notes =
-                    CleanNotes({{near, near + hertz / 100, 0, C, 100}}, {0, 0, 16, tempo}, hertz);
-                const std::int64_t scoreTick = notes.at(0).begin * 22050 / hertz;
-                EXPECT_EQ(static_cast<int>(static_cast<double>(scoreTick) * tempo * 120 / 60 / 22050),
-                          30 * line);
-            }
+            for (const int before : {0, 18})
+                for (int line = 0; line < 100; ++line) {
+                    const double sixteenth = 15 / tempo * hertz;  // samples
+                    const double first = before * sixteenth;
+                    Take take = {hertz, 0, {}};
+                    for (const double at : {0.0, first + (line - before) * sixteenth})
+                        take.events.push_back({std::llround(at), {on, C, 100}});
+                    const NoteCleaning cleaning = {0, 0, 16, tempo, {3, 2}, first / hertz};
+                    const auto score = std::make_unique<TNotes>();
+                    TakeToScore(Cleaned(take, cleaning), *score);
+                    const std::string file = MidiFileBytes(*score);
+                    const std::vector<MidiEvent> notes =
+                        Voices(MidiReader({file.begin(), file.end()}).tracks, 1);
+                    const auto last = std::find_if(notes.rbegin(), notes.rend(), [](const MidiEvent& event) {
+                        return event.status >> 4 == 9;
+                    });
+                    EXPECT_EQ(last->tick, 30U * static_cast<unsigned>(line + 6 * (before / 18)));
+                }
 }
 
 TEST(NoteCleaning, AnUntouchedTakeStaysAsItIsAndOtherMessagesStayInIt) {

@@ -1,6 +1,7 @@
 // What render writes, read back with other eyes.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <map>
 #include <nlohmann/json.hpp>
@@ -45,4 +46,31 @@ TEST(WrittenFile, HasTheNotesOfTheTableOnEveryGrid) {
             EXPECT_FALSE(table.empty());
             EXPECT_EQ(Spans(ReadAll(folder / "a.mid")), table) << recording << " " << grid;
         }
+}
+
+// A sixteenth at 96 quarters a minute is 30 ticks; of 3/4 a bar is 360 ticks. The tune begins with its bar 1.
+TEST(WrittenFile, HasTheMeterAndBarOneWhereItIsAskedFor) {
+    const TempFolder folder;
+    const struct {
+        const char *meter, *barOne;
+        std::vector<std::uint8_t> signature;  // beats, halvings of a whole note
+        std::uint64_t first;                  // tick of the first note
+    } rows[] = {{"3/4", "auto", {3, 2}, 0}, {"6/8", "0.625", {6, 3}, 0}, {"3/4", "1.25", {3, 2}, 240}};
+    for (const auto& row : rows) {
+        const Ended ended =
+            RunHost({"render", ORVA_RECORDINGS "/flute_melody.ogg", "--quantise", "1/16", "--tempo", "96",
+                     "--meter", row.meter, "--bar-one", row.barOne, "--midi", folder / "a.mid"});
+        ASSERT_EQ(ended.code, 0) << ended.err;
+        const std::string file = ReadAll(folder / "a.mid");
+        const MidiReader read({file.begin(), file.end()});
+        const auto& events = read.tracks.at(0);
+        const auto signature = std::find_if(events.begin(), events.end(), [](const MidiEvent& event) {
+            return event.status == 0xFF && event.data[0] == 0x58;
+        });
+        ASSERT_NE(signature, events.end());
+        EXPECT_EQ(std::vector(signature->data.begin() + 1, signature->data.begin() + 3), row.signature);
+        EXPECT_EQ(std::get<0>(*Spans(file).begin()), row.first) << row.meter << " " << row.barOne;
+    }
+    for (const Arguments& wrong : {Arguments{"--meter", "3/5"}, {"--meter", "0/4"}, {"--bar-one", "nan"}})
+        EXPECT_EQ(RunHost({"render", "a.wav", wrong[0], wrong[1]}).code, 2) << wrong[1];
 }

@@ -33,21 +33,20 @@ std::vector<HeardNote> Merged(const std::vector<HeardNote>& notes, Merge merge) 
     return kept;
 }
 
-// The first sample that lies on or behind a line once the road to a file has cut it to score ticks and these
-// to MIDI ticks: at most a score tick, 45 us, late. The nearest one would often be a MIDI tick, 5 ms, early.
-std::int64_t SampleOfLine(double seconds, std::int32_t rate) {
-    constexpr double scoreTicks = 22050;  // a second
-    constexpr double rounding = 1e-6;     // of a tick, by which a product may miss a whole number
-    return std::llround(std::ceil(std::ceil(seconds * scoreTicks - rounding) * rate / scoreTicks - rounding));
+// Seconds from the start of the audio to bar 1; `notes` are sorted by begin.
+double BarOne(const std::vector<HeardNote>& notes, const NoteCleaning& cleaning, std::int32_t rate) {
+    if (cleaning.barOne) return *cleaning.barOne;
+    return notes.empty() ? 0 : static_cast<double>(notes.front().begin) / rate;
 }
 
-std::vector<HeardNote> OnGrid(std::vector<HeardNote> notes, double partSeconds, std::int32_t rate) {
-    const double part = partSeconds * rate;  // samples
+// Lines lie at `first` + n * `part` samples. One before the audio becomes its start.
+std::vector<HeardNote> OnGrid(std::vector<HeardNote> notes, double first, double part) {
+    const auto line = [&](std::int64_t at) { return std::round((static_cast<double>(at) - first) / part); };
+    const auto sample = [&](double n) { return std::max<std::int64_t>(0, std::llround(first + n * part)); };
     for (HeardNote& note : notes) {
-        const double line = std::round(static_cast<double>(note.begin) / part);
-        const double end = std::max(line + 1, std::round(static_cast<double>(note.end) / part));
-        note.begin = SampleOfLine(line * partSeconds, rate);
-        note.end = SampleOfLine(end * partSeconds, rate);
+        const double begin = line(note.begin), end = std::max(begin + 1, line(note.end));
+        note.begin = sample(begin);
+        note.end = sample(end);
     }
     std::stable_sort(notes.begin(), notes.end(), Before);
     return Merged(notes, [](HeardNote& earlier, const HeardNote& note) {
@@ -75,6 +74,16 @@ int ParseGrid(const std::string& text) {
                                 std::to_string(finestGrid));
 }
 
+std::optional<double> ParseBarOne(const std::string& text) {
+    constexpr double longest = 86400;  // a day
+    if (text == "auto") return std::nullopt;
+    double seconds = -1;
+    const char* const end = text.data() + text.size();
+    const auto [stop, fault] = std::from_chars(text.data(), end, seconds);
+    if (fault == std::errc() && stop == end && seconds >= 0 && seconds <= longest) return seconds;
+    throw std::invalid_argument("\"" + text + "\" is neither auto nor a number of seconds");
+}
+
 std::vector<HeardNote> CleanNotes(std::vector<HeardNote> notes, const NoteCleaning& cleaning,
                                   std::int32_t rate) {
     const double samplesPerMs = rate / 1000.0;
@@ -89,15 +98,20 @@ std::vector<HeardNote> CleanNotes(std::vector<HeardNote> notes, const NoteCleani
         return static_cast<double>(note.end - note.begin) < cleaning.shortestNote * samplesPerMs;
     });
     if (cleaning.gridParts == 0) return notes;
-    // A whole note is four quarters.
-    return OnGrid(std::move(notes), 4 * 60.0 / cleaning.tempo / cleaning.gridParts, rate);
+    const double first = BarOne(notes, cleaning, rate) * rate;
+    const double whole = 4 * 60.0 / cleaning.tempo * rate;  // samples
+    return OnGrid(std::move(notes), first, whole / cleaning.gridParts);
 }
 
 // Ends stand before begins of the same date, so that a note that follows at once is not ended by the one
 // before.
 Take Cleaned(const Take& take, const NoteCleaning& cleaning) {
     Take cleaned = take;
+    const std::vector<HeardNote> notes = CleanNotes(PairNotes(take), cleaning, take.rate);
     cleaned.tempo = cleaning.tempo;
+    cleaned.meter = cleaning.meter;
+    cleaned.barOne = BarOne(notes, cleaning, take.rate);
+    cleaned.gridParts = cleaning.gridParts;
     if (cleaning.IsOff()) return cleaned;
     std::erase_if(cleaned.events, [](const TimedEvent& event) { return (event.bytes[0] & 0xE0) == 0x80; });
     const auto add = [&](std::int64_t sample, int status, int pitch, int velocity) {
@@ -105,7 +119,6 @@ Take Cleaned(const Take& take, const NoteCleaning& cleaning) {
                                   {static_cast<std::uint8_t>(status), static_cast<std::uint8_t>(pitch),
                                    static_cast<std::uint8_t>(velocity)}});
     };
-    const std::vector<HeardNote> notes = CleanNotes(PairNotes(take), cleaning, take.rate);
     for (const HeardNote& note : notes) add(note.end, 0x80 | note.channel, note.pitch, 0);
     for (const HeardNote& note : notes) {
         add(note.begin, 0x90 | note.channel, note.pitch, note.velocity);

@@ -5,7 +5,8 @@
 
 class TNotes;
 
-// Adds the take's notes, as PairNotes lists them, to `score`: one layer, dates cut to score ticks.
+// Adds the take's notes, as PairNotes lists them, to `score`: one layer, bars and tempo as the
+// take says, dates rounded up to score ticks.
 void TakeToScore(const Take& take, TNotes& score);
 
 // The bytes of a Standard MIDI File, and of a stored score.

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "tools/host/meter.h"
 #include "tools/host/played_notes.h"
 
 // One MIDI message that the plug-in sent to the host.
@@ -15,13 +16,17 @@ struct TimedEvent {
 
 // What the plug-in made of one recording: all that a table, a list of events or a file is written from.
 struct Take {
-    std::int32_t rate = 0;           // Hz
-    std::int64_t length = 0;         // samples heard
-    std::vector<TimedEvent> events;  // in the order in which they were sent; dates may step back
-    float peak = 0;                  // largest amplitude of what was heard, full scale at 1.0
-    float peakOfAll = 0;             // the same, over all channels of the file
-    double tempo = 120;  // quarter notes a minute, by which it is written as a score; the sound knows none
+    std::int32_t rate = 0;                // Hz
+    std::int64_t length = 0;              // samples heard
+    std::vector<TimedEvent> events;       // in the order in which they were sent; dates may step back
+    float peak = 0;                       // largest amplitude of what was heard, full scale at 1.0
+    float peakOfAll = 0;                  // the same, over all channels of the file
     std::vector<PlayedNote> played = {};  // what was really played, where that is known; for the picture
+    // How it is written as a score; the sound knows none of this.
+    double tempo = 120;  // quarter notes a minute
+    Meter meter = {};
+    double barOne = 0;  // seconds from the start of the audio to where bar 1 begins
+    int gridParts = 0;  // parts of a whole note, on whose lines from bar 1 on all notes lie; 0: on none
 };
 
 // Where a sample of the take lies, in seconds from its start.

@@ -77,6 +77,8 @@ struct RenderOptions {
     NoteCleaning cleaning;
     std::string grid;    // empty: none
     std::string played;  // MIDI file; empty: none
+    std::string meter = "4/4";
+    std::string barOne = "0";
 };
 
 void FindPaths(const std::vector<std::string>& files, RenderOutput& output) {
@@ -219,10 +221,15 @@ int RenderFiles(RenderOptions& options) {
 }
 
 void CheckUsage(RenderOptions& options) {
+    const char* option = "--quantise: ";
     try {
         if (!options.grid.empty()) options.cleaning.gridParts = ParseGrid(options.grid);
+        option = "--meter: ";
+        options.cleaning.meter = ParseMeter(options.meter);
+        option = "--bar-one: ";
+        options.cleaning.barOne = ParseBarOne(options.barOne);
     } catch (const std::invalid_argument& reason) {
-        throw UsageError(std::string("--quantise: ") + reason.what());
+        throw UsageError(option + std::string(reason.what()));
     }
     if (options.files.empty() && options.list.empty()) throw UsageError("AUDIO is required, or --list");
     if (!options.played.empty() && (options.files.size() != 1 || !options.list.empty()))
@@ -246,13 +253,21 @@ void AddCleaning(CLI::App& command, RenderOptions& options) {
         ->check(length);
     command
         .add_option("--quantise", options.grid,
-                    "move the notes' ends to a grid that starts with the audio: 1/16, or 1/12 for triplets")
+                    "move the notes' ends to a grid that starts with bar 1: 1/16, or 1/12 for triplets")
         ->type_name("GRID");
     command
         .add_option("--tempo", options.cleaning.tempo,
                     "quarter notes a minute, of the grid and of the MIDI file")
         ->type_name("BPM")
         ->check(NumberFrom(10, 1000))
+        ->capture_default_str();
+    command.add_option("--meter", options.meter, "beats of a bar, of the MIDI file: 3/4, 6/8")
+        ->type_name("METER")
+        ->capture_default_str();
+    command
+        .add_option("--bar-one", options.barOne,
+                    "where bar 1 begins, in seconds of the audio, or auto: with the first note")
+        ->type_name("SECONDS")
         ->capture_default_str();
 }
 
