@@ -19,6 +19,13 @@ double LevelFor(const std::string& path, AudioFile::Channel channel) {
     return LevelForPeak(peak);
 }
 
+// Hz. The plug-in knows A 440 Hz alone: at a rate that much lower or higher, what is tuned to another pitch
+// sounds as if it were in tune, and samples stay samples.
+std::int32_t RateInTune(const Take& take) {
+    return take.tuning > 0 ? static_cast<std::int32_t>(std::lround(take.rate * usualTuning / take.tuning))
+                           : take.rate;
+}
+
 // A refined ear decides late: it is given silence until the last notes are decided, and what they are dated
 // at beyond the audio's end is its end.
 void HearOut(HostedPlugin& plugin, Take& take, std::vector<float>& block) {
@@ -46,7 +53,8 @@ Take Render(const PluginModule& module, const std::string& path, const RenderSet
     AudioFile audio(path, settings.channel);
     Take take;
     take.rate = audio.Rate();
-    HostedPlugin plugin(module, take.rate, settings.hostVendor,
+    take.tuning = settings.tuning > 0 ? settings.tuning : FindTuning(path, settings.channel).value_or(0);
+    HostedPlugin plugin(module, RateInTune(take), settings.hostVendor,
                         [&](const TimedEvent& event) { take.events.push_back(event); });
     plugin.Start(settings.blockSize);
     for (const ParameterSetting& setting : settings.parameters)

@@ -8,6 +8,7 @@
 #include "tools/host/ear_settings.h"
 #include "tools/host/plugin_module.h"
 #include "tools/host/take.h"
+#include "tools/host/tuning.h"
 
 struct ParameterSetting {
     std::int32_t index = 0;
@@ -23,7 +24,8 @@ struct RenderSettings {
         return false;
     };  // asked before each block: true leaves the rest unheard
     EarSettings ear;
-    bool realTime = false;  // blocks at the pace of the audio, for a device that listens
+    double tuning = usualTuning;  // Hz of A4 in the recording; 0: found in the sound itself
+    bool realTime = false;        // blocks at the pace of the audio, for a device that listens
 };
 
 // dB that bring a peak to just below full scale, as --level auto has it: at most 40 up and 20 down, 0 for

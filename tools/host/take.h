@@ -21,6 +21,7 @@ struct Take {
     std::vector<TimedEvent> events;       // in the order in which they were sent; dates may step back
     float peak = 0;                       // largest amplitude of what was heard, full scale at 1.0
     float peakOfAll = 0;                  // the same, over all channels of the file
+    double tuning = 440;                  // Hz of A4, by which it was heard; 0: none was found, and 440 taken
     std::vector<PlayedNote> played = {};  // what was really played, where that is known; for the picture
     // How it is written as a score; the sound knows none of this.
     double tempo = 120;  // quarter notes a minute

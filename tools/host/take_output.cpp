@@ -74,7 +74,10 @@ std::string NoteTable(const std::string& file, const Take& take) {
                               std::to_string(note.velocity)});
     std::ostringstream out;
     out << Printable(file) << ": " << Fixed(Seconds(take, take.length), 3) << " s at " << take.rate << " Hz, "
-        << table.rows.size() << (table.rows.size() == 1 ? " note\n" : " notes\n");
+        << table.rows.size() << (table.rows.size() == 1 ? " note" : " notes");
+    if (take.tuning != 440)
+        out << ", " << (take.tuning > 0 ? "A at " + Fixed(take.tuning, 1) + " Hz" : "no tuning found");
+    out << '\n';
     if (!table.rows.empty()) out << table;
     TextTable chords;
     chords.columns = {{"time", true}, {"chord"}};
@@ -100,6 +103,8 @@ std::string NoteJson(const std::string& file, const Take& take) {
     Json all = Named(file);
     all["rate"] = take.rate;
     all["seconds"] = Microseconds(Seconds(take, take.length));
+    if (take.tuning != 440)
+        all["tuning"] = take.tuning > 0 ? Json(std::round(take.tuning * 10) / 10) : Json();
     all["notes"] = std::move(notes);
     all["chords"] = std::move(chords);
     return OneLine(all);

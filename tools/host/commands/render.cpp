@@ -1,6 +1,7 @@
 #include "tools/host/commands/render.h"
 
 #include <algorithm>
+#include <charconv>
 #include <filesystem>
 #include <iostream>
 #include <memory>
@@ -74,6 +75,7 @@ struct RenderOptions {
     std::string device;  // empty: none
     unsigned jobs = 1;   // 0: one for each core
     RenderSettings settings;
+    std::string tuning = "440";  // Hz, or auto
     NoteCleaning cleaning;
     std::string grid;    // empty: none
     std::string played;  // MIDI file; empty: none
@@ -220,7 +222,18 @@ int RenderFiles(RenderOptions& options) {
     return allDone ? exitDone : exitFailed;
 }
 
+// Errors: UsageError.
+double ParseTuning(const std::string& text) {
+    if (text == "auto") return 0;
+    double hertz = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, fault] = std::from_chars(text.data(), end, hertz);
+    if (fault == std::errc() && stop == end && hertz >= lowestTuning && hertz <= highestTuning) return hertz;
+    throw UsageError("--tuning: \"" + text + "\" is neither auto nor Hz from 415 to 466");
+}
+
 void CheckUsage(RenderOptions& options) {
+    options.settings.tuning = ParseTuning(options.tuning);
     const char* option = "--quantise: ";
     try {
         if (!options.grid.empty()) options.cleaning.gridParts = ParseGrid(options.grid);
@@ -304,6 +317,11 @@ void AddRender(CLI::App& program, Job& chosen) {
     command->add_flag("--json", options->json,
                       "one JSON object a line for each recording, as it is done, instead of the tables");
     AddEarOptions(*command, options->ear, usualEar);
+    command
+        ->add_option("--tuning", options->tuning,
+                     "Hz of the A above middle C in the recording, 415 to 466, or auto: found in the sound")
+        ->type_name("HZ")
+        ->capture_default_str();
     AddParameterOptions(*command, options->parameters);
     AddCleaning(*command, *options);
     command->add_option("--block", options->settings.blockSize, "samples a block")
