@@ -12,6 +12,7 @@
 
 // Among the parameters, the equalizer bars of our own plug-in.
 inline constexpr std::int32_t firstBar = 3, bars = 84;
+inline constexpr std::int32_t paramActivePage = 92;
 
 // One instance of a plug-in and the host that it talks to: the host's answers, the life of the instance, and
 // the date of each event it sends.

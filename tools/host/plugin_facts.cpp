@@ -10,8 +10,6 @@
 
 namespace {
 
-constexpr std::int32_t askingRate = 44100;  // Hz; nothing is played here
-
 struct FlagName {
     std::int32_t flag;
     const char* words;

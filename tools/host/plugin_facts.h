@@ -6,6 +6,8 @@
 
 #include "tools/host/hosted_plugin.h"
 
+inline constexpr std::int32_t askingRate = 44100;  // Hz, of an instance that is asked and plays nothing
+
 // What a plug-in says of itself to any host.
 struct ParameterFacts {
     std::string name;

@@ -11,8 +11,8 @@
 
 namespace {
 
-constexpr int widest = 40;    // characters of the bar
-constexpr int besideBar = 8;  // "[" and "] 100%", and a column left free so that no terminal wraps
+constexpr int widestBar = 40;  // characters of the bar
+constexpr int besideBar = 8;   // "[" and "] 100%", and a column left free so that no terminal wraps
 constexpr int usualColumns = 80;
 
 // Characters that the bar may have on this terminal; 0 where none can be drawn.
@@ -21,7 +21,7 @@ int BarWidth() {
     if (isatty(STDERR_FILENO) == 0 || terminal == nullptr || std::strcmp(terminal, "dumb") == 0) return 0;
     struct winsize size = {};
     const bool isKnown = ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
-    return std::clamp((isKnown ? size.ws_col : usualColumns) - besideBar, 0, widest);
+    return std::clamp((isKnown ? size.ws_col : usualColumns) - besideBar, 0, widestBar);
 }
 
 }  // namespace

@@ -16,8 +16,7 @@
 namespace {
 
 constexpr std::int32_t usualRate = 48000;  // Hz, where nothing is played
-constexpr std::size_t block = 512;         // samples
-constexpr std::int32_t paramActivePage = 92;
+constexpr std::size_t blockSize = 512;     // samples
 constexpr std::int32_t paramChordsEnabled = 93;
 const std::vector<std::string> pages = {"main", "equalizer", "options", "about"};
 
@@ -37,7 +36,7 @@ public:
     explicit Player(const EditOptions& options) : module(FindPlugin(options.plugin)) {
         if (!options.audio.empty()) audio.emplace(options.audio, AudioFile::Channel::first);
         plugin.emplace(module, audio ? audio->Rate() : usualRate, "ORVA", nullptr);
-        plugin->Start(static_cast<std::int32_t>(block));
+        plugin->Start(static_cast<std::int32_t>(blockSize));
     }
     HostedPlugin& Plugin() { return *plugin; }
     double Time() const {
@@ -48,9 +47,9 @@ public:
     void Continue() {
         const std::int32_t rate = audio ? audio->Rate() : usualRate;
         while (static_cast<double>(plugin->SamplesDelivered()) < Time() * rate) {
-            std::vector<float> samples(block);
-            if (audio) audio->Read(samples.data(), block);
-            plugin->Process(samples.data(), static_cast<std::int32_t>(block));
+            std::vector<float> samples(blockSize);
+            if (audio) audio->Read(samples.data(), blockSize);
+            plugin->Process(samples.data(), static_cast<std::int32_t>(blockSize));
         }
     }
 

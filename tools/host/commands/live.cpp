@@ -27,7 +27,7 @@ constexpr auto lookPause = std::chrono::milliseconds(33);
 constexpr auto retryPause = std::chrono::milliseconds(500);  // between two attempts at server or connection
 constexpr auto savePause = std::chrono::seconds(10);
 
-constexpr char usualEar[] = "live";
+constexpr char earOfLive[] = "live";
 
 struct LiveOptions {
     std::string name = "orva";
@@ -219,7 +219,7 @@ int Live(const LiveOptions& options) {
         CheckFolderOf(options.midi);
     }
     const PluginModule module(plugin);
-    const EarSettings ear = ParseEar(options.ear, usualEar);
+    const EarSettings ear = ParseEar(options.ear, earOfLive);
     LiveSession session(options, module, ParseParameters(options.parameters, module, ear.ear), ear);
     std::unique_ptr<EditorWindow> window = options.window ? OpenWindow(session) : nullptr;
     std::cout << session.Heading() << std::endl;
@@ -258,7 +258,7 @@ void AddLive(CLI::App& program, Job& chosen) {
         ->type_name("NAME")
         ->capture_default_str();
     command->add_option("--server", options->server, "the JACK server's name")->type_name("NAME");
-    AddEarOptions(*command, options->ear, usualEar);
+    AddEarOptions(*command, options->ear, earOfLive);
     AddParameterOptions(*command, options->parameters);
     command
         ->add_option("--midi", options->midi,

@@ -11,9 +11,6 @@
 
 namespace {
 
-constexpr std::int32_t askingRate = 44100;  // Hz; nothing is played
-constexpr std::int32_t paramActivePage = 92;
-
 // The whole of the text as a number; false if there is anything else.
 template <typename Number>
 bool ReadNumber(const std::string& text, Number& number) {

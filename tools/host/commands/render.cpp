@@ -59,7 +59,7 @@ std::vector<RenderOutput> AllOutputs() {
             {"--events", ".csv", "OUT.csv", "also write all MIDI events as CSV", "time,sample,", EventCsv}};
 }
 
-constexpr char usualEar[] = "file";  // a recording can wait for the better one
+constexpr char earOfRecordings[] = "file";  // a recording can wait for the better one
 
 struct RenderOptions {
     std::vector<std::string> files;  // "-" among them: the names on standard input
@@ -196,7 +196,7 @@ int RenderFiles(RenderOptions& options) {
     const std::filesystem::path plugin = FindPlugin(options.plugin);
     GuardFiles(options, plugin);
     const PluginModule module(plugin);
-    options.settings.ear = ParseEar(options.ear, usualEar);
+    options.settings.ear = ParseEar(options.ear, earOfRecordings);
     options.settings.parameters = ParseParameters(options.parameters, module, options.settings.ear.ear);
     UseDevice(options);
     options.settings.channel = options.mix ? AudioFile::Channel::mix : AudioFile::Channel::first;
@@ -316,7 +316,7 @@ void AddRender(CLI::App& program, Job& chosen) {
     AddForce(*command, options->force);
     command->add_flag("--json", options->json,
                       "one JSON object a line for each recording, as it is done, instead of the tables");
-    AddEarOptions(*command, options->ear, usualEar);
+    AddEarOptions(*command, options->ear, earOfRecordings);
     command
         ->add_option("--tuning", options->tuning,
                      "Hz of the A above middle C in the recording, 415 to 466, or auto: found in the sound")
