@@ -32,6 +32,7 @@ struct PlannedOutput {
 };
 inline constexpr std::string_view midiFirstBytes = "MThd";
 inline constexpr std::string_view scoreFirstBytes = "TNotes";
+inline constexpr std::string_view musicXmlFirstBytes = "<?xml";
 inline constexpr std::string_view pictureFirstBytes = "\x89PNG";
 
 // Keeps what exists from being overwritten by mistake. Errors: std::invalid_argument with the reason, where

@@ -16,6 +16,7 @@
 #include "tools/host/commands/parameters.h"
 #include "tools/host/end_signal.h"
 #include "tools/host/file_list.h"
+#include "tools/host/music_xml.h"
 #include "tools/host/note_cleaning.h"
 #include "tools/host/output_file.h"
 #include "tools/host/picture.h"
@@ -55,6 +56,8 @@ std::vector<RenderOutput> AllOutputs() {
     return {{"--midi", ".mid", "OUT.mid", "also write the notes as a MIDI file", midiFirstBytes, MidiBytes},
             {"--score", ".tnotes", "OUT.tnotes", "also write the notes as a stored score", scoreFirstBytes,
              ScoreBytes},
+            {"--musicxml", ".musicxml", "OUT.musicxml",
+             "also write the notes as MusicXML, for notation programs", musicXmlFirstBytes, MusicXml},
             {"--picture", ".png", "OUT.png", "also draw a piano roll", pictureFirstBytes, PianoRoll},
             {"--events", ".csv", "OUT.csv", "also write all MIDI events as CSV", "time,sample,", EventCsv}};
 }
