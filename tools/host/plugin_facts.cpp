@@ -174,3 +174,18 @@ std::string FactsJson(const PluginFacts& facts) {
                       {"file", facts.file}};
     return all.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
 }
+
+std::string SettingsTable(const PluginModule& module, const std::vector<ParameterSetting>& settings) {
+    HostedPlugin plugin(module, askingRate, "ORVA", {});
+    TextTable table;
+    table.columns = {{"index", true}, {"name"}, {"value", true}, {"display"}};
+    for (const ParameterSetting& setting : settings) {
+        plugin.SetParameter(setting.index, setting.value);
+        table.rows.push_back({std::to_string(setting.index), plugin.Text(effGetParamName, setting.index),
+                              ShortNumber(plugin.Parameter(setting.index)),
+                              plugin.Text(effGetParamDisplay, setting.index)});
+    }
+    std::ostringstream out;
+    out << table;
+    return out.str();
+}

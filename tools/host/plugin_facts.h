@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "tools/host/hosted_plugin.h"
+#include "tools/host/renderer.h"
 
 inline constexpr std::int32_t askingRate = 44100;  // Hz, of an instance that is asked and plays nothing
 
@@ -42,3 +43,6 @@ std::vector<std::string> ParameterNames(const PluginModule& module);
 // Everything, for a reader and for a program (one object, one line).
 std::string FactsTable(const PluginFacts& facts);
 std::string FactsJson(const PluginFacts& facts);
+
+// The parameters that `settings` set, in their order, as the plug-in then shows them.
+std::string SettingsTable(const PluginModule& module, const std::vector<ParameterSetting>& settings);

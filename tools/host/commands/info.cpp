@@ -3,17 +3,24 @@
 #include <iostream>
 #include <memory>
 
+#include "tools/host/commands/parameters.h"
 #include "tools/host/plugin_facts.h"
+#include "tools/host/starting_points.h"
 
 namespace {
 
 struct InfoOptions {
     std::string plugin;
     bool json = false;
+    ParameterTexts parameters;  // of which only the instrument is given here
 };
 
 int Info(const InfoOptions& options) {
     const PluginModule module(FindPlugin(options.plugin));
+    if (!options.parameters.instrument.empty()) {
+        std::cout << SettingsTable(module, ParseParameters(options.parameters, module, Ear::classic));
+        return exitDone;
+    }
     const PluginFacts facts = AskPlugin(module);
     std::cout << (options.json ? FactsJson(facts) : FactsTable(facts));
     return exitDone;
@@ -26,6 +33,13 @@ void AddInfo(CLI::App& program, Job& chosen) {
     CLI::App* const command =
         program.add_subcommand("info", "what the plug-in says of itself, and its parameters");
     command->add_option("--plugin", options->plugin, "the plug-in's file")->type_name("FILE");
-    command->add_flag("--json", options->json, "one JSON object instead of a table");
+    CLI::Option* const json =
+        command->add_flag("--json", options->json, "one JSON object instead of a table");
+    command
+        ->add_option(
+            "--for", options->parameters.instrument,
+            "instead, what --for of the other commands sets for an instrument: " + StartingPointNames())
+        ->type_name("INSTRUMENT")
+        ->excludes(json);
     command->callback([options, &chosen] { chosen = [options] { return Info(*options); }; });
 }
