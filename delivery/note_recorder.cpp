@@ -83,6 +83,7 @@ void TNoteRecorder::OnFrame() {
     const Hold held(*this);
     time = time + frameLength;
     CopyBands();
+    RaisePeaks();
     if (startOnFirstNote && !firstNoteSeen) StartOnFirstNote();
     outputs.ForEach([](TNoteOut& output) { output.Update(); });
     for (std::int32_t band = 0; band < numBands; ++band) playing[band] = BandSounds(band);
@@ -93,6 +94,20 @@ void TNoteRecorder::CopyBands() {
         frameLevel[band] = bandLevel[band];
         frameOn[band] = bandOn[band];
     }
+}
+
+void TNoteRecorder::RaisePeaks() {
+    for (std::int32_t band = 0; band < numBands; ++band)
+        if (BandSounds(band))
+            peakLevel[band] =
+                std::max(frameLevel[band].load(), playing[band] ? peakLevel[band].load() : 0.0F);
+}
+
+float TNoteRecorder::GetPeakLevel(std::uint32_t note) const {
+    for (std::int32_t band = 0; band < numBands; ++band)
+        if (messages[band].offMessage != 0 && (messages[band].offMessage >> 8 & 127U) == note)
+            return peakLevel[band];
+    return 0;
 }
 
 void TNoteRecorder::StartOnFirstNote() {

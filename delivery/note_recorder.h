@@ -52,6 +52,8 @@ public:
     // The band's level at the end of the last frame; power, at least 0.
     float GetBandLevel(std::int32_t band) const { return frameLevel[band]; }
     bool GetBandOn(std::int32_t band) const { return frameOn[band]; }  // its flag then, for a display
+    // The highest level of the band with this MIDI note since it last began; 0 where no band has it.
+    float GetPeakLevel(std::uint32_t note) const;
     std::int32_t BandDelaySamples(std::int32_t band) const;  // from a note's begin in the sound to its flag
     std::uint32_t ProgramMessage() const;
 
@@ -136,6 +138,7 @@ public:
 private:
     void BuildMessages();
     void StartOnFirstNote();
+    void RaisePeaks();
     template <typename Store>
     void Change(Store store);
 
@@ -145,4 +148,5 @@ private:
     // inside OnFrame.
     Relaxed<float> frameLevel[maxBands];
     Relaxed<bool> frameOn[maxBands];
+    Relaxed<float> peakLevel[maxBands];  // OnFrame writes
 };

@@ -290,6 +290,10 @@ std::intptr_t CORVA_vst::dispatcher(std::int32_t opcode, std::int32_t index, std
             return 1;
         case vendorThreshold: setEarThreshold(opt); return 1;
         case vendorInputLevel: setInputLevel(opt); return 1;
+        case vendorPeakLevel:
+            if (ptr == nullptr || !(opt >= 0.0F && opt <= 127.0F)) return 0;
+            *static_cast<float*>(ptr) = noteRecorder.GetPeakLevel(TruncateToUint32(opt));
+            return 1;
         default: return 0;
     }
 }

@@ -12,6 +12,9 @@ enum VendorSetting : std::intptr_t {
     vendorEar = 1,         // an Ear, as a number
     vendorThreshold = 2,   // logits on top of the refined ear's own threshold; fewer notes above 0
     vendorInputLevel = 3,  // dB by which recognition hears the audio louder; 0 leaves each sample as it is
+    // A question: opt is a MIDI note, ptr gets as a float the highest level, a power, since it last began.
+    // For whoever receives a note's end, from inside that call or later.
+    vendorPeakLevel = 4,
 };
 
 // What turns the audio into notes: the detector itself, or its refined ear on top of it, which looks ahead by

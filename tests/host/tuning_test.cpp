@@ -49,4 +49,21 @@ TEST(Tuning, PutsNotesBetweenTheSemitonesWhereTheyBelong) {
     EXPECT_NEAR(Seconds(take, notes[0].begin), 0.5, 0.015);
 }
 
+// Amplitude 1/4 is power 1/16, whose fourth root is 1/2: the softer of two notes has half the velocity.
+TEST(Velocity, FollowsTheFourthRootOfTheNotesPower) {
+    const TempFolder folder;
+    const std::string path = folder / "a.wav";
+    Audio sound = HeldNote(middleC, 44100, 0.3, 0.8, 3.0);
+    const Audio soft = HeldNote(middleC, 44100, 1.8, 2.3, 3.0);
+    for (std::size_t i = 66150; i < sound.size(); ++i) sound[i] = soft[i] / 4;
+    WriteAudio(path, sound, 44100);
+    RenderSettings settings;
+    settings.followsLevels = true;
+    const std::vector<HeardNote> notes =
+        PairNotes(Render(PluginModule(ORVA_MODULE), path, settings, [](double) {}));
+    ASSERT_EQ(notes.size(), 2U);
+    EXPECT_EQ(notes[0].velocity, 100);
+    EXPECT_NEAR(notes[1].velocity, 50, 2);
+}
+
 }  // namespace

@@ -159,6 +159,8 @@ void HostedPlugin::Receive(const VstEvents& events) {
         event.sample = std::max<std::int64_t>(0, delivered + midi.deltaFrames);
         std::transform(midi.midiData, midi.midiData + 3, event.bytes.begin(),
                        [](char byte) { return static_cast<std::uint8_t>(byte); });
+        if (asksForLevels && (event.bytes[0] & 0xF0) == 0x80)
+            Dispatch(effVendorSpecific, vendorCall, vendorPeakLevel, &event.level, event.bytes[1]);
         sink(event);
     }
 }

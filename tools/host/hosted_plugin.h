@@ -49,6 +49,8 @@ public:
     float Parameter(std::int32_t index) const { return effect->getParameter(effect, index); }
     // Sets ear, threshold and level, as far as the plug-in knows of them. Errors: see EarSettings.
     void SetEar(const EarSettings& settings) const;
+    // Asks for the level of each note at its end, of a plug-in that knows of it.
+    void AskForLevels() { asksForLevels = true; }
     void SetLevel(float dB) const;  // [audio]
     // What the plug-in writes in answer to one of the opcodes that ask for a text; empty if nothing.
     std::string Text(std::int32_t opcode, std::int32_t index = 0) const;
@@ -65,7 +67,8 @@ private:
     void Announce(std::int32_t blockSize);
 
     AEffect* effect = nullptr;  // the plug-in's own, until effClose
-    bool runs = false;          // between Start and Stop
+    bool asksForLevels = false;
+    bool runs = false;  // between Start and Stop
     Relaxed<std::int32_t> rate;
     std::string vendor;
     EventSink sink;

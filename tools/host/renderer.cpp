@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "tools/host/hosted_plugin.h"
+#include "tools/host/velocity.h"
 
 namespace {
 
@@ -63,6 +64,7 @@ Take Render(const PluginModule& module, const std::string& path, const RenderSet
     EarSettings ear = settings.ear;
     if (ear.autoLevel) ear.level = static_cast<float>(LevelFor(path, settings.channel));
     plugin.SetEar(ear);
+    if (settings.followsLevels) plugin.AskForLevels();
 
     std::vector<float> block(static_cast<std::size_t>(settings.blockSize));
     const auto start = std::chrono::steady_clock::now();
@@ -82,6 +84,7 @@ Take Render(const PluginModule& module, const std::string& path, const RenderSet
         plugin.Stop();
         take.length = plugin.SamplesDelivered();
     }
+    if (settings.followsLevels) FollowLevels(take);
     take.peak = audio.Loudest().heard;
     take.peakOfAll = audio.Loudest().file;
     return take;

@@ -24,6 +24,7 @@ struct RenderSettings {
         return false;
     };  // asked before each block: true leaves the rest unheard
     EarSettings ear;
+    bool followsLevels = false;   // velocities follow the music
     double tuning = usualTuning;  // Hz of A4 in the recording; 0: found in the sound itself
     bool realTime = false;        // blocks at the pace of the audio, for a device that listens
 };

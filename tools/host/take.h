@@ -11,6 +11,8 @@ struct TimedEvent {
     std::int64_t sample = 0;  // where in the audio it belongs: samples since its start, never below 0
     std::array<std::uint8_t, 3> bytes{};  // status and two data bytes; all zero where the plug-in had no note
 
+    float level = 0;  // of a note's end: the highest power that it reached, where that was asked for
+
     bool operator==(const TimedEvent&) const = default;
 };
 

@@ -78,6 +78,7 @@ struct RenderOptions {
     std::string device;  // empty: none
     unsigned jobs = 1;   // 0: one for each core
     RenderSettings settings;
+    std::string velocity;        // set or follow; empty: follow, unless Velocity is set
     std::string tuning = "440";  // Hz, or auto
     NoteCleaning cleaning;
     std::string grid;    // empty: none
@@ -192,6 +193,14 @@ void UseDevice(RenderOptions& options) {
     options.jobs = 1;
 }
 
+bool FollowsLevels(const RenderOptions& options) {
+    constexpr std::int32_t velocityParameter = 2;
+    if (!options.velocity.empty()) return options.velocity == "follow";
+    const auto& set = options.settings.parameters;
+    return std::none_of(set.begin(), set.end(),
+                        [](const ParameterSetting& setting) { return setting.index == velocityParameter; });
+}
+
 // Lines of JSON are printed as their files end, in whatever order; tables in the order of the files.
 int RenderFiles(RenderOptions& options) {
     options.files = AllFiles(options);
@@ -201,6 +210,7 @@ int RenderFiles(RenderOptions& options) {
     const PluginModule module(plugin);
     options.settings.ear = ParseEar(options.ear, earOfRecordings);
     options.settings.parameters = ParseParameters(options.parameters, module, options.settings.ear.ear);
+    options.settings.followsLevels = FollowsLevels(options);
     UseDevice(options);
     options.settings.channel = options.mix ? AudioFile::Channel::mix : AudioFile::Channel::first;
 
@@ -325,6 +335,11 @@ void AddRender(CLI::App& program, Job& chosen) {
                      "Hz of the A above middle C in the recording, 415 to 466, or auto: found in the sound")
         ->type_name("HZ")
         ->capture_default_str();
+    command
+        ->add_option("--velocity", options->velocity,
+                     "follow the music, or set: the same for all; follow unless Velocity is set by --param")
+        ->type_name("follow|set")
+        ->check(CLI::IsMember({"follow", "set"}).description(""));
     AddParameterOptions(*command, options->parameters);
     AddCleaning(*command, *options);
     command->add_option("--block", options->settings.blockSize, "samples a block")
