@@ -1,5 +1,6 @@
 #include "editor/options_frame.h"
 
+#include <cmath>
 #include <cstdio>
 #include <string>
 
@@ -26,7 +27,7 @@ constexpr std::int32_t channels = 16;
 
 COptionsFrame::COptionsFrame(guiEditor* itsEditor) : CORVAFrame(itsEditor, 128) {
     const CCoord width = getWidth();
-    const auto half = static_cast<CCoord>(static_cast<std::int32_t>(width) / 2);  // whole, or edges blur
+    const CCoord half = std::floor(width / 2);  // whole, or edges blur
     chordsEnabled = AddSwitch(tagChordsEnabled, {34, 16}, 122);
     chordsDelay = AddSlider(tagChordsDelay, {80, 40}, 110);
     outputToHost = AddSwitch(tagOutputToHost, {34, 77}, 121);

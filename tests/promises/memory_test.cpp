@@ -156,7 +156,7 @@ TEST(Memory, ADayOfAudioLeavesMemoryAndEventsAsTheyWere) {
             host.Set(output, 1);
         const Audio music = BusyMusic(trial.random, 48000, 56), silence(4 * 48000);
         std::vector<Host::Event> first;
-        double memory = 0;
+        [[maybe_unused]] double memory = 0;
         for (std::uint64_t minute = 0; minute < minutes; ++minute) {
             host.Play(silence);
             host.TakenEvents();

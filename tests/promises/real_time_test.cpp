@@ -70,7 +70,7 @@ public:
     Host host;
 };
 
-void ChangeSomething(Trial& trial, const Player& player) {
+[[maybe_unused]] void ChangeSomething(Trial& trial, const Player& player) {
     const Host& host = player.host;
     switch (trial.Below(20)) {
         case 0: host.Call(effMainsChanged, 0, 0), host.Call(effMainsChanged, 0, 1); break;
