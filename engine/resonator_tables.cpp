@@ -2,6 +2,7 @@
 // All of it in the detector's own arithmetic, so that it is the same whatever rounding the host is in.
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "base/float_environment.h"
 #include "base/truncate.h"
@@ -35,7 +36,8 @@ void TRealTimeTS107::RateSetUp() {
     const auto frame = static_cast<float>(frameLength);
     blockDecay = 0.01F / (block / rate + 0.01F);
     frameDecay = 0.2F / (frame / rate + 0.2F);
-    tuneSeed = 1.0F / (1.0F - frameDecay);
+    // A frame without samples, below 100 Hz, makes it infinite.
+    tuneSeed = frameLength > 0 ? 1.0F / (1.0F - frameDecay) : std::numeric_limits<float>::infinity();
     refOmega = omegaOf440 / sampleRate;
     dipFactor = frame * 0.00013911664F * frame * static_cast<float>(refOmega);
     gainScale = std::sqrt(1.0 - static_cast<double>(blockDecay)) * gainUnit;

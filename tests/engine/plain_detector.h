@@ -1,6 +1,7 @@
 #pragma once
 #include <cmath>
 #include <cstdint>
+#include <limits>
 #include <vector>
 
 #include "base/float_environment.h"
@@ -187,7 +188,7 @@ private:
     }
 
     void SeedTuning() {
-        tuneCentre = 1 / (1 - frameDecay);
+        tuneCentre = frameDecay < 1 ? 1 / (1 - frameDecay) : std::numeric_limits<float>::infinity();
         tuneLeft = tuneRight = tuneCentre * 0.5F * peakRatio;
     }
 
