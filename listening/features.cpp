@@ -17,8 +17,11 @@ constexpr std::int32_t depth = Steps(70);    // under the reference, where level
 constexpr std::int32_t fastest = Steps(12);  // change of a level in a frame
 constexpr std::int32_t middle = 9216;        // 45 dB / 20 dB x 4096
 // Factors over 65536, from level steps to features: 4096 / 20 dB and 4096 / 5 dB.
-constexpr std::int32_t perLevel = static_cast<std::int32_t>(65536 * 4096 / (20 * stepsPerDb) + 0.5);
-constexpr std::int32_t perChange = static_cast<std::int32_t>(65536 * 4096 / (5 * stepsPerDb) + 0.5);
+constexpr std::int32_t FeaturesPerStep(double decibels) {
+    const double factor = 65536 * 4096 / (decibels * stepsPerDb) + 0.5;
+    return static_cast<std::int32_t>(factor);
+}
+constexpr std::int32_t perLevel = FeaturesPerStep(20), perChange = FeaturesPerStep(5);
 
 // log2(1 + i / 256) in 65536ths: a digit is 1 where the square passes 2.
 constexpr std::uint32_t Log2Of(std::uint32_t i) {
@@ -77,8 +80,9 @@ const std::int16_t* EarFeatures::Step(const float* powers) {
     for (std::int32_t band = 0; band < netBands; ++band) {
         const std::int32_t level = std::max(levels[band], lowest);
         const std::int32_t change = std::clamp(level - std::max(before[band], lowest), -fastest, fastest);
-        pairs[2 * band] = static_cast<std::int16_t>(Feature(level - reference, perLevel) + middle);
-        pairs[2 * band + 1] = Feature(change, perChange);
+        std::int16_t* const pair = &pairs[0] + std::ptrdiff_t{2} * band;
+        pair[0] = static_cast<std::int16_t>(Feature(level - reference, perLevel) + middle);
+        pair[1] = Feature(change, perChange);
     }
     return pairs;
 }

@@ -24,10 +24,14 @@ constexpr NetLayer layerF = {weightsF, biasF, shiftF, scaleF, inputsF, 12, false
 constexpr NetLayer layerG = {weightsG, biasG, shiftG, scaleG, inputsG, 12, false, 0};
 constexpr NetLayer layerO = {weightsO, biasO, nullptr, nullptr, inputsO, 4, false, linear};
 // clang-format on
-static_assert(std::size(weightsA) == inputsA * 12 * 2 && std::size(weightsB) == inputsB * 24 * 2 &&
-              std::size(weightsC) == inputsC * 16 * 2 && std::size(weightsD) == inputsD * 12 * 2 &&
-              std::size(weightsE) == inputsE * 4 * 2 && std::size(weightsF) == inputsF * 12 * 2 &&
-              std::size(weightsG) == inputsG * 12 * 2 && std::size(weightsO) == inputsO * 4 * 2);
+static_assert(std::size(weightsA) == std::size_t{2} * inputsA * 12 &&
+              std::size(weightsB) == std::size_t{2} * inputsB * 24 &&
+              std::size(weightsC) == std::size_t{2} * inputsC * 16 &&
+              std::size(weightsD) == std::size_t{2} * inputsD * 12 &&
+              std::size(weightsE) == std::size_t{2} * inputsE * 4 &&
+              std::size(weightsF) == std::size_t{2} * inputsF * 12 &&
+              std::size(weightsG) == std::size_t{2} * inputsG * 12 &&
+              std::size(weightsO) == std::size_t{2} * inputsO * 4);
 
 // The input rows of a layer, gathered one after the other.
 struct Inputs {

@@ -9,7 +9,8 @@ namespace {
 std::int32_t SumOf(const NetLayer& layer, const std::int16_t* const* rows, std::int32_t output,
                    std::int32_t band) {
     std::int32_t sum = layer.bias[layer.biasByBand ? output * paddedNetBands + band : output];
-    const std::int16_t* const weights = layer.weights + (output / 4 * layer.inputs * 4 + output % 4) * 2;
+    const std::int16_t* const weights =
+        layer.weights + std::ptrdiff_t{2} * (output / 4 * layer.inputs * 4 + output % 4);
     for (std::int32_t i = 0; i < layer.inputs; ++i)
         for (std::int32_t half = 0; half < 2; ++half) sum += weights[8 * i + half] * rows[i][2 * band + half];
     return sum;
@@ -31,7 +32,8 @@ void Apply(const NetLayer& layer, const std::int16_t* const* rows, std::int16_t*
                 static_cast<std::int16_t>((cut * layer.scale[output] + 0x4000) >> 15);
         }
     for (std::int32_t pair = 0; pair < layer.outputs / 2; ++pair)
-        std::fill(out[pair] + 2 * netBands, out[pair] + 2 * paddedNetBands, std::int16_t{0});
+        std::fill(out[pair] + std::ptrdiff_t{2} * netBands, out[pair] + std::ptrdiff_t{2} * paddedNetBands,
+                  std::int16_t{0});
 }
 
 }  // namespace
