@@ -27,6 +27,7 @@ struct Range {
 
 Range RangeOf(const std::vector<HeardNote>& notes, const std::vector<PlayedNote>& played) {
     std::vector<int> pitches;
+    pitches.reserve(notes.size() + played.size());
     for (const HeardNote& note : notes) pitches.push_back(note.pitch);
     for (const PlayedNote& note : played) pitches.push_back(note.pitch);
     if (pitches.empty()) return {};

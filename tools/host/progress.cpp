@@ -17,7 +17,7 @@ constexpr int usualColumns = 80;
 
 // Characters that the bar may have on this terminal; 0 where none can be drawn.
 int BarWidth() {
-    const char* const terminal = std::getenv("TERM");
+    const char* const terminal = std::getenv("TERM");  // NOLINT(concurrency-mt-unsafe): nobody changes it
     if (isatty(STDERR_FILENO) == 0 || terminal == nullptr || std::strcmp(terminal, "dumb") == 0) return 0;
     struct winsize size = {};
     const bool isKnown = ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
