@@ -106,6 +106,25 @@ TEST_F(Live, PlaysTheNotesThatRenderFindsPassesTheAudioOnAndLeavesNoNoteSounding
     EXPECT_EQ(received, sent);
 }
 
+// Held notes would sound on at the synthesiser for ever.
+TEST_F(Live, ASignalEndsWhatSoundsOnADevice) {
+    const Music music("piano_chords.ogg");
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        Neighbour synth({});
+        HostProcess host({"render", "--ear", "classic", music.path, "--device", "synth:in"});
+        ASSERT_TRUE(synth.AwaitNotes(5)) << host.Err();
+        EXPECT_EQ(host.End(signal), -1);  // by the signal itself, as a shell expects
+        const auto sounding = [&] {
+            std::map<std::uint32_t, int> counts;  // by note
+            for (const std::uint32_t word : synth.Heard())
+                counts[word >> 8 & 0x7F] += (word & 0xF0) == 0x90 ? 1 : -1;
+            return std::count_if(counts.begin(), counts.end(), [](auto& note) { return note.second != 0; });
+        };
+        EXPECT_TRUE(AwaitThat([&] { return sounding() == 0; })) << signal;
+        EXPECT_LT(synth.Heard().size(), music.notes.size()) << "it ended before the signal";
+    }
+}
+
 // The server dies in the middle of the music, and with it the connections; another one comes.
 TEST_F(Live, ComesBackWithTheServerAndConnectsAgain) {
     const Music music("flute_melody.ogg");
