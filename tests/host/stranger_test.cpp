@@ -70,6 +70,18 @@ TEST_F(Stranger, HearsAPipeOfUnknownLengthToItsEnd) {
     }
 }
 
+// The first frame of an MP3 says how long the whole is.
+TEST_F(Stranger, IsShownThatAnMp3IsHalf) {
+    WriteAudio(folder / "a.mp3", HeldNote(440, 44100, 0.1, 3.9, 4), 44100, 1,
+               SF_FORMAT_MPEG | SF_FORMAT_MPEG_LAYER_III);
+    const std::string whole = ReadAll(folder / "a.mp3");
+    WriteAll(folder / "half.mp3", whole.substr(0, whole.size() / 2));
+    EXPECT_EQ(RunHost({"render", folder / "a.mp3"}).code, 0);
+    const Ended half = RunHost({"render", folder / "half.mp3"});
+    EXPECT_EQ(half.code, 1);
+    EXPECT_NE(half.err.find("is truncated"), std::string::npos) << half.err;
+}
+
 TEST_F(Stranger, IsShownWhyNothingWasHeard) {
     std::vector<float> left(44100, 0.0F), both, opposite;
     for (const float sample : HeldNote(440, 44100, 0, 1, 1)) {
