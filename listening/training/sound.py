@@ -17,19 +17,19 @@ class Player:
     """FluidSynth with one sound font, kept loaded."""
 
     def __init__(self, path):
-        self.library = ctypes.CDLL(ctypes.util.find_library("fluidsynth") or "libfluidsynth.so.3")
+        self.fluid = ctypes.CDLL(ctypes.util.find_library("fluidsynth") or "libfluidsynth.so.3")
         for name in ("new_fluid_settings", "new_fluid_synth"):
-            getattr(self.library, name).restype = ctypes.c_void_p
-        settings = ctypes.c_void_p(self.library.new_fluid_settings())
-        self.library.fluid_settings_setnum(settings, b"synth.sample-rate", ctypes.c_double(RATE))
-        self.library.fluid_settings_setnum(settings, b"synth.gain", ctypes.c_double(0.3))
-        self.library.fluid_settings_setint(settings, b"synth.dynamic-sample-loading", 1)
-        self.synth = ctypes.c_void_p(self.library.new_fluid_synth(settings))
-        if self.library.fluid_synth_sfload(self.synth, str(path).encode(), 1) < 0:
+            getattr(self.fluid, name).restype = ctypes.c_void_p
+        settings = ctypes.c_void_p(self.fluid.new_fluid_settings())
+        self.fluid.fluid_settings_setnum(settings, b"synth.sample-rate", ctypes.c_double(RATE))
+        self.fluid.fluid_settings_setnum(settings, b"synth.gain", ctypes.c_double(0.3))
+        self.fluid.fluid_settings_setint(settings, b"synth.dynamic-sample-loading", 1)
+        self.synth = ctypes.c_void_p(self.fluid.new_fluid_synth(settings))
+        if self.fluid.fluid_synth_sfload(self.synth, str(path).encode(), 1) < 0:
             raise OSError(f"{path} is no sound font")
 
     def call(self, name, *values):
-        getattr(self.library, "fluid_synth_" + name)(self.synth, *values)
+        getattr(self.fluid, "fluid_synth_" + name)(self.synth, *values)
 
     def play(self, events, seconds, reverb, chorus):
         """events: (seconds, order, operation, channel, values...)."""
