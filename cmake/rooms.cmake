@@ -1,8 +1,12 @@
+# What is particular to an operating system lies in a folder of its name, below the room's.
+string(TOLOWER ${CMAKE_SYSTEM_NAME} ORVA_SYSTEM)
+
 # orva_room(NAME USES other...): the static library orva_NAME from the sources of folder NAME.
 # A room without sources yet (headers only) becomes an interface library, so that others can name it.
 function(orva_room name)
   cmake_parse_arguments(room "" "" "USES" ${ARGN})
-  file(GLOB sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/${name}/*.cpp)
+  file(GLOB sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/${name}/*.cpp
+       ${PROJECT_SOURCE_DIR}/${name}/${ORVA_SYSTEM}/*.cpp)
   list(TRANSFORM room_USES PREPEND orva_)
   if(sources)
     add_library(orva_${name} STATIC ${sources})

@@ -2,10 +2,10 @@
 
 #include <stdexcept>
 
-#include "delivery/midi_device_list.h"
-#include "delivery/midi_ports.h"
 #include "delivery/note_recorder.h"
-#include "platform/midi_out_devices.h"
+#include "devices/midi_device_list.h"
+#include "devices/midi_out_devices.h"
+#include "devices/midi_ports.h"
 
 TRTMidiOut::TRTMidiOut(std::uint32_t index) : deviceIndex(index) {
     const std::uint32_t result = OpenPort(port, index);

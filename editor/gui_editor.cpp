@@ -6,13 +6,13 @@
 #include <chrono>
 #include <filesystem>
 
-#include "delivery/midi_device_list.h"
+#include "desktop/shell.h"
+#include "devices/midi_device_list.h"
 #include "editor/help_file.h"
 #include "editor/look.h"
 #include "editor/message_view.h"
 #include "editor/pictures.h"
 #include "editor/plug_window.h"
-#include "platform/shell.h"
 #include "vst2/records.h"
 #include "vstgui/lib/cresourcedescription.h"
 #include "vstgui/lib/platform/common/genericoptionmenu.h"

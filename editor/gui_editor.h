@@ -8,11 +8,11 @@
 #include <vector>
 
 #include "base/relaxed.h"
+#include "desktop/file_dialog.h"
+#include "desktop/message_box.h"
 #include "editor/aeff_gui_editor.h"
 #include "editor/idle_clock.h"
 #include "editor/mailbox.h"
-#include "platform/file_dialog.h"
-#include "platform/message_box.h"
 #include "plugin/gui_plugin.h"
 #include "vst2/records.h"
 #include "vstgui/lib/cbitmap.h"

@@ -8,7 +8,7 @@
 #include <lv2/atom/atom.h>
 #include <lv2/urid/urid.h>
 
-#include "platform/message_ring.h"
+#include "devices/message_ring.h"
 #include "vst2/records.h"
 
 // Gathers the events that the plug-in object sends, one call at a time and dated as it likes, into what an

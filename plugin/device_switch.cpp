@@ -6,7 +6,7 @@
 #include "base/truncate.h"
 #include "delivery/note_recorder.h"
 #include "delivery/rt_midi_out.h"
-#include "platform/message_box.h"
+#include "desktop/message_box.h"
 #include "plugin/parameter_table.h"
 
 namespace {

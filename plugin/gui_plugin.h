@@ -5,8 +5,8 @@
 #include <thread>
 #include <vector>
 
+#include "desktop/message_box.h"
 #include "harmony/chords_listener.h"
-#include "platform/message_box.h"
 #include "plugin/device_switch.h"
 #include "plugin/editor_interface.h"
 #include "plugin/parameter_table.h"

@@ -5,7 +5,7 @@
 
 #include "base/text.h"
 #include "base/truncate.h"
-#include "delivery/midi_device_list.h"
+#include "devices/midi_device_list.h"
 #include "harmony/vocabulary.h"
 #include "plugin/device_switch.h"
 #include "plugin/parameter_table.h"

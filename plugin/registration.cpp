@@ -1,6 +1,6 @@
 #include "plugin/registration.h"
 
-#include "platform/user_store.h"
+#include "desktop/user_store.h"
 
 namespace {
 

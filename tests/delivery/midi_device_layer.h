@@ -9,9 +9,9 @@
 #include <utility>
 #include <vector>
 
+#include "base/wide_text.h"
+#include "devices/midi_out_devices.h"
 #include "gmock/gmock.h"
-#include "platform/midi_out_devices.h"
-#include "platform/wide_text.h"
 
 // A layer of devices that writes down what it was asked: "open 2" (a device id), then by handle "send 1 90 3c
 // 64", "close 1", "reset 1", "long 1 2" (bytes). What a test wants refused, it says in the maps.

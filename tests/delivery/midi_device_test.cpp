@@ -4,12 +4,12 @@
 #include <memory>
 #include <stdexcept>
 
-#include "delivery/midi_device_list.h"
-#include "delivery/midi_ports.h"
 #include "delivery/rt_midi_out.h"
+#include "devices/midi_device_list.h"
+#include "devices/midi_ports.h"
 #include "tests/delivery/fakes.h"
-#include "tests/platform/jack_server.h"
 #include "tests/support/devices.h"
+#include "tests/support/jack_server.h"
 
 namespace {
 

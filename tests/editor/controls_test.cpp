@@ -2,8 +2,8 @@
 #include <map>
 #include <thread>
 
-#include "platform/shell.h"
-#include "platform/user_store.h"
+#include "desktop/shell.h"
+#include "desktop/user_store.h"
 #include "tests/editor/editor_test.h"
 #include "tests/support/devices.h"
 #include "tests/support/temp_folder.h"

@@ -1,4 +1,4 @@
-#include "platform/file_dialog.h"
+#include "desktop/file_dialog.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 // What the file dialog asks before it names a file that exists, with programs in the place of the desktop's.
 #include <gtest/gtest.h>
 
-#include "platform/file_dialog.h"
+#include "desktop/file_dialog.h"
 #include "tests/support/await.h"
 #include "tests/support/temp_folder.h"
 

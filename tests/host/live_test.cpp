@@ -6,7 +6,7 @@
 
 #include "run_host.h"
 #include "test_audio.h"
-#include "tests/platform/jack_server.h"
+#include "tests/support/jack_server.h"
 #include "tests/support/midi_reader.h"
 #include "tools/host/note_list.h"
 #include "tools/host/renderer.h"

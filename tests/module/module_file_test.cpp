@@ -128,8 +128,8 @@ TEST(ModuleFile, RunsFewInitialisersOfItsOwn) {
     for (std::string address, kind, name; lines >> address >> kind >> name;) {
         if (name.rfind(prefix, 0) != 0) continue;
         const std::string source = name.substr(prefix.size());
-        for (const char* const room : {"base", "engine", "notes", "platform", "vst2", "delivery", "midifile",
-                                       "harmony", "plugin", "editor", "module"})
+        for (const char* const room : {"base", "engine", "notes", "devices", "desktop", "vst2", "delivery",
+                                       "midifile", "harmony", "plugin", "editor", "module"})
             if (std::filesystem::exists(std::filesystem::path(ORVA_SOURCES) / room / source))
                 ours.push_back(source);
     }

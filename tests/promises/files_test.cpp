@@ -9,8 +9,8 @@
 
 #include "delivery/note_out.h"
 #include "delivery/rt_recording.h"
+#include "desktop/user_store.h"
 #include "module/plugin_entry.h"
-#include "platform/user_store.h"
 #include "plugin/gui_plugin.h"
 #include "tests/support/host.h"
 #include "tests/support/messages.h"

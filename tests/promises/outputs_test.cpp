@@ -6,10 +6,10 @@
 #include <memory>
 #include <set>
 
-#include "delivery/midi_ports.h"
 #include "delivery/note_recorder.h"
 #include "delivery/rt_recording.h"
 #include "delivery/vst_midi_out.h"
+#include "devices/midi_ports.h"
 #include "tests/model/recorder.h"
 #include "tests/model/side_by_side.h"
 

@@ -5,7 +5,7 @@
 #include <array>
 #include <cstdlib>
 
-#include "platform/shell.h"
+#include "desktop/shell.h"
 #include "tests/editor/editor_host.h"
 #include "tests/promises/process_state.h"
 #include "tests/support/music.h"

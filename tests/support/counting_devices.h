@@ -5,8 +5,8 @@
 #include <mutex>
 #include <set>
 
-#include "platform/message_box.h"
-#include "platform/midi_out_devices.h"
+#include "desktop/message_box.h"
+#include "devices/midi_out_devices.h"
 
 // Devices that count. Judged by words of their own, relaxed where senders meet them, so that the layer puts
 // no order between threads that the plug-in does not put there itself.

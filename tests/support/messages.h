@@ -4,7 +4,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/message_box.h"
+#include "desktop/message_box.h"
 
 // Keeps what the user is shown, in the place of the system's box for as long as it lives. Where two threads
 // show messages, a test clears `keepsTexts` and reads the count alone.

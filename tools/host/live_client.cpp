@@ -9,7 +9,7 @@
 #include <functional>
 #include <string_view>
 
-#include "platform/midi_backend.h"
+#include "devices/midi_backend.h"
 #include "tools/host/live_plugin.h"
 
 namespace {

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "platform/message_ring.h"
+#include "devices/message_ring.h"
 #include "tools/host/hosted_plugin.h"
 #include "tools/host/level_follower.h"
 #include "tools/host/period_events.h"

@@ -11,8 +11,8 @@
 #include <random>
 #include <vector>
 
+#include "devices/midi_out_devices.h"
 #include "module/plugin_entry.h"
-#include "platform/midi_out_devices.h"
 #include "plugin/gui_plugin.h"
 
 namespace {

@@ -11,7 +11,7 @@
 #include <memory>
 
 #include "tests/host/test_audio.h"
-#include "tests/platform/jack_server.h"
+#include "tests/support/jack_server.h"
 #include "tools/host/take_output.h"
 
 namespace {

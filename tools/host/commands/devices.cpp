@@ -2,7 +2,7 @@
 
 #include <iostream>
 
-#include "delivery/midi_device_list.h"
+#include "devices/midi_device_list.h"
 #include "tools/host/printable.h"
 
 std::uint32_t FindDevice(const std::string& name) {

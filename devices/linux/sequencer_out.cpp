@@ -1,4 +1,4 @@
-#include "platform/sequencer_out.h"
+#include "devices/linux/sequencer_out.h"
 
 #include <RtMidi.h>
 #include <fcntl.h>
@@ -8,7 +8,7 @@
 #include <atomic>
 #include <thread>
 
-#include "platform/message_ring.h"
+#include "devices/message_ring.h"
 
 namespace {
 

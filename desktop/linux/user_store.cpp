@@ -1,4 +1,4 @@
-#include "platform/user_store.h"
+#include "desktop/user_store.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

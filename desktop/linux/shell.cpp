@@ -1,4 +1,4 @@
-#include "platform/shell.h"
+#include "desktop/shell.h"
 
 #include <unistd.h>
 
@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <system_error>
 
-#include "platform/programs.h"
+#include "desktop/linux/programs.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "platform/system_midi_out.h"
+#include "devices/system_midi_out.h"
 
 #include <algorithm>
 #include <chrono>
@@ -6,18 +6,9 @@
 #include <thread>
 #include <utility>
 
-#include "platform/jack_out.h"
-#include "platform/sequencer_out.h"
-#include "platform/wide_text.h"
+#include "base/wide_text.h"
 
 namespace {
-
-std::vector<std::unique_ptr<MidiBackend>> SystemLayers() {
-    std::vector<std::unique_ptr<MidiBackend>> layers;
-    layers.push_back(std::make_unique<SequencerBackend>());
-    layers.push_back(std::make_unique<JackBackend>());
-    return layers;
-}
 
 // By code. A layer's own text comes before these.
 constexpr std::string_view texts[] = {

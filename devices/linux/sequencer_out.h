@@ -1,5 +1,5 @@
 #pragma once
-#include "platform/midi_backend.h"
+#include "devices/midi_backend.h"
 
 // The devices of the ALSA sequencer, by way of RtMidi: one sequencer client for each open device.
 class SequencerBackend : public MidiBackend {

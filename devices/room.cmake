@@ -2,4 +2,4 @@
 # the room shows either.
 pkg_check_modules(RTMIDI REQUIRED IMPORTED_TARGET rtmidi)
 pkg_check_modules(JACK REQUIRED IMPORTED_TARGET jack)
-target_link_libraries(orva_platform PRIVATE PkgConfig::RTMIDI PkgConfig::JACK Threads::Threads)
+target_link_libraries(orva_devices PRIVATE PkgConfig::RTMIDI PkgConfig::JACK Threads::Threads)

@@ -1,8 +1,8 @@
-#include "platform/midi_out_devices.h"
+#include "devices/midi_out_devices.h"
 
 #include <atomic>
 
-#include "platform/system_midi_out.h"
+#include "devices/system_midi_out.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include <mutex>
 
 #include "base/relaxed.h"
-#include "platform/midi_out_devices.h"
+#include "devices/midi_out_devices.h"
 
 // A way to a device, for one output.
 struct TMidiPort {
@@ -20,7 +20,7 @@ struct TMidiPort {
 // The ports of all instances in the process, and the devices behind them. A device is opened by its first
 // port, counted, and closed by its last.
 //
-// Results are those of the device layer (platform/midi_out_devices.h); the table itself gives
+// Results are those of the device layer (devices/midi_out_devices.h); the table itself gives
 // MMSYSERR_ERROR for a closed table or a port number out of range, MMSYSERR_INVALHANDLE for a free port, and
 // MMSYSERR_NOMEM where it cannot grow. A layer that throws counts as having given MMSYSERR_ERROR.
 //

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/midi_out_devices.h"
+#include "devices/midi_out_devices.h"
 
 // The name under which other programs see us.
 constexpr const char* midiClientName = "ORVA Audio To MIDI";
@@ -47,3 +47,6 @@ public:
     virtual std::vector<std::string> DeviceNames() = 0;
     virtual MidiOpening Open(const std::string& name) = 0;
 };
+
+// The layers of this operating system, in the order in which their devices are listed.
+std::vector<std::unique_ptr<MidiBackend>> SystemLayers();

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/midi_backend.h"
-#include "platform/midi_out_devices.h"
+#include "devices/midi_backend.h"
+#include "devices/midi_out_devices.h"
 
 // The system's MIDI outputs: the ALSA sequencer's devices, then a JACK server's. A layer that is absent has
 // no devices, which is no error.

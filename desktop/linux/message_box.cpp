@@ -1,4 +1,4 @@
-#include "platform/message_box.h"
+#include "desktop/message_box.h"
 
 #include <unistd.h>
 
@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/programs.h"
+#include "desktop/linux/programs.h"
 
 namespace {
 

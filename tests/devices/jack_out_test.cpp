@@ -1,5 +1,5 @@
 // The devices of a JACK server, for real: a server with its dummy driver, a client that receives.
-#include "platform/jack_out.h"
+#include "devices/linux/jack_out.h"
 
 #include <pthread.h>
 #include <signal.h>
@@ -8,9 +8,9 @@
 #include <optional>
 #include <thread>
 
-#include "platform/system_midi_out.h"
-#include "platform/wide_text.h"
-#include "tests/platform/jack_server.h"
+#include "base/wide_text.h"
+#include "devices/system_midi_out.h"
+#include "tests/support/jack_server.h"
 
 namespace {
 

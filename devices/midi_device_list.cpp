@@ -1,7 +1,7 @@
-#include "delivery/midi_device_list.h"
+#include "devices/midi_device_list.h"
 
-#include "platform/midi_out_devices.h"
-#include "platform/wide_text.h"
+#include "base/wide_text.h"
+#include "devices/midi_out_devices.h"
 
 bool MapperIsGone() {
     const SystemVersion version = MidiOut().Version();

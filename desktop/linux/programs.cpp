@@ -1,4 +1,4 @@
-#include "platform/programs.h"
+#include "desktop/linux/programs.h"
 
 #include <fcntl.h>
 #include <signal.h>

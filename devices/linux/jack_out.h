@@ -1,5 +1,5 @@
 #pragma once
-#include "platform/midi_backend.h"
+#include "devices/midi_backend.h"
 
 // The MIDI inputs of a JACK server's clients, one client of ours for each open device. A server is used if it
 // runs and never started. Which one it is, is the library's choice (environment JACK_DEFAULT_SERVER).

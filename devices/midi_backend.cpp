@@ -1,4 +1,4 @@
-#include "platform/midi_backend.h"
+#include "devices/midi_backend.h"
 
 std::size_t ShortMessageLength(std::uint32_t message) {
     const std::uint32_t status = message & 0xFFU;

@@ -1,6 +1,6 @@
 // The devices of the ALSA sequencer, through RtMidi, on a sequencer of our own: its functions are found in
 // this program before those of the system's library.
-#include "platform/sequencer_out.h"
+#include "devices/linux/sequencer_out.h"
 
 #include <alsa/asoundlib.h>
 
@@ -12,8 +12,8 @@
 #include <utility>
 #include <vector>
 
+#include "devices/message_ring.h"
 #include "gtest/gtest.h"
-#include "platform/message_ring.h"
 
 namespace {
 

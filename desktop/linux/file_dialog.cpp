@@ -1,4 +1,4 @@
-#include "platform/file_dialog.h"
+#include "desktop/file_dialog.h"
 
 #include <fcntl.h>
 #include <spawn.h>
@@ -12,7 +12,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/programs.h"
+#include "desktop/linux/programs.h"
 
 namespace {
 

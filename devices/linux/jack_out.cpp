@@ -1,4 +1,4 @@
-#include "platform/jack_out.h"
+#include "devices/linux/jack_out.h"
 
 #include <jack/jack.h>
 #include <jack/midiport.h>
@@ -12,7 +12,7 @@
 #include <cerrno>
 #include <mutex>
 
-#include "platform/message_ring.h"
+#include "devices/message_ring.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // Messages and the user's programs, with scripts in the place of the desktop's programs.
-#include "platform/programs.h"
+#include "desktop/linux/programs.h"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -11,9 +11,9 @@
 #include <cerrno>
 #include <cstdlib>
 
+#include "desktop/message_box.h"
+#include "desktop/shell.h"
 #include "gtest/gtest.h"
-#include "platform/message_box.h"
-#include "platform/shell.h"
 #include "tests/support/temp_folder.h"
 
 namespace {

@@ -1,12 +1,12 @@
 // The list and the handles of the system's devices, on layers of fake devices.
-#include "platform/system_midi_out.h"
+#include "devices/system_midi_out.h"
 
 #include <atomic>
 #include <functional>
 #include <thread>
 
+#include "base/wide_text.h"
 #include "gtest/gtest.h"
-#include "platform/wide_text.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "delivery/midi_ports.h"
+#include "devices/midi_ports.h"
 
 #include <unistd.h>
 
@@ -6,7 +6,7 @@
 #include <bit>
 #include <new>
 
-#include "delivery/midi_device_list.h"
+#include "devices/midi_device_list.h"
 
 namespace {
 
