@@ -18,7 +18,7 @@ constexpr std::size_t blockSamples = 512;
 
 // One second of sound per iteration, in blocks of a usual host.
 template <typename Detector>
-void Run(benchmark::State& state, const Audio& audio, int rate, const DetectorKernels* kernels = nullptr) {
+void Run(benchmark::State& state, const Pcm& audio, int rate, const DetectorKernels* kernels = nullptr) {
     Detector detector(rate, 45, 84);
     if constexpr (requires { detector.kernels; })
         if (kernels != nullptr) detector.kernels = *kernels;
@@ -46,7 +46,7 @@ void OnMusic(benchmark::State& state) {
 template <typename Detector>
 void OnNoise(benchmark::State& state) {
     const int rate = static_cast<int>(state.range(0));
-    Run<Detector>(state, Noise(rate, 1), rate);
+    Run<Detector>(state, Shorts(Noise(rate, 1)), rate);
 }
 
 // The inner loops of each instruction set that this machine has.

@@ -28,7 +28,7 @@ void BothEars(benchmark::State& state, int rate, const std::string& set) {
     inner.SetEqualizerEnabled(true);
     inner.SetFloorDb(-35);
     inner.SetRelativeThreshold(0.13F);
-    const Audio audio = Music(rate, 1);
+    const Pcm audio = Music(rate, 1);
     for ([[maybe_unused]] auto iteration : state) {
         for (std::size_t at = 0; at < audio.size(); at += blockSamples)
             inner.Process(&audio[at], Bytes(std::min(blockSamples, audio.size() - at)));

@@ -1,5 +1,7 @@
 #pragma once
 #include <cmath>
+#include <complex>
+#include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <vector>
@@ -14,14 +16,14 @@
 class PlainDetector {
 public:
     template <typename Value>
-    struct PerBand : std::vector<Value> {
-        PerBand() { Clear(); }
-        void Clear() { this->assign(128, Value{}); }
+    struct PerBand {
+        Value& operator[](std::ptrdiff_t band) { return values[static_cast<std::size_t>(band)]; }
+        const Value& operator[](std::ptrdiff_t band) const { return values[static_cast<std::size_t>(band)]; }
+        std::vector<Value> values = std::vector<Value>(128);
     };
     using Floats = PerBand<float>;
-    using Flags = PerBand<bool>;
+    using Flags = PerBand<char>;  // 0 or 1
     using Words = PerBand<std::int32_t>;
-    using Taps = PerBand<std::vector<std::int32_t>>;
 
     PlainDetector(std::int32_t rate, std::int32_t reference, std::int32_t bands)
         : numBands(bands < 49 ? 49 : bands), referenceBand(reference) {
@@ -40,11 +42,9 @@ public:
     void Reset() {
         frameCountdown = frameLength;
         blockCountdown = blockLength;
-        for (Floats* array :
-             {&energyPrev1, &energyPrev2, &separated, &eqAmplitude, &amplitude, &energy, &stateA, &stateB})
-            array->Clear();
-        for (Words* array : {&accRe, &accIm}) array->Clear();
-        for (Flags* array : {&peakNow, &peakOld, &peakOlder, &noteOn}) array->Clear();
+        energyPrev1 = energyPrev2 = separated = eqAmplitude = amplitude = energy = stateA = stateB = {};
+        accRe = accIm = {};
+        peakNow = peakOld = peakOlder = noteOn = {};
         SeedTuning();
     }
 
@@ -58,10 +58,7 @@ public:
         refOmega = 2764.601535159024 / sampleRate;
         dipFactor = frame * 0.00013911664F * frame * static_cast<float>(refOmega);
         gainScale = std::sqrt(1.0 - static_cast<double>(blockDecay)) * 6.103888176768602e-05;
-        eqGain.assign(Count(), 1);
-        eqGainSq.assign(Count(), 1);
-        for (Taps* taps : {&tapsRe, &tapsIm})
-            for (auto& row : *taps) row.resize(At(blockLength - 1));
+        for (std::int32_t i = 0; i < numBands; ++i) SetBandGain(i, 1);
         BuildResonators();
         UpdatePeakRatio();
         Reset();
@@ -97,24 +94,21 @@ public:
     }
 
     void SetMonoEnabled(bool enabled) {
-        if (enabled) {
-            energyPrev1.Clear();
-            energyPrev2.Clear();
-        }
+        if (enabled) energyPrev1 = energyPrev2 = {};
         monoEnabled = enabled;
     }
 
     void SetEqualizerEnabled(bool enabled) { equalizerEnabled = enabled; }
 
     void SetBandGain(std::int32_t band, float gain) {
-        eqGain[At(band)] = gain;
-        eqGainSq[At(band)] = gain * gain;
+        eqGain[band] = gain;
+        eqGainSq[band] = gain * gain;
     }
 
     std::int32_t numBands, referenceBand, blockLength = 0, frameLength = 0;
     Floats stateA, stateB, feedAA, feedAB, feedBA, feedBB, inputAR, inputAI, inputBR, inputBI;
-    Words accRe, accIm, tapZero;
-    Taps tapsRe, tapsIm;  // [band][k - 1]: weight of the sample k samples before the block's newest
+    Words accRe, accIm;
+    PerBand<std::vector<std::int32_t>> tapsRe, tapsIm;  // [k]: of the sample k before the block's newest
     Flags rising, peakOlder, peakOld, peakNow, noteOn;
     Floats dipScale, energyPrev2, energyPrev1;
     float dipFactor = 0;
@@ -136,37 +130,30 @@ private:
     float d2 = 0, d3 = 0, d4 = 0;   // of the fit, by how many partials lie within the spectrum
     float x5 = 0, x7 = 0, x12 = 0;  // overlaps of two notes so many bands apart
 
-    static std::size_t At(std::int32_t index) { return static_cast<std::size_t>(index); }
-    std::size_t Count() const { return At(numBands); }
-
     void BuildResonators() {
         const double r = bandwidth, t = tune, q = bandwidth * bandwidth;  // q: squared in single precision
         const double m0 = 2 * std::sqrt(q + 1.0033401916124) - (q + 1);
         const double w = std::sqrt(m0), m = m0 + q;
         const double g = std::sqrt(((m + 1) - 2 * w) * ((m + 1) + 2 * w)) * gainScale / w;
         const double ga = g * w / m, gb = r * g / m;
-        for (std::int32_t band = 0; band < numBands; ++band) {
-            const std::size_t i = At(band);
-            const double omega = std::exp((band - referenceBand + t) * 0.057762265046662) * refOmega;
+        for (std::int32_t i = 0; i < numBands; ++i) {
+            const double omega = std::exp((i - referenceBand + t) * 0.057762265046662) * refOmega;
             dipScale[i] = static_cast<float>(omega) * dipFactor;
-            const double rho = std::exp(-r * omega);
-            const double p = rho * std::cos(omega * w), pIm = rho * std::sin(omega * w);
-            std::vector<double> powersRe, powersIm;
-            double re = p, im = pIm, sumRe = 1, sumIm = 0;
-            for (std::int32_t k = 1; k < blockLength; ++k) {
-                powersRe.push_back(re);
-                powersIm.push_back(im);
-                sumRe += std::fabs(re);
-                sumIm += std::fabs(im);
-                const double next = re * p - im * pIm;
-                im = re * pIm + im * p;
-                re = next;
+            const std::complex<double> pole = std::polar(std::exp(-r * omega), omega * w);
+            std::vector<std::complex<double>> powers = {1};
+            double sumRe = 0, sumIm = 0;
+            for (std::int32_t k = 0; k < blockLength; ++k) {
+                sumRe += std::fabs(powers.back().real());
+                sumIm += std::fabs(powers.back().imag());
+                powers.push_back(k == 0 ? pole : powers.back() * pole);
             }
+            const double re = powers.back().real(), im = powers.back().imag();
+            const double p = pole.real(), pIm = pole.imag();
             const double scaleRe = 2147483647 / (32767 * sumRe), scaleIm = 2147483647 / (32767 * sumIm);
-            tapZero[i] = static_cast<std::int32_t>(scaleRe);
-            for (std::size_t k = 0; k < powersRe.size(); ++k) {
-                tapsRe[i][k] = static_cast<std::int32_t>(scaleRe * powersRe[k]);
-                tapsIm[i][k] = static_cast<std::int32_t>(scaleIm * powersIm[k]);
+            tapsRe[i].clear(), tapsIm[i].clear();
+            for (const std::complex<double>& power : powers) {
+                tapsRe[i].push_back(static_cast<std::int32_t>(scaleRe * power.real()));
+                tapsIm[i].push_back(static_cast<std::int32_t>(scaleIm * power.imag()));
             }
             const double s = im / w, u = 1 - p;
             feedAA[i] = static_cast<float>(re - r * s);
@@ -198,15 +185,13 @@ private:
     }
 
     void ProcessSample(std::int32_t x) {
-        if (--blockCountdown != 0) {
-            const std::size_t tap = At(blockCountdown - 1);
-            for (std::size_t i = 0; i < Count(); ++i) {
-                AddProduct(accRe[i], tapsRe[i][tap], x);
-                AddProduct(accIm[i], tapsIm[i][tap], x);
-            }
-        } else {
-            for (std::size_t i = 0; i < Count(); ++i) {
-                AddProduct(accRe[i], tapZero[i], x);
+        const auto tap = static_cast<std::size_t>(--blockCountdown);
+        for (std::int32_t i = 0; i < numBands; ++i) {
+            AddProduct(accRe[i], tapsRe[i][tap], x);
+            AddProduct(accIm[i], tapsIm[i][tap], x);
+        }
+        if (tap == 0) {
+            for (std::int32_t i = 0; i < numBands; ++i) {
                 const auto re = static_cast<float>(accRe[i]), im = static_cast<float>(accIm[i]);
                 const float oldA = stateA[i], oldB = stateB[i];
                 stateA[i] = oldA * feedAA[i] + oldB * feedAB[i] + re * inputAR[i] + im * inputAI[i];
@@ -225,8 +210,8 @@ private:
 
     void FindPeaks() {
         rising[1] = energy[0] < energy[1];
-        for (std::size_t i = 2; i < Count(); ++i) {
-            const std::size_t j = i - 1;
+        for (std::int32_t i = 2; i < numBands; ++i) {
+            const std::int32_t j = i - 1;
             peakOlder[j] = peakOld[j];
             peakOld[j] = peakNow[j];
             rising[i] = energy[i - 1] < energy[i];
@@ -237,7 +222,7 @@ private:
 
     void TrackTuning() {
         float left = 0, centre = 0, right = 0;
-        for (std::size_t j = 1; j < Count() - 1; ++j) {
+        for (std::int32_t j = 1; j < numBands - 1; ++j) {
             if (!peakNow[j]) continue;
             left += energy[j - 1];
             centre += energy[j];
@@ -261,15 +246,15 @@ private:
         BuildResonators();
     }
 
-    float LimitOf(std::size_t i) const {
-        constexpr std::size_t distances[] = {12, 19, 24};
+    float LimitOf(std::int32_t i) const {
+        constexpr std::int32_t distances[] = {12, 19, 24};
         const float losses[] = {1 - h2, 1 - h3, 1 - h4};
-        std::size_t partials = 0;
-        while (partials < 3 && i + distances[partials] < Count()) ++partials;
+        int partials = 0;
+        while (partials < 3 && i + distances[partials] < numBands) ++partials;
         if (partials == 0) return energy[i];
         const float alone = amplitude[i];
         float least = alone;
-        for (std::size_t partial = 0; partial < partials; ++partial) {
+        for (int partial = 0; partial < partials; ++partial) {
             const float t = alone * losses[partial] + amplitude[i + distances[partial]];
             if (t < 0) return 0;
             if (partials == 1 && t >= alone) return energy[i];
@@ -279,26 +264,27 @@ private:
     }
 
     // The sum over a band and its partials, by how many of these lie within the spectrum.
-    float RightHandSideOf(std::size_t i) const {
+    float RightHandSideOf(std::int32_t i) const {
         const Floats& l = levelCap;
-        if (i + 24 < Count()) return d4 * l[i] + d4 * a * l[i + 12] + d4 * b * l[i + 19] + d4 * c * l[i + 24];
-        if (i + 19 < Count()) return d3 * l[i] + d3 * a * l[i + 12] + d3 * b * l[i + 19];
-        if (i + 12 < Count()) return d2 * l[i] + d2 * a * l[i + 12];
+        if (i + 24 < numBands)
+            return d4 * l[i] + d4 * a * l[i + 12] + d4 * b * l[i + 19] + d4 * c * l[i + 24];
+        if (i + 19 < numBands) return d3 * l[i] + d3 * a * l[i + 12] + d3 * b * l[i + 19];
+        if (i + 12 < numBands) return d2 * l[i] + d2 * a * l[i + 12];
         return l[i];
     }
 
     // What the notes around a band already explain of its right-hand side, term by term.
-    float CrossOf(std::size_t i) const {
+    float CrossOf(std::int32_t i) const {
         const auto& x = separated;
-        const auto below = [&](std::size_t distance) { return i < distance ? 0.0F : x[i - distance]; };
-        const auto both = [&](std::size_t distance) { return below(distance) + x[i + distance]; };
-        if (i + 24 < Count())
+        const auto below = [&](std::int32_t distance) { return i < distance ? 0.0F : x[i - distance]; };
+        const auto both = [&](std::int32_t distance) { return below(distance) + x[i + distance]; };
+        if (i + 24 < numBands)
             return d4 * x5 * both(5) + d4 * x7 * both(7) + d4 * x12 * both(12) + d4 * b * both(19) +
                    d4 * c * both(24);
-        if (i + 19 < Count())
+        if (i + 19 < numBands)
             return d3 * x5 * below(5) + d3 * x7 * both(7) + d3 * x12 * below(12) + d3 * a * x[i + 12] +
                    d3 * b * both(19) + d3 * c * below(24);
-        if (i + 12 < Count())
+        if (i + 12 < numBands)
             return d2 * x7 * below(7) + d2 * x12 * below(12) + d2 * a * x[i + 12] + d2 * b * below(19) +
                    d2 * c * below(24);
         return a * below(12) + b * below(19) + c * below(24);
@@ -309,11 +295,11 @@ private:
             separated = energy;
             return;
         }
-        for (std::size_t i = 0; i < Count(); ++i) amplitude[i] = std::sqrt(energy[i]);
-        for (std::size_t i = 0; i < Count(); ++i) separated[i] = levelCap[i] = LimitOf(i);
-        for (std::size_t i = 0; i < Count(); ++i) rhs[i] = RightHandSideOf(i);
+        for (std::int32_t i = 0; i < numBands; ++i) amplitude[i] = std::sqrt(energy[i]);
+        for (std::int32_t i = 0; i < numBands; ++i) separated[i] = levelCap[i] = LimitOf(i);
+        for (std::int32_t i = 0; i < numBands; ++i) rhs[i] = RightHandSideOf(i);
         for (int sweep = 0; sweep < 10; ++sweep) {
-            for (std::size_t i = 0; i < Count(); ++i) {
+            for (std::int32_t i = 0; i < numBands; ++i) {
                 const float x = rhs[i] - CrossOf(i);
                 separated[i] = x < 0 ? 0 : x > levelCap[i] ? levelCap[i] : x;
             }
@@ -322,7 +308,7 @@ private:
 
     void DecideNotes() {
         float strongest = 0;
-        for (std::size_t i = 0; i < Count(); ++i) {
+        for (std::int32_t i = 0; i < numBands; ++i) {
             if (equalizerEnabled) eqAmplitude[i] = eqGain[i] * amplitude[i];
             const float level = equalizerEnabled ? eqAmplitude[i] : amplitude[i];
             if (level > strongest) strongest = level;
@@ -330,7 +316,7 @@ private:
         peakLevel = floorAmp < strongest ? strongest : floorAmp;
         threshold = strongest * strongest * relativeThresholdSq;
         if (!(threshold > floorPower)) threshold = floorPower;
-        for (std::size_t j = 1; j < Count() - 1; ++j) {
+        for (std::int32_t j = 1; j < numBands - 1; ++j) {
             if (equalizerEnabled && (peakNow[j] || noteOn[j])) separated[j] = separated[j] * eqGainSq[j];
             if (peakNow[j] && separated[j] < threshold) peakNow[j] = false;
             if (!noteOn[j] && peakOlder[j] && peakOld[j] && peakNow[j])
@@ -343,16 +329,16 @@ private:
     }
 
     void ApplyMonoRule() {
-        std::size_t i = 0;
-        while (i < Count() && !noteOn[i]) ++i;
-        if (i < Count()) {
+        std::int32_t i = 0;
+        while (i < numBands && !noteOn[i]) ++i;
+        if (i < numBands) {
             const float e0 = energyPrev1[i], e1 = energyPrev2[i], e = energy[i];
             if (retriggerEnabled && e0 < e1 && e0 < e &&
                 (e + e1) - 2 * e0 > ((e + e1) + 2 * e0) * dipScale[i])
                 noteOn[i] = false;
-            for (std::size_t above = i + 1; above < Count(); ++above) noteOn[above] = false;
+            for (std::int32_t above = i + 1; above < numBands; ++above) noteOn[above] = false;
         }
-        for (std::size_t j = 1; j < Count() - 1; ++j) {
+        for (std::int32_t j = 1; j < numBands - 1; ++j) {
             energyPrev2[j] = energyPrev1[j];
             energyPrev1[j] = energy[j];
         }

@@ -98,7 +98,7 @@ struct Ears {
         listener.Attach(refined.get());
         refined->Reset();
     }
-    void Hear(const Audio& audio, std::size_t block) {
+    void Hear(const Pcm& audio, std::size_t block) {
         for (std::size_t at = 0; at < audio.size(); at += block)
             refined->Process(&audio[at], Bytes(std::min(block, audio.size() - at)));
     }
@@ -145,7 +145,7 @@ TEST(RefinedEar, PickingByFramesFindsTheNotesOfPickingInTheWhole) {
 }
 
 TEST(RefinedEar, HearsTheSameHoweverTheAudioIsCut) {
-    const Audio audio = Music(44100, 3);
+    const Pcm audio = Music(44100, 3);
     Ears whole(TRefinedDetector::Look::live);
     whole.Hear(audio, audio.size());
     EXPECT_GT(whole.listener.changes.size(), 10U);
@@ -164,7 +164,7 @@ TEST(RefinedEar, HearsTheSameHoweverTheAudioIsCut) {
 
 // Each control takes away notes only: a band without gain, a floor above the sound, a threshold out of reach.
 TEST(RefinedEar, SettingsLeaveOutWhatTheySay) {
-    const Audio audio = Music(44100, 2);
+    const Pcm audio = Music(44100, 2);
     const auto begins = [&](auto set) {
         Ears ears(TRefinedDetector::Look::live);
         set(ears);

@@ -70,7 +70,7 @@ Audio Noise(Random& random, std::size_t samples, double level = 1) {
         sample = static_cast<float>(level * (static_cast<double>(random() % 65535) - 32767) / 32767);
     return audio;
 }
-inline Audio Noise(double rate, double seconds, std::uint32_t seed = 1) {
+inline Audio Noise(int rate, double seconds, std::uint32_t seed = 1) {
     std::minstd_rand random(seed);
     return Noise(random, Samples(rate, seconds));
 }
