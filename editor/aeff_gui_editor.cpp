@@ -1,13 +1,10 @@
 #include "editor/aeff_gui_editor.h"
 
-#include <xcb/xcb.h>
-
 #include <chrono>
 #include <thread>
 
 #include "vst2/records.h"
 #include "vstgui/lib/events.h"
-#include "vstgui/lib/platform/iplatformframe.h"
 
 namespace {
 
@@ -48,34 +45,16 @@ bool AEffGUIEditor::getRect(ERect** editorRect) {
 bool AEffGUIEditor::open(void* parent) {
     const std::lock_guard locked(ToolkitLock());
     AEffGUIEditor::close();
-    const auto window = static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(parent));
-    if (window == 0) return false;
+    if (parent == nullptr) return false;
     session = ToolkitSession::Begin();
     if (!session) return false;
-    holder = HolderWindow::Make(ToolkitSession::Connection(), window, static_cast<std::uint16_t>(rect.right),
-                                static_cast<std::uint16_t>(rect.bottom));
-    if (!holder) {
-        session.reset();
-        return false;
-    }
-
     frame = new VSTGUI::CFrame(VSTGUI::CRect(0, 0, rect.right, rect.bottom), this);
-    VSTGUI::X11::FrameConfig config;
-    config.runLoop = VSTGUI::shared(static_cast<VSTGUI::X11::IRunLoop*>(&ToolkitSession::Loop()));
-    // The toolkit takes a window's number as a pointer. NOLINTNEXTLINE(performance-no-int-to-ptr)
-    const auto place = reinterpret_cast<void*>(static_cast<std::uintptr_t>(holder->Id()));
-    if (!frame->open(place, VSTGUI::PlatformType::kX11EmbedWindowID, &config)) {
-        frame->forget();
-        frame = nullptr;
-        holder.reset();
-        session.reset();
-        return false;
-    }
-    if (const auto* native = dynamic_cast<VSTGUI::X11::IX11Frame*>(frame->getPlatformFrame())) {
-        xcb_map_window(ToolkitSession::Connection(), native->getX11WindowID());
-        xcb_flush(ToolkitSession::Connection());
-    }
-    return true;
+    place = FrameWindow::Open(*frame, parent);
+    if (place) return true;
+    frame->forget();
+    frame = nullptr;
+    session.reset();
+    return false;
 }
 
 void AEffGUIEditor::close() {
@@ -84,7 +63,7 @@ void AEffGUIEditor::close() {
     VSTGUI::CFrame* closing = frame;
     frame = nullptr;
     closing->close();
-    holder.reset();
+    place.reset();
     session.reset();
 }
 
@@ -94,7 +73,7 @@ void AEffGUIEditor::idle() {
 
 void AEffGUIEditor::PumpEvents() {
     if (frame == nullptr) return;
-    ToolkitSession::Loop().pump();
+    ToolkitSession::Pump();
     frame->idle();
 }
 
@@ -108,7 +87,7 @@ void AEffGUIEditor::FinishOpenedMenus() {
     constexpr int rounds = 100;  // its fading takes some milliseconds
     for (int i = 0; i < rounds && frame->getModalView() == menu; ++i) {
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        ToolkitSession::Loop().pump();
+        ToolkitSession::PumpTimers();
     }
 }
 

@@ -2,7 +2,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "editor/holder_window.h"
+#include "editor/frame_window.h"
 #include "editor/toolkit.h"
 #include "plugin/editor_interface.h"
 #include "vst2/records.h"
@@ -29,8 +29,8 @@ public:
 protected:
     void PumpEvents();         // one round of the toolkit's event loop, and what it made dirty
     void FinishOpenedMenus();  // a menu that is down keeps its frame alive until it has gone
-    std::uint32_t HostWindow() const { return holder ? holder->TopLevel() : 0; }  // 0 while closed
-    bool OwnWindowsOf(std::uint32_t process) const { return holder && holder->Own(process); }
+    std::uint32_t HostWindow() const { return place ? place->TopLevel() : 0; }  // 0 while closed
+    bool OwnWindowsOf(std::uint32_t process) const { return place && place->Own(process); }
 
     ERect rect;
 
@@ -38,5 +38,5 @@ private:
     bool dispatchKey(const VstKeyCode& key, bool down);
 
     std::unique_ptr<ToolkitSession> session;  // while open
-    std::unique_ptr<HolderWindow> holder;     // while open
+    std::unique_ptr<FrameWindow> place;       // while open
 };

@@ -1,11 +1,10 @@
 #include "editor/gui_editor.h"
 
-#include <dlfcn.h>
-
 #include <algorithm>
 #include <chrono>
 #include <filesystem>
 
+#include "desktop/module_folder.h"
 #include "desktop/shell.h"
 #include "devices/midi_device_list.h"
 #include "editor/help_file.h"
@@ -37,14 +36,6 @@ VSTGUI::GenericOptionMenuTheme MenuTheme() {
     theme.selectedTextColor = menuFrameColor;
     theme.menuAnimationTime = 40;  // ms
     return theme;
-}
-
-// The folder that this module was loaded from.
-std::filesystem::path ModuleFolder() {
-    static const char here = 0;
-    Dl_info info = {};
-    if (dladdr(&here, &info) == 0 || info.dli_fname == nullptr) return {};
-    return std::filesystem::path(info.dli_fname).parent_path();
 }
 
 // Milliseconds, wrapping.

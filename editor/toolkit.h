@@ -2,11 +2,8 @@
 #include <memory>
 #include <mutex>
 
-#include "editor/run_loop.h"
-
-struct xcb_connection_t;
-
-// The toolkit keeps state for the whole process: its factories, one connection to the display, one run loop.
+// The toolkit keeps state for the whole process: its factories, and under X11 one
+// connection to the display and one run loop.
 // It knows no threads. So every entry of every editor holds this lock; hosts that keep all windows on one
 // thread never wait for it.
 std::recursive_mutex& ToolkitLock();
@@ -24,10 +21,11 @@ public:
     ToolkitSession(const ToolkitSession&) = delete;
     ToolkitSession& operator=(const ToolkitSession&) = delete;
 
-    static EditorRunLoop& Loop();
-    static xcb_connection_t* Connection();
-    static bool
-    ConnectionLost();  // the display went away; nothing can be drawn until all editors have closed
+    // One round of the toolkit's event loop; nothing where its events come with the host's own.
+    static void Pump();
+    static void PumpTimers();  // the same, with its timers at least, for a wait within a call of the host
+    // The display went away; nothing can be drawn until all editors have closed.
+    static bool ConnectionLost();
 
 private:
     ToolkitSession() = default;

@@ -5,6 +5,7 @@
 
 #include "base/lasting.h"
 #include "editor/fonts.h"
+#include "editor/linux/display.h"
 #include "vst2/records.h"
 #include "vstgui/lib/platform/linux/x11platform.h"
 #include "vstgui/lib/vstguiinit.h"
@@ -59,7 +60,7 @@ std::unique_ptr<ToolkitSession> ToolkitSession::Begin() {
             End();
             return nullptr;
         }
-        toolkit.device = DeviceOf(Connection());
+        toolkit.device = DeviceOf(DisplayConnection());
     }
     ++toolkit.sessions;
     return std::unique_ptr<ToolkitSession>(new ToolkitSession);
@@ -80,14 +81,22 @@ void ToolkitSession::End() {
     TheToolkit().loop = nullptr;
 }
 
-EditorRunLoop& ToolkitSession::Loop() {
-    return *TheToolkit().loop;
+void ToolkitSession::Pump() {
+    DisplayLoop().pump();
 }
 
-xcb_connection_t* ToolkitSession::Connection() {
-    return VSTGUI::X11::RunLoop::instance().getXcbConnection();
+void ToolkitSession::PumpTimers() {
+    DisplayLoop().pump();
 }
 
 bool ToolkitSession::ConnectionLost() {
-    return xcb_connection_has_error(Connection()) != 0;
+    return xcb_connection_has_error(DisplayConnection()) != 0;
+}
+
+EditorRunLoop& DisplayLoop() {
+    return *TheToolkit().loop;
+}
+
+xcb_connection_t* DisplayConnection() {
+    return VSTGUI::X11::RunLoop::instance().getXcbConnection();
 }

@@ -1,4 +1,4 @@
-#include "editor/run_loop.h"
+#include "editor/linux/run_loop.h"
 
 #include <algorithm>
 #include <chrono>

@@ -1,4 +1,4 @@
-#include "editor/holder_window.h"
+#include "editor/linux/holder_window.h"
 
 #include <xcb/xcb.h>
 
