@@ -53,22 +53,21 @@ void ReadScoreOf(TNotes& score, MemoryStream& input, std::uint8_t options) {
 }
 
 // Header, then chunks up to the very end.
-bool IsWhole(MemoryStream& stream) {
-    stream.Rewind();
+bool IsWhole(const Bytes& file) {
+    MemoryStream stream(file);
     std::uint32_t length = 0;
     for (const char* name = "MThd"; !stream.IsAtEnd(); name = "MTrk") {
         ExpectTag(stream, name);
         length = GetU32(stream);
-        if (length > static_cast<std::uint32_t>(stream.GetSize() - stream.GetPosition())) return false;
-        stream.SetPosition(stream.GetPosition() + static_cast<std::int32_t>(length));
+        stream.position += length;
     }
-    return true;
+    return stream.position == file.size();
 }
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    MemoryStream input(std::string(data, data + size));
+    MemoryStream input(Bytes(data, data + size));
     const auto score = std::make_unique<TNotes>();
     std::uint8_t options = 0;
     try {
@@ -82,6 +81,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Demand(heap.Worked() <= longestExport, "a score is written in time");
     Demand(heap.Highest() <= TNotes::readerBudget,
            "a score is written in the memory that reading it may take");
-    Demand(IsWhole(output), "the file is whole");
+    Demand(IsWhole(output.data), "the file is whole");
     return 0;
 }

@@ -13,9 +13,10 @@
 namespace {
 
 constexpr double echoSeconds = 0.5;
-constexpr double slowest = 1, fastest = 1e9;  // Hz; the patience is a whole number for any host's rate
+constexpr double slowest = 1,
+                 fastest = 1e9;  // Hz; the frames of an echo are a whole number for any host's rate
 
-std::int64_t Patience(double rate) {
+std::int64_t EchoFrames(double rate) {
     return static_cast<std::int64_t>(echoSeconds * (rate > slowest && rate < fastest ? rate : slowest));
 }
 
@@ -30,6 +31,14 @@ Instances& All() {
     return all;
 }
 
+DeviceWorker::Schedule ScheduleOf(const LV2_Worker_Schedule* schedule) {
+    if (schedule == nullptr) return {};
+    return [schedule] {
+        const std::uint32_t token = 0;  // the requests are kept here; some hosts refuse work without content
+        return schedule->schedule_work(schedule->handle, sizeof token, &token) == LV2_WORKER_SUCCESS;
+    };
+}
+
 bool SameBits(float a, float b) {
     return std::bit_cast<std::uint32_t>(a) == std::bit_cast<std::uint32_t>(b);
 }
@@ -40,8 +49,9 @@ LV2_Handle Instance::Make(double rate, const LV2_Feature* const* features) noexc
     try {
         const auto* map = Feature<LV2_URID_Map>(features, LV2_URID__map);
         if (map == nullptr) return nullptr;
-        auto made = std::make_shared<Instance>(rate, map->map(map->handle, LV2_ATOM__Sequence),
-                                               map->map(map->handle, LV2_MIDI__MidiEvent),
+        const MidiPort midi(map->map(map->handle, LV2_ATOM__Sequence),
+                            map->map(map->handle, LV2_MIDI__MidiEvent));
+        auto made = std::make_shared<Instance>(rate, midi,
                                                Feature<LV2_Worker_Schedule>(features, LV2_WORKER__schedule));
         Instance* const handle = made.get();
         const std::lock_guard<std::mutex> held(All().guard);
@@ -70,14 +80,11 @@ void Instance::Forget(LV2_Handle handle) {
     last->hostHasLeft = true;
 }
 
-Instance::Instance(double rate, LV2_URID sequence, LV2_URID midiEvent, const LV2_Worker_Schedule* schedule)
-    : patience(Patience(rate)),
-      gatherer(sequence, midiEvent),
-      object(rate, *this),
-      worker(object, *this, schedule) {
+Instance::Instance(double rate, MidiPort midiPort, const LV2_Worker_Schedule* schedule)
+    : echoFrames(EchoFrames(rate)), midi(midiPort), hosted(rate, *this, ScheduleOf(schedule)) {
     for (std::int32_t i = 0; i < parameterCount; ++i) {
         const auto at = static_cast<std::size_t>(i);
-        controls[at].applied = object.Get(i);
+        controls[at].applied = hosted.Object().Parameter(i);
         known[at] = controls[at].applied;
     }
 }
@@ -88,7 +95,7 @@ void Instance::Connect(std::uint32_t port, void* place) {
     else if (port == portAudioOut)
         audioOut = static_cast<float*>(place);
     else if (port == portMidi)
-        midi = static_cast<LV2_Atom_Sequence*>(place);
+        midi.Connect(static_cast<LV2_Atom_Sequence*>(place));
     else if (port >= portEar && port < portCount)
         hearing[port - portEar].port = static_cast<const float*>(place);
     else if (port < portEar)
@@ -96,19 +103,13 @@ void Instance::Connect(std::uint32_t port, void* place) {
 }
 
 void Instance::Run(std::uint32_t frames) {
-    gatherer.BeginRun();
+    hosted.BeginRun(frames);
     TakeChangesOfTheWindow();
     TakePorts();
     TakeHearing();
-    worker.Kick();
-    for (std::uint32_t done = 0; done < frames;) {
-        const std::uint32_t block = std::min(frames - done, HostedObject::longestBlock);
-        gatherer.BeginBlock(done);
-        object.Process(audioIn != nullptr ? audioIn + done : nullptr,
-                       audioOut != nullptr ? audioOut + done : nullptr, block);
-        done += block;
-    }
-    gatherer.EndRun(frames, midi);
+    hosted.Process(audioIn, audioOut);
+    midi.Begin();
+    hosted.EndRun([this](std::uint32_t frame, std::uint32_t message) { return midi.Write(frame, message); });
     clock += frames;
 }
 
@@ -116,7 +117,7 @@ void Instance::TakeChangesOfTheWindow() {
     forRun.drain([this](std::int32_t index, float value) {
         Control& control = controls[static_cast<std::size_t>(index)];
         control.applied = value;
-        control.echo.Await(value, clock + patience);
+        control.echo.Await(value, clock + echoFrames);
     });
 }
 
@@ -128,10 +129,7 @@ void Instance::TakePorts() {
         if (!control.echo.Counts(value, clock) || SameBits(value, control.applied)) continue;
         control.applied = value;
         known[static_cast<std::size_t>(i)] = value;
-        if (DeviceWorker::Takes(i))
-            worker.Wish(i, value);
-        else
-            object.Set(i, value);
+        hosted.SetFromHost(i, value);
     }
 }
 
@@ -141,33 +139,27 @@ void Instance::TakeHearing() {
         if (control.port == nullptr || SameBits(*control.port, control.applied)) continue;
         const float value = control.applied = *control.port;
         if (port == portEar)
-            object.SetRefined(IsOn(value));
+            hosted.Object().SetRefined(IsOn(value));
         else if (port == portEarThreshold)
-            object.SetThreshold(value);
+            hosted.Object().SetThreshold(value);
         else
-            object.SetInputLevel(value);
+            hosted.Object().SetInputLevel(value);
     }
 }
 
 void Instance::ParameterEdited(std::int32_t index, float value) {
-    if (index < 0 || index >= parameterCount) return;  // the window's own tags
     known[static_cast<std::size_t>(index)] = value;
     forRun.post(index, value);
-    forHost.post(index, value);
-    if (DeviceWorker::Takes(index)) worker.WishedInWindow(index, value);
 }
 
-// The run is not told: it goes by the wish until the port changes, or a device that is not to be had would be
-// asked for again and again.
+// Without a window the host keeps its request.
 bool Instance::FellBack(std::int32_t index, float value) {
-    if (!windowShows) return false;
-    object.ShowInEditor(index, value);
-    known[static_cast<std::size_t>(index)] = value;
-    forHost.post(index, value);
-    return true;
+    if (windowShows) known[static_cast<std::size_t>(index)] = value;
+    return windowShows;
 }
 
 void Instance::WindowShows(bool shows) {
-    if (shows) forHost.drain([](std::int32_t, float) {});  // older than what the window reads now
+    if (shows)  // older than what the window reads now
+        ChangesForHost().drain([](std::int32_t, float) {});
     windowShows = shows;
 }

@@ -5,15 +5,15 @@
 #include <memory>
 
 #include <lv2/core/lv2.h>
+#include <lv2/worker/worker.h>
 
 #include "base/relaxed.h"
-#include "lv2/device_worker.h"
+#include "hosting/hosted_instance.h"
 #include "lv2/echo_wait.h"
-#include "lv2/event_gatherer.h"
-#include "lv2/hosted_object.h"
+#include "lv2/midi_port.h"
 #include "lv2/port_table.h"
 
-// One instance of the LV2 plug-in: the plug-in object and the ports that stand around it.
+// One instance of the LV2 plug-in: the ports that stand around the object.
 //
 // The ports are the state. A run hands the values that have changed to the object, ascending by parameter;
 // the first one compares with the object's own beginnings, so that what nobody touched keeps the detector's
@@ -22,7 +22,7 @@
 //
 // Ownership: the host's handle holds it, and so does an open window; whichever goes last deletes it.
 // Threads: Run [audio], and no allocation or wait in it; Connect, Activate and Deactivate never beside it.
-class Instance final : private IObjectListener, private IFallBackListener {
+class Instance final : private IInstanceListener {
 public:
     // Null when the host lacks what is needed or the object cannot be made.
     static LV2_Handle Make(double rate, const LV2_Feature* const* features) noexcept;
@@ -30,23 +30,22 @@ public:
     static std::shared_ptr<Instance> Find(LV2_Handle handle);
     static void Forget(LV2_Handle handle);  // the host's share ends
 
-    Instance(double rate, LV2_URID sequence, LV2_URID midiEvent, const LV2_Worker_Schedule* schedule);
+    Instance(double rate, MidiPort midiPort, const LV2_Worker_Schedule* schedule);
     Instance(const Instance&) = delete;
     Instance& operator=(const Instance&) = delete;
 
     void Connect(std::uint32_t port, void* place);
-    void Activate() { object.Resume(); }
-    void Deactivate() { object.Suspend(); }
+    void Activate() { hosted.Resume(); }
+    void Deactivate() { hosted.Suspend(); }
     void Run(std::uint32_t frames);
-    void Work() { worker.Work(); }
+    void Work() { hosted.Work(); }
 
     // --- for the window, [ui] ---
     bool TakeWindow() { return !windowIsTaken.exchange(true); }  // false when there is one already
     void LeaveWindow() { windowIsTaken = false; }
     void WindowShows(bool shows);
-    HostedObject& Object() { return object; }
-    // Made in the window, or by a device that was not to be had.
-    Mailbox& ChangesForHost() { return forHost; }
+    HostedObject& Object() { return hosted.Object(); }
+    Mailbox& ChangesForHost() { return hosted.ChangesForHost(); }
     float Known(std::int32_t index) const { return known[static_cast<std::size_t>(index)]; }
     bool HostHasLeft() const { return hostHasLeft; }
 
@@ -60,24 +59,20 @@ private:
     void TakeChangesOfTheWindow();
     void TakePorts();
     void TakeHearing();
-    void EventsSent(const VstEvents& events) override { gatherer.Take(events); }
     void ParameterEdited(std::int32_t index, float value) override;
     bool FellBack(std::int32_t index, float value) override;
 
-    const std::int64_t patience;  // frames that a port may take for an echo
-    std::int64_t clock = 0;       // frames run; of the audio thread
+    const std::int64_t echoFrames;  // frames that a port may take for an echo
+    std::int64_t clock = 0;         // frames run; of the audio thread
     std::array<Control, parameterCount> controls;
     std::array<Relaxed<float>, parameterCount> known;  // what the object has, as far as ports and window go
     std::array<Control, portCount - portEar> hearing;  // begins as the object does: all 0
     const float* audioIn = nullptr;
     float* audioOut = nullptr;
-    LV2_Atom_Sequence* midi = nullptr;
-    Mailbox forRun;   // changes from the window
-    Mailbox forHost;  // the same, and devices that were not to be had
+    MidiPort midi;
+    Mailbox forRun;  // changes from the window
     std::atomic<bool> windowIsTaken{false};
     Relaxed<bool> windowShows = false;
     Relaxed<bool> hostHasLeft = false;
-    EventGatherer gatherer;
-    HostedObject object;  // calls back into what stands above
-    DeviceWorker worker;  // last: it may have a thread
+    HostedInstance hosted;  // last: it calls back into what stands above
 };

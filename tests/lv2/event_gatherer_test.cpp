@@ -1,8 +1,9 @@
-#include "lv2/event_gatherer.h"
+#include "hosting/event_gatherer.h"
 
 #include <memory>
 #include <thread>
 
+#include "lv2/midi_port.h"
 #include "tests/lv2/lv2_host.h"
 
 namespace {
@@ -32,36 +33,43 @@ protected:
     void SendFromElsewhere(std::uint32_t message) {
         std::thread([&] { Send(50, message); }).join();
     }
-    Lv2Events End(std::uint32_t frames = 100, std::uint32_t capacity = midiPortBytes) {
+    void Begin(std::uint32_t frames = 100) { gatherer->BeginRun(frames); }
+    Lv2Events End(std::uint32_t capacity = midiPortBytes) {
         std::vector<std::uint64_t> buffer(midiPortBytes / 8 + 1);
         auto& sequence = *reinterpret_cast<LV2_Atom_Sequence*>(buffer.data());
         sequence.atom = {capacity, 0};
-        gatherer->EndRun(frames, &sequence);
+        EndInto(sequence);
         return EventsOf(sequence, 2);
     }
+    void EndInto(LV2_Atom_Sequence& sequence) {
+        MidiPort port(1, 2);
+        port.Connect(&sequence);
+        port.Begin();
+        gatherer->EndRun([&](auto frame, auto message) { return port.Write(frame, message); });
+    }
     Lv2Events Run() {
-        gatherer->BeginRun();
+        Begin();
         return End();
     }
-    const std::unique_ptr<EventGatherer> gatherer = std::make_unique<EventGatherer>(1, 2);
+    const std::unique_ptr<EventGatherer> gatherer = std::make_unique<EventGatherer>();
 };
 
 TEST_F(Gatherer, DatesEventsInsideTheRunAndKeepsTheOrderOfEqualDates) {
-    gatherer->BeginRun();
+    Begin();
     Send(99, on60);
     Send(100, on61);  // behind the last frame: clamped to 99
     Send(-3, off61);  // before the first: clamped to 0
     Send(0, off60);
     EXPECT_EQ(End(), (Lv2Events{Out(0, off61), Out(0, off60), Out(99, on60), Out(99, on61)}));
-    gatherer->BeginRun();
+    Begin();
     gatherer->BeginBlock(40);
     Send(-30, on60);  // 40 - 30
     Send(1, program5);
     Send(2, 0);  // of a band without a note
     EXPECT_EQ(End(), (Lv2Events{Out(10, on60), Out(41, program5)}));
-    gatherer->BeginRun();
+    Begin(0);
     Send(0, on60);
-    EXPECT_EQ(End(0), Lv2Events());  // a run without frames has no place for it
+    EXPECT_EQ(End(), Lv2Events());  // a run without frames has no place for it
     EXPECT_EQ(Run(), Lv2Events{Out(0, on60)});
 }
 
@@ -69,12 +77,12 @@ TEST_F(Gatherer, WhatComesFromElsewhereIsOutAtTheNextRunsBeginningAndIsNotOverta
     Send(7, on60);  // between runs, though by the same thread
     SendFromElsewhere(off60);
     EXPECT_EQ(Run(), (Lv2Events{Out(0, on60), Out(0, off60)}));
-    gatherer->BeginRun();
+    Begin();
     Send(20, on60);
     SendFromElsewhere(off60);
     EXPECT_EQ(End(), Lv2Events{Out(20, on60)});
     EXPECT_EQ(Run(), Lv2Events{Out(0, off60)});
-    gatherer->BeginRun();
+    Begin();
     SendFromElsewhere(on60);
     Send(20, off60);  // its end, in the same run: must not come first
     EXPECT_EQ(End(), Lv2Events());
@@ -83,19 +91,19 @@ TEST_F(Gatherer, WhatComesFromElsewhereIsOutAtTheNextRunsBeginningAndIsNotOverta
 
 // 8 bytes of body and 24 for each event: 16 for its head, 3 for the message, padded to a multiple of 8.
 TEST_F(Gatherer, WhatDoesNotFitWaits) {
-    gatherer->BeginRun();
+    Begin();
     Send(30, on60);
     Send(10, on61);
     Send(40, off60);
-    EXPECT_EQ(End(100, 8 + 24 + 23), Lv2Events{Out(10, on61)});
-    gatherer->BeginRun();
+    EXPECT_EQ(End(8 + 24 + 23), Lv2Events{Out(10, on61)});
+    Begin();
     Send(5, off61);
-    EXPECT_EQ(End(100, 8 + 2 * 24), (Lv2Events{Out(0, on60), Out(0, off60)}));
+    EXPECT_EQ(End(8 + 2 * 24), (Lv2Events{Out(0, on60), Out(0, off60)}));
     EXPECT_EQ(Run(), Lv2Events{Out(0, off61)});
-    gatherer->BeginRun();
+    Begin();
     Send(3, on60);
     LV2_Atom_Sequence tiny{{7, 0}, {11, 12}};  // without room for its head: left as it is
-    gatherer->EndRun(100, &tiny);
+    EndInto(tiny);
     EXPECT_EQ(tiny.atom.size, 0U);
     EXPECT_EQ(tiny.body.unit, 11U);
     EXPECT_EQ(Run(), Lv2Events{Out(0, on60)});
@@ -121,7 +129,7 @@ TEST_F(Gatherer, TakesFromManyThreadsAtOnce) {
     for (std::uint32_t round = 0; round <= 100; ++round) {
         if (round == 100)
             for (std::thread& writer : writers) writer.join();
-        gatherer->BeginRun();
+        Begin();
         if (round < 100) Send(20, 0x640094 | round << 8);
         for (const Lv2Event& event : End()) all.push_back(event);
     }

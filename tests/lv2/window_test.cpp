@@ -136,7 +136,7 @@ protected:
         return written.empty() ? -1 : written.back().value;
     }
     float Object(std::int32_t parameter) const {
-        return Instance::Find(host->handle)->Object().Get(parameter);
+        return Instance::Find(host->handle)->Object().Parameter(parameter);
     }
     // Runs of 441 frames each; in the tests' host, 10 ms.
     void RunFor(int hundredths) {
