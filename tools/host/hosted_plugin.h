@@ -5,17 +5,17 @@
 #include <vector>
 
 #include "base/relaxed.h"
+#include "hosting/plugin_host.h"
 #include "tools/host/ear_settings.h"
 #include "tools/host/plugin_module.h"
 #include "tools/host/take.h"
-#include "vst2/records.h"
 
 // Among the parameters, the equalizer bars of our own plug-in.
 inline constexpr std::int32_t firstBar = 3, bars = 84;
 inline constexpr std::int32_t paramActivePage = 92;
 
-// One instance of a plug-in and the host that it talks to: the host's answers, the life of the instance, and
-// the date of each event it sends.
+// One instance of a loaded plug-in in this program's host: the life of the instance, and the date of each
+// event that it sends.
 //
 // Order of calls: construction opens, Start sets rate and block size and resumes, Process any number of
 // times, Stop suspends, at which the plug-in ends the notes that still sound; destruction closes.
@@ -24,7 +24,7 @@ inline constexpr std::int32_t paramActivePage = 92;
 // it. The plug-in sends events from inside its construction, Process and Stop, or from a call on another
 // thread, and the sink is called there. Errors: std::runtime_error when the plug-in refuses or cannot do what
 // is asked of it here.
-class HostedPlugin {
+class HostedPlugin final : public PluginHost {
 public:
     using EventSink = std::function<void(const TimedEvent&)>;
 
@@ -32,8 +32,6 @@ public:
     // The sink may be empty. The module must outlive this.
     HostedPlugin(const PluginModule& module, std::int32_t newRate, std::string newVendor, EventSink newSink);
     ~HostedPlugin();
-    HostedPlugin(const HostedPlugin&) = delete;
-    HostedPlugin& operator=(const HostedPlugin&) = delete;
 
     void Start(std::int32_t blockSize);  // samples; later blocks may be shorter
     // At most blockSize samples. Of what comes out, `out` gets the first output, unless it is null.
@@ -44,33 +42,18 @@ public:
     void Change(std::int32_t newRate, std::int32_t blockSize);
 
     std::int64_t SamplesDelivered() const { return delivered; }
-    const AEffect& Record() const { return *effect; }
-    void SetParameter(std::int32_t index, float value) { effect->setParameter(effect, index, value); }
-    float Parameter(std::int32_t index) const { return effect->getParameter(effect, index); }
     // Sets ear, threshold and level, as far as the plug-in knows of them. Errors: see EarSettings.
     void SetEar(const EarSettings& settings) const;
     // Asks for the level of each note at its end, of a plug-in that knows of it.
     void AskForLevels() { asksForLevels = true; }
     void SetLevel(float dB) const;  // [audio]
-    // What the plug-in writes in answer to one of the opcodes that ask for a text; empty if nothing.
-    std::string Text(std::int32_t opcode, std::int32_t index = 0) const;
-    // What it says of a capability: 1 yes, -1 no, 0 nothing.
-    std::int32_t CanDo(std::string capability) const;
-    std::intptr_t Dispatch(std::int32_t opcode, std::int32_t index = 0, std::intptr_t value = 0,
-                           void* ptr = nullptr, float opt = 0) const;
 
 private:
-    static std::intptr_t HostCallback(AEffect* effect, std::int32_t opcode, std::int32_t index,
-                                      std::intptr_t value, void* ptr, float opt);
-    std::intptr_t Answer(std::int32_t opcode, void* ptr);
-    void Receive(const VstEvents& events);
+    void EventsSent(const VstEvents& events) override;
     void Announce(std::int32_t blockSize);
 
-    AEffect* effect = nullptr;  // the plug-in's own, until effClose
     bool asksForLevels = false;
     bool runs = false;  // between Start and Stop
-    Relaxed<std::int32_t> rate;
-    std::string vendor;
     EventSink sink;
     Relaxed<std::int64_t> delivered = 0;  // samples given before the block in progress
     std::vector<float> output;            // one block for each of the plug-in's outputs

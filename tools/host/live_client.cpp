@@ -4,6 +4,7 @@
 #include <jack/midiport.h>
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <cerrno>
 #include <functional>
@@ -59,11 +60,14 @@ struct LiveClient::Link {
         auto* const passed = static_cast<float*>(jack_port_get_buffer(out, frames));
         void* const notes = jack_port_get_buffer(midi, frames);
         jack_midi_clear_buffer(notes);
-        plugin->Process(heard, passed, frames, [notes](const PeriodEvents::Event& event) {
-            const std::size_t length = ShortMessageLength(event.bytes[0]);
+        plugin->Process(heard, passed, frames, [notes](std::uint32_t frame, std::uint32_t message) {
+            const std::size_t length = ShortMessageLength(message & 0xFFU);
+            const std::array<jack_midi_data_t, 3> bytes = {static_cast<jack_midi_data_t>(message),
+                                                           static_cast<jack_midi_data_t>(message >> 8),
+                                                           static_cast<jack_midi_data_t>(message >> 16)};
             // Asked first: the library would complain, which takes its time.
             return jack_midi_max_event_size(notes) >= length &&
-                   jack_midi_event_write(notes, event.frame, event.bytes.data(), length) == 0;
+                   jack_midi_event_write(notes, frame, bytes.data(), length) == 0;
         });
         return 0;
     }

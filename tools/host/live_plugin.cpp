@@ -2,13 +2,6 @@
 
 #include <algorithm>
 
-namespace {
-
-// The one whose block this thread is in: tells messages from inside the block from those of other threads.
-thread_local const LivePlugin* hearing = nullptr;
-
-}  // namespace
-
 // The longest period is announced first, so that every buffer is there whatever the server changes to.
 LivePlugin::LivePlugin(const PluginModule& module, std::int32_t newRate, std::int32_t newPeriod,
                        const std::vector<ParameterSetting>& parameters, const EarSettings& ear)
@@ -23,20 +16,16 @@ LivePlugin::LivePlugin(const PluginModule& module, std::int32_t newRate, std::in
 }
 
 void LivePlugin::HearPeriod(const float* in, float* out, std::uint32_t frames) {
-    events.Begin(frames);
     periodStart = plugin.SamplesDelivered();
-    for (; outside.Ready(); outside.Pop())
-        if (!events.Add(0, outside.Front().bytes)) ++lost;
+    events.BeginRun(frames);
     if (stopped.load() || plugin.Record().numOutputs == 0) std::copy_n(in, frames, out);
     if (stopped.load()) return;
     if (followsLevel) FollowLevel(in, frames);
-    hearing = this;
     for (std::uint32_t at = 0; at < frames;) {
         const std::uint32_t count = std::min<std::uint32_t>(frames - at, longestBlock);
         plugin.Process(in + at, static_cast<std::int32_t>(count), out + at);
         at += count;
     }
-    hearing = nullptr;
 }
 
 void LivePlugin::FollowLevel(const float* in, std::uint32_t frames) {
@@ -45,10 +34,10 @@ void LivePlugin::FollowLevel(const float* in, std::uint32_t frames) {
 
 // Three zero bytes, where the plug-in had no note, are no MIDI.
 void LivePlugin::Receive(const TimedEvent& event) {
-    if (event.bytes[0] < 0x80) return;
-    const bool taken =
-        hearing == this ? events.Add(event.sample - periodStart, event.bytes) : outside.Push(event);
-    if (!taken || !sent.Push(event)) ++lost;
+    const auto& [status, first, second] = event.bytes;
+    if (status < 0x80) return;
+    const std::uint32_t message = status | std::uint32_t{first} << 8 | std::uint32_t{second} << 16;
+    if (!events.Take(event.sample - periodStart, message) || !sent.Push(event)) ++lost;
 }
 
 void LivePlugin::Change(std::int32_t newRate, std::int32_t newPeriod) {

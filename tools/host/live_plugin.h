@@ -4,9 +4,9 @@
 #include <vector>
 
 #include "devices/message_ring.h"
+#include "hosting/event_gatherer.h"
 #include "tools/host/hosted_plugin.h"
 #include "tools/host/level_follower.h"
-#include "tools/host/period_events.h"
 #include "tools/host/renderer.h"
 
 // An instance between an audio input and a MIDI output that never stand still: block by block on the thread
@@ -24,12 +24,12 @@ public:
     LivePlugin(const LivePlugin&) = delete;
     LivePlugin& operator=(const LivePlugin&) = delete;
 
-    // [audio] One period of audio, passed on to `out`. `write` gets the period's messages in order, each a
-    // PeriodEvents::Event of three bytes, and answers whether there was room.
+    // [audio] One period of audio, passed on to `out`. `write` gets frame and short message of the period's
+    // events in order, and returns false when there was no space.
     template <typename Write>
     void Process(const float* in, float* out, std::uint32_t frames, Write write) {
         HearPeriod(in, out, frames);
-        events.Flush(write);
+        events.EndRun(write);
         ++periods;
     }
 
@@ -43,8 +43,8 @@ public:
     std::int32_t Rate() const { return rate; }                // Hz
     std::int32_t Period() const { return period; }            // samples
     std::uint64_t Periods() const { return periods.load(); }  // that have been heard so far
-    std::uint64_t Lost() const { return lost.load(); }        // messages, for want of room
-    bool AllSent() const { return !outside.Ready(); }
+    std::uint64_t Lost() const { return lost.load(); }        // messages, for want of space
+    bool AllSent() const { return events.AllOut(); }
     // The next message the plug-in has sent, with its own date, in the order of sending; false if there is
     // none.
     bool Next(TimedEvent& event);
@@ -55,13 +55,12 @@ private:
     void Receive(const TimedEvent& event);
 
     // Far more than the messages of 33 ms, the time between two looks of the main thread.
-    MessageRing<TimedEvent, 4096> sent;     // all that was sent, for Next
-    MessageRing<TimedEvent, 4096> outside;  // what was sent outside of a block, for the next period
-    PeriodEvents events;                    // audio thread only
-    const bool followsLevel;                // --level auto
-    LevelFollower follower;                 // audio thread only
-    std::int64_t periodStart = 0;           // audio thread only: sample
-    std::atomic<bool> stopped{false};       // set by Stop, read by the audio thread
+    MessageRing<TimedEvent, 4096> sent;  // all that was sent, for Next
+    EventGatherer events;
+    const bool followsLevel;           // --level auto
+    LevelFollower follower;            // audio thread only
+    std::int64_t periodStart = 0;      // audio thread only: sample
+    std::atomic<bool> stopped{false};  // set by Stop, read by the audio thread
     std::atomic<std::uint64_t> periods{0};
     std::atomic<std::uint64_t> lost{0};
     Relaxed<std::int32_t> rate;
