@@ -44,25 +44,14 @@ TEST_F(SaveDialog, IsMadeToWhereItsProgramIgnoresItsOwner) {
     const xcb_window_t dialog = xcb_generate_id(host->connection);
     xcb_create_window(host->connection, XCB_COPY_FROM_PARENT, dialog, host->screen->root, 0, 0, 9, 9, 0,
                       XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
-    const auto set = [&](xcb_window_t window, const std::string& property, xcb_atom_t type,
-                         std::uint32_t word) {
-        const XcbReply<xcb_intern_atom_reply_t> atom(xcb_intern_atom_reply(
-            host->connection,
-            xcb_intern_atom(host->connection, 0, static_cast<std::uint16_t>(property.size()),
-                            property.data()),
-            nullptr));
-        xcb_change_property(host->connection, XCB_PROP_MODE_REPLACE, window, atom->atom, type, 32, 1, &word);
+    const auto set = [&](xcb_window_t window, const char* property, xcb_atom_t type, std::uint32_t word) {
+        xcb_change_property(host->connection, XCB_PROP_MODE_REPLACE, window, host->Atom(property), type, 32,
+                            1, &word);
     };
     set(dialog, "_NET_WM_PID", XCB_ATOM_CARDINAL, process);
     set(host->screen->root, "_NET_CLIENT_LIST", XCB_ATOM_WINDOW, dialog);
     host->Sync();
-    EXPECT_TRUE(host->Await([&] {
-        const XcbReply<xcb_get_property_reply_t> owner(xcb_get_property_reply(
-            host->connection,
-            xcb_get_property(host->connection, 0, dialog, XCB_ATOM_WM_TRANSIENT_FOR, XCB_ATOM_WINDOW, 0, 1),
-            nullptr));
-        return xcb_get_property_value_length(owner.get()) == 4 &&
-               *static_cast<xcb_window_t*>(xcb_get_property_value(owner.get())) == host->parent;
-    }));
+    const std::string owner(reinterpret_cast<const char*>(&host->parent), sizeof host->parent);
+    EXPECT_TRUE(host->Await([&] { return host->Property(dialog, "WM_TRANSIENT_FOR") == owner; }));
     setenv("PATH", "/usr/local/bin:/usr/bin:/bin", 1);
 }

@@ -5,6 +5,7 @@ target_compile_definitions(test_host PRIVATE
   ORVA_HOST_PROGRAM="$<TARGET_FILE:orva-host>"
   ORVA_MODULE="$<TARGET_FILE:orva_vst>"
   ORVA_COMPLETION="${PROJECT_SOURCE_DIR}/packaging/orva-host.bash"
+  ORVA_GOLDEN="${CMAKE_CURRENT_SOURCE_DIR}/host/golden"
   ORVA_RECORDINGS="${PROJECT_SOURCE_DIR}/recordings")
 # A JACK server of its own receives notes.
 pkg_check_modules(JACK_TEST REQUIRED IMPORTED_TARGET jack)

@@ -27,24 +27,7 @@ protected:
         kill(program, SIGKILL);
         waitpid(program, nullptr, 0);
     }
-    std::string Property(const std::string& name) const {
-        const XcbReply<xcb_intern_atom_reply_t> atom(xcb_intern_atom_reply(
-            display.connection,
-            xcb_intern_atom(display.connection, 0, static_cast<std::uint16_t>(name.size()), name.data()),
-            nullptr));
-        const XcbReply<xcb_get_property_reply_t> reply(xcb_get_property_reply(
-            display.connection,
-            xcb_get_property(display.connection, 0, display.parent, atom->atom, XCB_ATOM_ANY, 0, 65536),
-            nullptr));
-        return {static_cast<const char*>(xcb_get_property_value(reply.get())),
-                static_cast<std::size_t>(xcb_get_property_value_length(reply.get()))};
-    }
-    std::vector<std::uint32_t> Words(const std::string& name) const {
-        const std::string bytes = Property(name);
-        std::vector<std::uint32_t> words(bytes.size() / 4);
-        std::copy_n(bytes.data(), words.size() * 4, reinterpret_cast<char*>(words.data()));
-        return words;
-    }
+    std::string Property(const std::string& name) const { return display.Property(display.parent, name); }
 
     DisplayServer server;
     TempFolder folder;
@@ -57,11 +40,12 @@ protected:
 TEST_F(HostWindow, IsKnownToTheDesktopByClassProcessAndIcon) {
     ASSERT_TRUE(AwaitThat([this] { return !Property("_NET_WM_ICON").empty(); }));
     EXPECT_EQ(Property("WM_CLASS"), std::string("orva-host\0Orva-host\0", 20));
-    EXPECT_EQ(Words("_NET_WM_PID"), std::vector<std::uint32_t>{static_cast<std::uint32_t>(program)});
-    const std::vector<std::uint32_t> icon = Words("_NET_WM_ICON");
-    ASSERT_EQ(icon.size(), 2U + 64U * 64U);
-    EXPECT_EQ(icon[2] >> 24, 0U);                   // a corner, outside of the disc
-    EXPECT_EQ(icon[2 + 32 * 64 + 61] >> 24, 255U);  // within it
+    EXPECT_EQ(Property("_NET_WM_PID"), std::string(reinterpret_cast<const char*>(&program), 4));
+    const std::string icon =
+        Property("_NET_WM_ICON");  // words: width, height, pixels, of which alpha is last
+    ASSERT_EQ(icon.size(), 4U * (2 + 64 * 64));
+    EXPECT_EQ(icon[4 * 2 + 3], '\0');                     // a corner, outside of the disc
+    EXPECT_EQ(icon[4 * (2 + 32 * 64 + 61) + 3], '\xFF');  // within it
 }
 
 // The green mark of a host that takes MIDI, and not the orange one of a host that has not asked.

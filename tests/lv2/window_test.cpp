@@ -32,19 +32,12 @@ public:
     // The first slider, as it is drawn.
     std::vector<std::uint8_t> SliderPixels() const { return Pixels(22, 67, 22, 216); }
     void CloseByManager(xcb_window_t window) const {
-        const auto atom = [this](const char* name) {
-            const XcbReply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
-                connection,
-                xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(std::strlen(name)), name),
-                nullptr));
-            return reply->atom;
-        };
         xcb_client_message_event_t message{};
         message.response_type = XCB_CLIENT_MESSAGE;
         message.format = 32;
         message.window = window;
-        message.type = atom("WM_PROTOCOLS");
-        message.data.data32[0] = atom("WM_DELETE_WINDOW");
+        message.type = Atom("WM_PROTOCOLS");
+        message.data.data32[0] = Atom("WM_DELETE_WINDOW");
         xcb_send_event(connection, 0, window, 0, reinterpret_cast<const char*>(&message));
         xcb_flush(connection);
     }

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <memory>
 #include <stdexcept>
+#include <string>
 #include <vector>
 
 template <typename T>
@@ -59,6 +60,19 @@ public:
         std::vector<xcb_window_t> windows(reply->children_len);
         std::copy_n(xcb_query_tree_children(reply.get()), windows.size(), windows.begin());
         return windows;
+    }
+    xcb_atom_t Atom(const std::string& name) const {
+        const auto length = static_cast<std::uint16_t>(name.size());
+        const auto asked = xcb_intern_atom(connection, 0, length, name.data());
+        const XcbReply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(connection, asked, nullptr));
+        return reply->atom;
+    }
+    // The bytes of a window's property; none where it has no such one.
+    std::string Property(xcb_window_t of, const std::string& name) const {
+        const auto asked = xcb_get_property(connection, 0, of, Atom(name), XCB_ATOM_ANY, 0, 65536);
+        const XcbReply<xcb_get_property_reply_t> reply(xcb_get_property_reply(connection, asked, nullptr));
+        return {static_cast<const char*>(xcb_get_property_value(reply.get())),
+                static_cast<std::size_t>(xcb_get_property_value_length(reply.get()))};
     }
     // Four bytes a pixel: blue, green, red, unused.
     std::vector<std::uint8_t> Pixels(int x, int y, int width, int height) const {

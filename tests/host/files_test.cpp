@@ -1,0 +1,144 @@
+// The places of files, their lists, and the settings that the command line names.
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <cmath>
+#include <map>
+
+#include "tests/support/temp_folder.h"
+#include "tools/host/audio_folder.h"
+#include "tools/host/file_list.h"
+#include "tools/host/output_file.h"
+#include "tools/host/printable.h"
+#include "tools/host/starting_points.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using Names = std::vector<std::string>;
+
+// A link that leads upwards would be followed for ever.
+TEST(AudioFolder, FindsRecordingsAtAnyDepthAndNothingElse) {
+    const TempFolder folder;
+    for (const char* const name : {"b/x.Flac", "b/deep/er/y.mp3", "a.wav", "notes.txt", "z.opus.part", "wav",
+                                   ".hidden.wav", ".cache/c.wav", "b/take.wav/z.ogg"}) {
+        fs::create_directories(fs::path(folder / name).parent_path());
+        WriteAll(folder / name, "");
+    }
+    fs::create_directory_symlink(folder.path, folder / "b/up");
+    fs::create_symlink(folder / "a.wav", folder / "b/link.wav");
+    EXPECT_EQ(RecordingsIn(folder.path.string()),
+              (Names{folder / "a.wav", folder / "b/deep/er/y.mp3", folder / "b/link.wav",
+                     folder / "b/take.wav/z.ogg", folder / "b/x.Flac"}));
+    EXPECT_EQ(WithFoldersSearched({folder / "none.wav", folder / ".cache"}),
+              (Names{folder / "none.wav", folder / ".cache/c.wav"}));
+}
+
+TEST(FileList, HasANameALineOrUpToEachZeroByte) {
+    EXPECT_EQ(SplitFileList("a.wav\n\n b c.wav\nd.wav"), (Names{"a.wav", " b c.wav", "d.wav"}));
+    EXPECT_EQ(SplitFileList(std::string("a\nb.wav\0c.wav\0", 14)), (Names{"a\nb.wav", "c.wav"}));
+    EXPECT_EQ(SplitFileList("\xEF\xBB\xBF#EXTM3U\r\n#EXTINF:1\r\na.wav\r\n"), Names{"a.wav"});
+    EXPECT_EQ(SplitFileList("#1.wav\r\n"), Names{"#1.wav"});
+    EXPECT_EQ(SplitFileList(""), Names{});
+    EXPECT_THROW(ReadFileList("/"), std::runtime_error);
+    EXPECT_EQ(Printable("a\x1b[2Jb\n\xc2\x9b\xff \xc3\xa9\\"), "a\\x1b[2Jb\\x0a\\xc2\\x9b\\xff \xc3\xa9\\");
+    EXPECT_EQ(Printable("\xed\xa0\x80"), "\\xed\\xa0\\x80");  // a surrogate
+}
+
+TEST(OutputFile, ReplacesTheOldOneWholeOrNotAtAllAndKeepsItsPermissions) {
+    const TempFolder folder;
+    const std::string real = folder / std::string(255, 'n'), link = folder / "link";  // the longest name
+    WriteAll(real, "a longer text than the new one");
+    ASSERT_EQ(chmod(real.c_str(), 0640), 0);
+    fs::create_symlink(fs::path(real).filename(), link);
+    WriteWhole(link, "new");
+    EXPECT_TRUE(fs::is_symlink(link));
+    EXPECT_EQ(ReadAll(real), "new");
+    EXPECT_EQ(fs::status(real).permissions(), static_cast<fs::perms>(0640));
+    fs::create_directory(folder / "taken");
+    for (const std::string& impossible :
+         {folder / "no/folder.csv", std::string("/dev/full"), folder / "taken"})
+        EXPECT_THROW(WriteWhole(impossible, "x"), std::runtime_error);
+    EXPECT_EQ(folder.Files(), 3U);  // no draft is left
+
+    const fs::path sound = folder / "a.wav", notes = folder / "a.mid";
+    WriteAll(notes, "notes");
+    EXPECT_FALSE(IsUpToDate(notes, sound));  // there is no recording to compare it with
+    WriteAll(sound, "sound");
+    for (const int later : {0, 1}) {  // s
+        fs::last_write_time(sound, fs::last_write_time(notes) + std::chrono::seconds(later));
+        EXPECT_EQ(IsUpToDate(notes, sound), later == 0);
+    }
+}
+
+TEST(OutputFile, EachRecordingHasItsOwnAndNoneIsReplaced) {
+    const TempFolder folder;
+    const fs::path inside = folder.path;
+    WriteAll(folder / "a.wav", "sound");
+    const struct {
+        Names recordings;
+        fs::path target;
+        std::vector<fs::path> paths;  // none: refused
+    } rows[] = {
+        {{"x/a.wav"}, "out.csv", {"out.csv"}},
+        {{"x/a.wav", "y/b.c.ogg"}, inside, {inside / "a.csv", inside / "b.c.csv"}},
+        {{"x/a.wav", "c.flac", "/d/{dir}.wav"},
+         "out/{dir}/{name}-{name}.mid",
+         {"out/x/a-a.mid", "out/./c-c.mid", "out//d/{dir}-{dir}.mid"}},
+        {{"a.wav", "b.wav"}, "out.csv", {}},
+        {{"x/a.wav", "y/a.ogg"}, inside, {}},
+        {{"a.wav", "./a.ogg"}, "{dir}/{name}.mid", {}},
+        {{folder / "a.wav"}, inside / "." / "a.wav", {}},
+    };
+    for (const auto& [recordings, target, paths] : rows)
+        if (paths.empty())
+            EXPECT_THROW(OutputPaths(recordings, target, ".csv"), std::invalid_argument) << target;
+        else
+            EXPECT_EQ(OutputPaths(recordings, target, ".csv"), paths);
+}
+
+TEST(OutputFile, WhatWouldBeLostByMistakeIsRefused) {
+    const TempFolder folder;
+    const std::string sound = folder / "a.wav", midi = folder / "a.mid", list = folder / "list";
+    WriteAll(sound, "RIFFsound");
+    WriteAll(midi, "MThdnotes");
+    const struct {
+        Names outputs;
+        bool refused, evenByForce;
+    } rows[] = {{{midi, folder / "new.mid", "/dev/null", "/dev/null"}, false, false},
+                {{sound}, true, false},
+                {{list}, true, true},
+                {{""}, true, true},
+                {{"-"}, true, true},
+                {{"new.mid", "./new.mid"}, true, true}};
+    for (const auto& row : rows)
+        for (const bool force : {false, true}) {
+            std::vector<PlannedOutput> outputs;
+            for (const std::string& path : row.outputs) outputs.push_back({"--midi", path, midiFirstBytes});
+            if (force ? row.evenByForce : row.refused)
+                EXPECT_THROW(GuardOutputs(outputs, {list}, force), std::invalid_argument) << row.outputs[0];
+            else
+                EXPECT_NO_THROW(GuardOutputs(outputs, {list}, force)) << row.outputs[0];
+        }
+}
+
+// Bar 0 is C1, MIDI note 24, and parameter 3. The open bars fall by so many dB an octave, and 20 dB are a
+// factor of ten in amplitude.
+TEST(StartingPoints, SetTwoThresholdsAndShutTheBarsOutsideTheirInstrument) {
+    for (const StartingPoint& point : StartingPoints()) {
+        std::map<int, float> values;  // by parameter
+        for (const ParameterSetting& setting : SettingsFor(point.name)) values[setting.index] = setting.value;
+        ASSERT_EQ(values.size(), 2U + 84U) << point.name;
+        EXPECT_EQ(values[0], point.polyphony);
+        EXPECT_EQ(values[1], point.sensitivity);
+        for (int note = 24; note < 24 + 84; ++note) {
+            const bool open = note >= point.lowest && note <= point.highest;
+            const double decibels = -point.slant * (note - point.lowest) / 12.0;
+            EXPECT_NEAR(values[note - 21], open ? std::pow(10, decibels / 20) : 0, 1e-6)
+                << point.name << note;
+        }
+    }
+    EXPECT_THROW(SettingsFor("kazoo"), std::invalid_argument);
+}
+
+}  // namespace
