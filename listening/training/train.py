@@ -1,10 +1,11 @@
 #!/usr/bin/python3
 """Trains the net on the clips of a folder and writes its weights as text.
 
-    train.py DATA WEIGHTS MINUTES [START] [--without SOURCE,...] [--rate R]
+    train.py DATA WEIGHTS MINUTES [START] [--without SOURCE,...] [--rate R] [--steps N]
 
 WEIGHTS is written anew every 200 steps. START: weights to begin with, else chance. Clips that are still being made
-join as they come. One thread unless OMP_NUM_THREADS says otherwise.
+join as they come. --steps: stop after N steps, not by the clock, so that two runs can be compared. One thread unless
+OMP_NUM_THREADS says otherwise.
 """
 
 import argparse
@@ -100,7 +101,7 @@ def train(options):
     weights = torch.tensor(HEAD_WEIGHTS)[None, :, None, None]
     emphasis = torch.tensor([ONSET_WEIGHT] * len(LOOK) + [1.0])[None, :, None, None]
     began, step, losses = time.time(), 0, []
-    while (done := (time.time() - began) / 60 / options.minutes) < 1:
+    while (done := step / options.steps if options.steps else (time.time() - began) / 60 / options.minutes) < 1:
         rate = options.rate * min(1, (step + 20) / 200) * (0.5 + 0.5 * np.cos(np.pi * done)) + 1e-5
         for group in optimizer.param_groups:
             group["lr"] = rate
@@ -140,4 +141,5 @@ if __name__ == "__main__":
     parser.add_argument("--without", default="")
     parser.add_argument("--rate", type=float, default=4e-3)
     parser.add_argument("--seed", type=int, default=1)
+    parser.add_argument("--steps", type=int)
     train(parser.parse_args())
