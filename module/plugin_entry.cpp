@@ -13,6 +13,7 @@ AEffect* OpenPlugin(audioMasterCallback host) noexcept {
         if (host(nullptr, audioMasterVersion, 0, 0, nullptr, 0) == 0) return nullptr;
         auto effect = std::make_unique<CORVAguivstEx>(host, MakeGuiEditor);
         if (editorCreationFailed) return nullptr;
+        effect->usePreferredHearing();
         return effect.release()->getAeffect();
     } catch (...) {
         return nullptr;

@@ -211,6 +211,11 @@ void CORVAguivst::ChordChanged() {
 
 // --- for the editor ---
 
+void CORVAguivst::usePreferredHearing() {
+    setHearing(ReadPreferredHearing());
+    hearingIsPreferred = true;
+}
+
 void CORVAguivst::startRecording() {
     recording->Clear();
     recording->Prepare();

@@ -59,6 +59,11 @@ public:
     std::string currentChordText();
     void keepRoomAhead();  // tops up the recording's room; called at each idle and dispatcher call
 
+    // Follows the user's preferred hearing from now on, and has the editor offer it. For whoever makes the
+    // object in a host that has no control of its own for the ear; before the first block.
+    void usePreferredHearing();
+    bool prefersHearing() const { return hearingIsPreferred; }
+
     Relaxed<bool> recordingOn = false;      // the recording takes notes; changes under the recorder's lock
     Relaxed<float> equalizerBars[84];       // raw values of parameters 3 to 86
     Relaxed<float> instrumentValue = 0.0F;  // raw values of parameters 87, 90, 92, 94, 95
@@ -88,6 +93,7 @@ private:
     void DeviceFellBack(std::int32_t index, float value) override { notifyEditor(index, value); }
     void DeviceOpened() override;
 
+    bool hearingIsPreferred = false;            // fixed once the object is made
     TRTRecording* recording = nullptr;          // owned by the recorder; always attached
     TChordsListener* chordsListener = nullptr;  // the same
     std::unique_ptr<IPluginEditor> editorObject;

@@ -338,8 +338,15 @@ void CORVA_vst::setEarThreshold(float logits) {
 }
 
 void CORVA_vst::setInputLevel(float dB) {
-    constexpr float furthest = 60;                                             // dB
-    inputGain = std::pow(10.0F, std::clamp(dB, -furthest, furthest) / 20.0F);  // 0 gives exactly 1
+    constexpr float furthest = 60;  // dB
+    inputLevel = std::clamp(dB, -furthest, furthest);
+    inputGain = std::pow(10.0F, inputLevel / 20.0F);  // 0 gives exactly 1
+}
+
+void CORVA_vst::setHearing(const Hearing& wanted) {
+    setEarThreshold(wanted.threshold);
+    setInputLevel(wanted.level);
+    setEar(wanted.ear);
 }
 
 bool CORVA_vst::HearsThroughSilence() const {

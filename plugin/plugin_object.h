@@ -10,6 +10,7 @@
 #include "engine/real_time_detector.h"
 #include "listening/refined_detector.h"
 #include "plugin/block_gate.h"
+#include "plugin/hearing.h"
 #include "vst2/audio_effect_x.h"
 #include "vst2/vendor_call.h"
 
@@ -82,6 +83,8 @@ public:
     void setEar(Ear ear);
     void setEarThreshold(float logits);
     void setInputLevel(float dB);
+    void setHearing(const Hearing& wanted);  // all three
+    Hearing hearing() const { return {ear, earThreshold, inputLevel}; }
 
     // For the output to the host.
     std::uint64_t GetTotalSamples() const override { return totalSamples; }
@@ -141,6 +144,7 @@ private:
     INoteDetector* heard = &detector;                 // behind the gate: what the recorder follows
     Relaxed<Ear> ear = Ear::classic;                  // as chosen last
     Relaxed<float> earThreshold = 0.0F;
-    std::mutex programNameGuard;  // never taken by a process call
+    Relaxed<float> inputLevel = 0.0F;  // dB, of inputGain
+    std::mutex programNameGuard;       // never taken by a process call
     char programName[kVstMaxProgNameLen];
 };
