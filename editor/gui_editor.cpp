@@ -88,6 +88,7 @@ bool guiEditor::MakeWindow(void* parent) {
 
     mailbox.drain([](std::int32_t, float) {});  // older than what is read now
     for (std::int32_t i = 0; i < firstNoParameter; ++i) window->setParameter(i, effect->getParameter(i));
+    window->ShowHearing(CurrentHearing());
     isEditorOpen = true;
     lastIdleTick = Ticks();
     blockWatch.Restart(effect->totalSamples, lastIdleTick);
@@ -146,6 +147,7 @@ void guiEditor::idle() {
                 if (blockWatch.HasStopped(effect->totalSamples, ticks))
                     std::fill(levels.begin(), levels.end(), 0);
                 window->update(levels);
+                window->ShowHearing(CurrentHearing());
             }
             AEffGUIEditor::idle();
             lastIdleTick = AdvanceIdleTick(lastIdleTick, steps);
@@ -218,6 +220,22 @@ std::vector<std::string> guiEditor::MidiDeviceNames() const {
     const std::uint32_t count = MidiOutDeviceCount();
     for (std::uint32_t i = 0; i < count; ++i) names.push_back(MidiOutDeviceName(i));
     return names;
+}
+
+bool guiEditor::OffersHearing() const {
+    return effect->prefersHearing();
+}
+
+Hearing guiEditor::CurrentHearing() const {
+    return effect->hearing();
+}
+
+void guiEditor::PreferHearing(const Hearing& wanted) {
+    const Hearing before = CurrentHearing();
+    effect->setHearing(wanted);
+    if (!StorePreferredHearing(before, wanted))
+        ShowMessage("This holds until the plug-in closes: it could not be stored with your settings.",
+                    "Error");
 }
 
 bool guiEditor::TakeMessage(const std::string& text, const std::string& caption) {

@@ -53,6 +53,12 @@ public:
     std::string ParameterDisplay(std::int32_t index, float value) const;  // as it will be with this value
     std::vector<std::string> MidiDeviceNames() const;                     // one a device, by index
 
+    // The hearing of this instance. It is chosen here where it is the user's preference; elsewhere the host
+    // has controls for it.
+    bool OffersHearing() const;
+    Hearing CurrentHearing() const;
+    void PreferHearing(const Hearing& wanted);  // by this instance at once, and by those to come
+
     // What leaves the window happens at the next idle call: within a control's own call the mouse is still
     // held.
     void ShowMessage(const std::string& text, const std::string& caption);

@@ -1,5 +1,6 @@
 #include "editor/plug_window.h"
 
+#include <algorithm>
 #include <string>
 
 #include "base/truncate.h"
@@ -9,6 +10,7 @@
 #include "editor/look.h"
 #include "editor/main_frame.h"
 #include "editor/options_frame.h"
+#include "editor/window_menu.h"
 #include "plugin/parameter_table.h"
 #include "vst2/records.h"
 #include "vstgui/lib/cbitmap.h"
@@ -19,7 +21,7 @@ using namespace VSTGUI;
 
 namespace {
 
-constexpr std::int32_t tagHelp = 4;
+constexpr std::int32_t tagHelp = 4, tagHearing = 6;
 constexpr std::int32_t indexActivePage = 92, indexChordsEnabled = 93, indexChordText = 98;
 constexpr float pageOffset = 2;              // parameter 92 is the page plus 2
 constexpr std::int32_t hiddenGesture = 537;  // tags above it come from the hidden gesture alone
@@ -32,7 +34,8 @@ struct PageButton {
 const PageButton pageButtonPlaces[] = {{{20, 15}, 117}, {{92, 15}, 116}, {{164, 15}, 114}, {{236, 15}, 115}};
 
 const CRect formArea(269, 48, 389, 300);
-const CRect chordArea(7, 7, 112, 43);  // within the form
+const CRect chordArea(7, 7, 112, 43);        // within the form
+const CRect hearingArea(96, 300, 258, 317);  // below the pages
 
 }  // namespace
 
@@ -41,6 +44,7 @@ CPlugWindow::CPlugWindow(const CRect& size, guiEditor* itsEditor, CBitmap* backg
     setBackground(background);
     AddPageButtons();
     AddForm();
+    AddHearingLabel();
     pages[0] = owned(static_cast<CORVAFrame*>(new CMainFrame(editor)));
     pages[1] = owned(static_cast<CORVAFrame*>(new CEqualizerFrame(editor)));
     pages[2] = owned(static_cast<CORVAFrame*>(new COptionsFrame(editor)));
@@ -77,6 +81,45 @@ void CPlugWindow::AddForm() {
     chordLabel->visible = false;
     formContainer->addView(chordLabel);
     addView(formContainer);
+}
+
+void CPlugWindow::AddHearingLabel() {
+    hearingLabel = new CLabel(hearingArea, this, tagHearing);
+    hearingLabel->setFont(EditorFont(11));
+    hearingLabel->setHoriAlign(kRightText);
+    hearingLabel->setMouseEnabled(false);
+    addView(hearingLabel);
+}
+
+void CPlugWindow::ShowHearing(const Hearing& hearing) {
+    const std::string text = HearingText(hearing);
+    if (text == hearingLabel->getText()) return;
+    hearingLabel->setText(text.c_str());
+    hearingLabel->setMouseEnabled(!text.empty());
+}
+
+void CPlugWindow::OpenMenu(CPoint where) {
+    constexpr CCoord menusWidth = 240;  // of a menu and one that it opens beside itself
+    where.x = std::min(where.x, getWidth() - menusWidth);
+    const auto menu = MakeWindowMenu(*editor);
+    getFrame()->doAfterEventProcessing([window = shared(this), menu, where] {
+        if (CFrame* const itsFrame = window->getFrame()) menu->popup(itsFrame, where);
+    });
+}
+
+void CPlugWindow::onMouseDownEvent(MouseDownEvent& event) {
+    CViewContainer::onMouseDownEvent(event);
+    if (event.consumed || !event.buttonState.isRight()) return;
+    menuIsDue = true;
+    event.consumed = true;
+}
+
+void CPlugWindow::onMouseUpEvent(MouseUpEvent& event) {
+    CViewContainer::onMouseUpEvent(event);
+    if (!menuIsDue) return;
+    menuIsDue = false;
+    OpenMenu(event.mousePosition);
+    event.consumed = true;
 }
 
 bool CPlugWindow::attached(CView* parent) {
@@ -142,6 +185,7 @@ void CPlugWindow::valueChanged(CControl* control) {
         if (control->getValue() == 0) editor->OpenHelp();  // released
         return;
     }
+    if (tag == tagHearing) return OpenMenu(control->getViewSize().getTopLeft());
     if (IsOn(control->getValue())) {
         showPage(tag);
         editor->valueChanged(indexActivePage, static_cast<float>(tag) + pageOffset);

@@ -4,6 +4,7 @@
 #include "editor/label.h"
 #include "editor/orva_frame.h"
 #include "editor/volume_form.h"
+#include "plugin/hearing.h"
 #include "vst2/records.h"
 #include "vstgui/lib/cframe.h"
 #include "vstgui/lib/controls/ccontrol.h"
@@ -26,6 +27,7 @@ public:
     // A page changed something, after the plug-in object heard of it.
     void onValueChanged(std::int32_t tag, float value);
     void update(const std::vector<unsigned char>& levels);  // one column for the scrolling picture
+    void ShowHearing(const Hearing& hearing);               // nothing where it is what a plug-in begins with
 
     void showPage(std::int32_t page);
     std::int32_t ActivePage() const { return activePage; }
@@ -33,6 +35,10 @@ public:
     void valueChanged(VSTGUI::CControl* control) override;
     using CViewContainer::onKeyboardEvent;
     void onKeyboardEvent(VSTGUI::KeyboardEvent& event, VSTGUI::CFrame* frame) override;  // F1 is help
+    // A right click where no control uses it opens the menu, when the button is released: what is held would
+    // choose from it.
+    void onMouseDownEvent(VSTGUI::MouseDownEvent& event) override;
+    void onMouseUpEvent(VSTGUI::MouseUpEvent& event) override;
     bool attached(VSTGUI::CView* parent) override;
     bool removed(VSTGUI::CView* parent) override;
 
@@ -41,7 +47,9 @@ public:
 private:
     void AddPageButtons();
     void AddForm();
+    void AddHearingLabel();
     void ShowChordLabel(bool show);
+    void OpenMenu(VSTGUI::CPoint where);
 
     VSTGUI::CBitmap* backgroundBitmap;         // not owned
     VSTGUI::CBitmap* overlayBitmap = nullptr;  // the registration role's; this one asks for none
@@ -52,5 +60,7 @@ private:
     CVolumeForm* volumeForm = nullptr;
     guiEditor* editor;
     CLabel* chordLabel = nullptr;
+    CLabel* hearingLabel = nullptr;
+    bool menuIsDue = false;                  // the right button went down and has not come up
     std::int32_t registrationCountdown = 0;  // the registration role's; this one counts nothing down
 };

@@ -78,6 +78,10 @@ public:
         Press();
         Release();
     }
+    void RightClick(int x, int y) {
+        MoveTo(x, y);
+        Tool({"click", "3"});
+    }
     void Key(const char* name) { Tool({"key", name}); }
     void Type(const char* text) { Tool({"type", text}); }
 
