@@ -53,21 +53,22 @@ void ReadScoreOf(TNotes& score, MemoryStream& input, std::uint8_t options) {
 }
 
 // Header, then chunks up to the very end.
-bool IsWhole(const Bytes& file) {
-    MemoryStream stream(file);
+bool IsWhole(MemoryStream& stream) {
+    stream.Rewind();
     std::uint32_t length = 0;
     for (const char* name = "MThd"; !stream.IsAtEnd(); name = "MTrk") {
         ExpectTag(stream, name);
         length = GetU32(stream);
-        stream.position += length;
+        if (length > static_cast<std::uint32_t>(stream.GetSize() - stream.GetPosition())) return false;
+        stream.SetPosition(stream.GetPosition() + static_cast<std::int32_t>(length));
     }
-    return stream.position == file.size();
+    return true;
 }
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    MemoryStream input(Bytes(data, data + size));
+    MemoryStream input(std::string(data, data + size));
     const auto score = std::make_unique<TNotes>();
     std::uint8_t options = 0;
     try {
@@ -81,6 +82,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Demand(heap.Worked() <= longestExport, "a score is written in time");
     Demand(heap.Highest() <= TNotes::readerBudget,
            "a score is written in the memory that reading it may take");
-    Demand(IsWhole(output.data), "the file is whole");
+    Demand(IsWhole(output), "the file is whole");
     return 0;
 }

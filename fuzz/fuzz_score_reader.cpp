@@ -22,7 +22,7 @@ constexpr std::size_t besideBudget = 1U << 20;  // bytes: the stream's copy of t
 constexpr std::size_t checkedNotes = 30;        // the check scans all notes for each point
 
 bool Load(TNotes& score, const Bytes& bytes) {
-    MemoryStream stream(bytes);
+    MemoryStream stream(Text(bytes));
     try {
         score.Read(stream);
         return true;

@@ -6,11 +6,11 @@
 #include <cmath>
 #include <memory>
 
+#include "notes/memory_stream.h"
 #include "notes/notes.h"
 #include "tests/support/midi_reader.h"
 #include "tests/support/temp_folder.h"
 #include "tools/host/chord_line.h"
-#include "tools/host/memory_stream.h"
 #include "tools/host/music_xml.h"
 #include "tools/host/note_cleaning.h"
 #include "tools/host/note_list.h"

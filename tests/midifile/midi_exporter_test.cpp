@@ -26,7 +26,7 @@ struct Score {
     MidiTracks Tracks(bool fixFirstBar = true) const {
         MemoryStream stream;
         SaveScore(*notes, stream, fixFirstBar);
-        return MidiReader(stream.data).tracks;
+        return MidiReader({stream.bytes.begin(), stream.bytes.end()}).tracks;
     }
     std::unique_ptr<TNotes> notes = std::make_unique<TNotes>();
 };

@@ -3,9 +3,9 @@
 #include <cmath>
 
 #include "midifile/midi_exporter.h"
+#include "notes/memory_stream.h"
 #include "notes/notes.h"
 #include "tools/host/bar_time.h"
-#include "tools/host/memory_stream.h"
 #include "tools/host/note_list.h"
 
 namespace {

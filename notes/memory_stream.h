@@ -1,12 +1,15 @@
 #pragma once
 #include <cstddef>
 #include <string>
+#include <utility>
 
 #include "notes/stream.h"
 
 // A stream of bytes in memory, so that a file can be made whole before it is written. Threads: one at a time.
 class MemoryStream : public TBaseStream {
 public:
+    explicit MemoryStream(std::string content = {}) : bytes(std::move(content)) {}
+
     void PutByte(std::uint8_t byte) override {
         if (position == bytes.size())
             bytes.push_back(static_cast<char>(byte));
