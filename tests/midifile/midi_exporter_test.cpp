@@ -95,8 +95,7 @@ TEST(MidiExporter, NamesMeterAndKeyAreCopied) {
     score.Add(0, 100, 2);
     score.notes->layers[1].name = "one";
     score.notes->title = "title";
-    score.notes->meterNumerator = 3;
-    score.notes->meterDenominatorLog2 = 3;
+    score.notes->meterNumerator = score.notes->meterDenominatorLog2 = 3;
     score.notes->keySharps = -2;
     score.notes->keyMinor = true;
     const MidiTracks tracks = score.Tracks();
@@ -104,15 +103,6 @@ TEST(MidiExporter, NamesMeterAndKeyAreCopied) {
     EXPECT_EQ(tracks[0][1].data, (Bytes{0x58, 3, 3, 0x18, 8}));
     EXPECT_EQ(tracks[0][2].data, (Bytes{0x59, 0xFE, 1}));
     EXPECT_EQ(tracks[1][0].data, (Bytes{3, 'o', 'n', 'e'}));
-}
-
-TEST(MidiExporter, EveryLayerHasItsTrackAndCarriesItsTicks) {
-    Score score({0, 2 * second, 5 * second});
-    for (int layer = 0; layer < 256; ++layer) score.Add(second * 3, second * 4, layer);
-    TMidiFile file;
-    const TMidiExporter exporter(*score.notes, file, true);
-    ASSERT_EQ(file.tracks.size(), 256U);
-    EXPECT_EQ(file.tracks[255].data, file.tracks[127].data);
 }
 
 // A bar of 2 s is 500000 us a quarter note, one of 3 s is 750000. The fourth bar's event is written because

@@ -4,36 +4,6 @@
 
 #include "tests/notes/memory_stream.h"
 
-namespace {
-
-Bytes Delta(std::uint32_t ticks) {
-    TMidiFile file;
-    file.AddDelta(0, ticks);
-    return file.tracks[0].data;
-}
-
-Bytes Joined(std::initializer_list<Bytes> parts) {
-    Bytes all;
-    for (const Bytes& part : parts) all.insert(all.end(), part.begin(), part.end());
-    return all;
-}
-
-Bytes Header(std::uint8_t tracks) {
-    return {'M', 'T', 'h', 'd', 0, 0, 0, 6, 0, 1, 0, tracks, 0, 120};
-}
-Bytes Chunk(unsigned length) {
-    return {
-        'M', 'T', 'r', 'k', 0, 0, static_cast<std::uint8_t>(length >> 8), static_cast<std::uint8_t>(length)};
-}
-// The meter, key and tempo of a file, with their deltas.
-Bytes Conductor(std::uint8_t sharps = 0, std::uint8_t minor = 0, const Bytes& tempo = {0x07, 0xA1, 0x20}) {
-    return Joined(
-        {{0, 0xFF, 0x58, 4, 4, 2, 0x18, 8, 0, 0xFF, 0x59, 2, sharps, minor, 0, 0xFF, 0x51, 3}, tempo});
-}
-const Bytes endOfTrack{0, 0xFF, 0x2F, 0};
-
-}  // namespace
-
 TEST(MidiFile, DeltasTakeSevenBitsAByteAndNoByteInVain) {
     const std::pair<std::uint32_t, Bytes> rows[] = {{0, {0x00}},
                                                     {127, {0x7F}},
@@ -44,7 +14,11 @@ TEST(MidiFile, DeltasTakeSevenBitsAByteAndNoByteInVain) {
                                                     {2097152, {0x81, 0x80, 0x80, 0x00}},
                                                     {0xFFFFFFFF, {0xFF, 0xFF, 0xFF, 0x7F}},
                                                     {1U << 28, {0x80, 0x80, 0x80, 0x00}}};  // a bit is lost
-    for (const auto& [ticks, bytes] : rows) EXPECT_EQ(Delta(ticks), bytes) << ticks;
+    for (const auto& [ticks, bytes] : rows) {
+        TMidiFile file;
+        file.AddDelta(0, ticks);
+        EXPECT_EQ(file.tracks[0].data, bytes) << ticks;
+    }
 }
 
 TEST(MidiFile, EventsCarryTheirStatusAndTheirChannelFromOne) {
@@ -59,40 +33,36 @@ TEST(MidiFile, EventsCarryTheirStatusAndTheirChannelFromOne) {
     EXPECT_EQ(file.tracks.at(3).data, (Bytes{0x92, 60, 100}));
 }
 
+// Title, meter, key and tempo stand before the events of track 0.
 TEST(MidiFile, AFileOfThreeTracksIsWrittenByteForByte) {
     TMidiFile file;
     file.title = "T";
+    file.keySharps = -3;
+    file.keyMinor = 1;
+    file.tempo = 0x01020304;  // three bytes of it
+    file.AddDelta(0, 1);
+    file.AddProgram(0, 7, 1);
     file.AddDelta(2, 240);
     file.AddNoteOn(2, 69, 100, 1);
     file.SetTrackName(2, "ab");
     file.SetTrackName(3, "");  // no track for a name that says nothing
-    const Bytes titled = Joined({{0, 0xFF, 2, 1, 'T'}, Conductor(), endOfTrack});
-    const Bytes named = Joined({{0, 0xFF, 3, 2, 'a', 'b'}, {0x81, 0x70, 0x90, 69, 100}, endOfTrack});
-    EXPECT_EQ(Written(file), Joined({Header(3), Chunk(30), titled, Chunk(4), endOfTrack, Chunk(15), named}));
+    // clang-format off
+    EXPECT_EQ(Written(file), (Bytes{
+        'M', 'T', 'h', 'd', 0, 0, 0, 6, 0, 1, 0, 3, 0, 120,
+        'M', 'T', 'r', 'k', 0, 0, 0, 33, 0, 0xFF, 2, 1, 'T', 0, 0xFF, 0x58, 4, 4, 2, 0x18, 8,
+            0, 0xFF, 0x59, 2, 0xFD, 1, 0, 0xFF, 0x51, 3, 2, 3, 4, 1, 0xC0, 7, 0, 0xFF, 0x2F, 0,
+        'M', 'T', 'r', 'k', 0, 0, 0, 4, 0, 0xFF, 0x2F, 0,
+        'M', 'T', 'r', 'k', 0, 0, 0, 15, 0, 0xFF, 3, 2, 'a', 'b', 0x81, 0x70, 0x90, 69, 100, 0, 0xFF, 0x2F, 0}));
+    // clang-format on
 }
 
-TEST(MidiFile, TheConductorStandsBeforeTheEventsOfTrackZero) {
-    TMidiFile file;
-    file.AddDelta(0, 1);
-    file.AddProgram(0, 7, 1);
-    file.keySharps = -3;
-    file.keyMinor = 1;
-    file.tempo = 0x01020304;  // three bytes of it
-    const Bytes events = Joined({Conductor(0xFD, 1, {2, 3, 4}), {1, 0xC0, 7}, endOfTrack});
-    EXPECT_EQ(Written(file), Joined({Header(1), Chunk(28), events}));
-}
-
+// The name stands there whole, so that such a file is bad, and is meant to be.
 TEST(MidiFile, LongTextsKeepTheLowByteOfTheirLength) {
     TMidiFile file;
     file.title = std::string(256 + 2, 't');
-    const std::string name(256 + 1, 'n');  // whole: such a file is bad, and is meant to be
-    file.SetTrackName(0, name);
-    const Bytes title{0, 0xFF, 2, 2, 't', 't'};
-    EXPECT_EQ(Written(file), Joined({Header(1),
-                                     Chunk(4 + 257 + 6 + 21 + 4),
-                                     {0, 0xFF, 3, 1},
-                                     Bytes(name.begin(), name.end()),
-                                     title,
-                                     Conductor(),
-                                     endOfTrack}));
+    file.SetTrackName(0, std::string(256 + 1, 'n'));
+    const std::string bytes = Text(Written(file));
+    EXPECT_EQ(bytes.substr(18, 4), Text({0, 0, 1, 4 + 1 + 6 + 21 + 4}));
+    EXPECT_EQ(bytes.substr(22, 4 + 257 + 7),
+              Text({0, 0xFF, 3, 1}) + std::string(257, 'n') + Text({0, 0xFF, 2, 2, 't', 't', 0}));
 }
