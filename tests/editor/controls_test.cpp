@@ -1,6 +1,7 @@
 #include <cmath>
 #include <map>
 #include <thread>
+#include <tuple>
 
 #include "desktop/shell.h"
 #include "desktop/user_store.h"
@@ -24,8 +25,8 @@ protected:
         host.reset();  // gives its device back
         SubstituteMidiOut(nullptr);
     }
-    // What the host was told last of each parameter, since it was asked last.
-    Values Told() {
+    // The last value of each parameter that the host was sent since the last look.
+    Values Reported() {
         Values values;
         for (const Automation& each : host->automated) values[each.index] = each.value;
         host->automated.clear();
@@ -40,11 +41,11 @@ Values Bars(int first, int last, float value) {
     return values;
 }
 
-TEST_F(Controls, TellTheHostWhatTheMouseSetsAndNothingElse) {
+TEST_F(Controls, ReportWhatTheMouseSetsAndNothingElse) {
     const struct {
         float page;
         Place from, to;
-        Values told;
+        Values reported;
     } rows[] = {
         {2, {80, 90}, {80, 60}, {{1, 1.0F}}},  // Sensitivity, beyond its upper end
         {2, {80, 80}, {80, 305}, {{1, 0.0F}}},
@@ -61,12 +62,13 @@ TEST_F(Controls, TellTheHostWhatTheMouseSetsAndNothingElse) {
         {4, {43, 267}, {300, 267}, {{87, 1.0F}}},   // the instrument
     };
     Open();
-    for (const auto& [page, from, to, told] : rows) {
+    for (const auto& [page, from, to, reported] : rows) {
         host->plugin.setParameter(92, page);
         host->Settle();
         Drag(from, to);
-        EXPECT_EQ(Told(), told) << "on page " << page << " at " << from.x << ", " << from.y;
-        for (const auto& [index, value] : told) EXPECT_EQ(host->plugin.getParameter(index), value) << index;
+        EXPECT_EQ(Reported(), reported) << "on page " << page << " at " << from.x << ", " << from.y;
+        for (const auto& [index, value] : reported)
+            EXPECT_EQ(host->plugin.getParameter(index), value) << index;
     }
     EXPECT_EQ(devices.opened, 1);
 }
@@ -88,23 +90,35 @@ TEST_F(Controls, ShowWhatAQuickHandOrTheHostHasSet) {
     EXPECT_EQ(host->ToldOf(3 + 40), std::vector<float>());
 }
 
+// Half the options page is 133 whole pixels, where the channel menu ends and the page's own colour begins.
+TEST_F(Controls, AnInstrumentsNameIsShownAsTheHostOrTheMouseSetsIt) {
+    Open(4);
+    EXPECT_EQ(host->Pixel(133, 38 + 204), host->Pixel(136, 38 + 204));
+    const auto label = [this] { return host->Pixels(34, 38 + 242, 220, 17); };
+    Drag({43, 267}, {300, 267});
+    const Picture shown = label();
+    for (const float value : {0.0F, 1.0F}) {  // from the host: the label is made anew
+        host->plugin.setParameter(87, value);
+        host->Settle();
+        EXPECT_EQ(label() == shown, value == 1.0F);
+    }
+}
+
 TEST_F(Controls, MenusChooseAChannelAndADeviceThatIsSwitchedOn) {
     Open(4);
     Click({80, 242});
     for (const char* key : {"Down", "Down", "Return"}) host->Key(key);
     EXPECT_TRUE(host->Await([&] { return !host->automated.empty(); }));
-    const Values told = Told();
-    ASSERT_EQ(told.size(), 1U);
-    const float channel = told.begin()->second * 15;
-    EXPECT_EQ(told.begin()->first, 90);
-    EXPECT_FLOAT_EQ(channel, std::round(channel));
-    EXPECT_GE(channel, 1);
+    const Values channel = Reported();
+    ASSERT_EQ(channel.size(), 1U);
+    EXPECT_EQ(channel.begin()->first, 90);
+    EXPECT_GE(channel.begin()->second * 15, 1);
+    EXPECT_FLOAT_EQ(channel.begin()->second * 15, std::round(channel.begin()->second * 15));
     Click({120, 204});
     host->Click(120, 204 + 30);  // the second row of the menu, which hangs below
     EXPECT_TRUE(host->Await([&] { return host->automated.size() == 2; }));
-    EXPECT_EQ(Told(), (Values{{88, 0.01F}, {89, 1.0F}}));
-    const auto calls = devices.Taken();
-    EXPECT_EQ(std::count(calls.begin(), calls.end(), "open 1"), 1);
+    EXPECT_EQ(Reported(), (Values{{88, 0.01F}, {89, 1.0F}}));
+    EXPECT_EQ(devices.opened, 1);
 }
 
 TEST_F(Controls, ATakeIsSavedUnderTheChosenNameAndKeptUntilItIs) {
@@ -120,16 +134,13 @@ TEST_F(Controls, ATakeIsSavedUnderTheChosenNameAndKeptUntilItIs) {
         return host->Pixels(160, 270, 80, 30);
     };
     EXPECT_EQ(lit(), lit());  // the button stays on while it records
-    for (int twice = 0; twice < 2; ++twice) {
-        Click(stopButton);
-        EXPECT_FALSE(host->plugin.recordingOn);
-    }
+    Click(stopButton);
+    EXPECT_FALSE(host->plugin.recordingOn);
     const auto expectMessage = [this](const char* reason) {
         Click(saveButton);
         EXPECT_FALSE(host->plugin.recordingOn) << reason;  // ended first
         EXPECT_TRUE(host->Await([&] { return MessageIsUp(); })) << reason;
-        host->Key("Return");
-        EXPECT_TRUE(host->Await([&] { return !MessageIsUp(); })) << reason;
+        EndMessage();
     };
     folder.Program("zenity", ": > " + (folder / "started"));
     Click(recordButton);
@@ -144,12 +155,12 @@ TEST_F(Controls, ATakeIsSavedUnderTheChosenNameAndKeptUntilItIs) {
     expectMessage("no program for the dialog");
     folder.Program("zenity", "echo /nowhere/at/all/take.mid");
     expectMessage("a file that cannot be written");
-    const std::string taken = folder / "take.mid";
-    folder.Program("zenity", "printf '%s\\n' \"$@\" > " + (folder / "words") + "; echo " + taken);
+    folder.Program("zenity", "echo \"$@\" > " + (folder / "options") + "; echo " + (folder / "take.mid"));
     Click(saveButton);
     EXPECT_TRUE(host->Await([&] { return folder.Has("take.mid"); }));
-    const std::string words = ReadAll(folder / "words"), file = ReadAll(taken);
-    EXPECT_NE(words.find("--title=Select MIDI file\n--filename=midi_output.mid\n"), std::string::npos);
+    EXPECT_NE(ReadAll(folder / "options").find("--title=Select MIDI file --filename=midi_output.mid"),
+              std::string::npos);
+    const std::string file = ReadAll(folder / "take.mid");
     EXPECT_EQ(file.substr(0, 4), "MThd");
     EXPECT_NE(file.find("\x45\x64"), std::string::npos) << "no A 440 (note 69) at velocity 100";
     setenv("PATH", "/usr/bin:/bin", 1);
@@ -166,32 +177,20 @@ TEST_F(Controls, TheAboutPageSavesTheLogAndStoresNameAndCodeTogether) {
     EXPECT_TRUE(host->Await([&] { return folder.Has("log.txt"); }));
     EXPECT_FALSE(ReadAll(folder / "log.txt").empty());
 
-    Click({120, 243});
-    host->Type("Jane Doe");
-    host->Settle();
-    Click(registerButton);  // no code yet
-    EXPECT_TRUE(host->Await([&] { return MessageIsUp(); }));
-    EXPECT_EQ(readRegistryString("Name"), "");
-    host->Key("Return");
-    EXPECT_TRUE(host->Await([&] { return !MessageIsUp(); }));
-    Click({120, 266});
-    host->Type("1234-ABCD");
-    host->Settle();
-    Click(registerButton);  // takes what was typed, without a Return
-    EXPECT_TRUE(host->Await([&] { return MessageIsUp(); }));
-    EXPECT_EQ(readRegistryString("Name"), "Jane Doe");
-    EXPECT_EQ(readRegistryString("Code"), "1234-ABCD");
+    const std::tuple<Place, const char*, std::string, std::string> fields[] = {
+        {{120, 243}, "Jane Doe", "", ""},  // no code yet
+        {{120, 266}, "1234-ABCD", "Jane Doe", "1234-ABCD"}};
+    for (const auto& [place, text, name, code] : fields) {
+        Click(place);
+        host->Type(text);
+        host->Settle();
+        Click(registerButton);  // takes what was typed, without a Return
+        EXPECT_TRUE(host->Await([&] { return MessageIsUp(); }));
+        EXPECT_EQ(readRegistryString("Name"), name);
+        EXPECT_EQ(readRegistryString("Code"), code);
+        EndMessage();
+    }
     unsetenv("XDG_CONFIG_HOME");
-    host->Key("Return");
-    EXPECT_TRUE(host->Await([&] { return !MessageIsUp(); }));
-
-    folder.Program("zenity", "cd " + folder.path.string() + "; echo $$ > new; mv new pid; exec sleep 1000");
-    Click(saveLogButton);
-    ASSERT_TRUE(host->Await([&] { return folder.Has("pid"); }));
-    const pid_t dialog = std::stoi(ReadAll(folder / "pid"));
-    EXPECT_EQ(kill(dialog, 0), 0);
-    host->Call(effEditClose);
-    EXPECT_NE(kill(dialog, 0), 0);  // ended, and reaped
 }
 
 TEST_F(Controls, TheHiddenGestureLastsUntilTheWindowCloses) {
@@ -205,7 +204,6 @@ TEST_F(Controls, TheHiddenGestureLastsUntilTheWindowCloses) {
     Click(versionLabel);  // none is one
     Click(equalizerButton);
     EXPECT_NE(host->Pixel(20, 60), day);
-    EXPECT_EQ(host->ToldOf(778), std::vector<float>());
     host->Call(effEditClose);
     Open(3);
     EXPECT_EQ(host->Pixel(20, 60), day);
@@ -264,8 +262,7 @@ TEST_F(Controls, LinksAndHelpOpenByMouseAndKey) {
 TEST_F(Controls, MessagesComeOneAfterAnother) {
     Open();
     std::thread([&] {
-        host->plugin.messages.Show("first", "Error");
-        host->plugin.messages.Show("second", "Error");
+        for (const char* text : {"first", "second"}) host->plugin.messages.Show(text, "Error");
     }).join();
     EXPECT_TRUE(host->Await([&] { return MessageIsUp(); }));
     host->Settle();
@@ -273,8 +270,59 @@ TEST_F(Controls, MessagesComeOneAfterAnother) {
     Click({320, 185});
     EXPECT_TRUE(MessageIsUp());
     EXPECT_NE(Page(), first);
-    host->Key("Return");
-    EXPECT_TRUE(host->Await([&] { return !MessageIsUp(); }));
+    EndMessage();
+}
+
+// The dialog of the log's button, as a program of ours.
+class SaveDialog : public EditorTest {
+protected:
+    // Its process, once its command line stands in the file "options".
+    std::string Start(xcb_window_t window) {
+        folder.Program("zenity", "cd " + folder.path.string() +
+                                     "; echo $$ > new; mv new pid; printf '%s\\n' \"$@\" > new; mv new "
+                                     "options; exec sleep 1000");
+        folder.BecomePath(true);
+        host->plugin.setParameter(92, 5.0F);
+        EXPECT_TRUE(host->Open(window));
+        host->Settle();
+        host->Click(saveLogButton.x, saveLogButton.y);
+        EXPECT_TRUE(host->Await([&] { return folder.Has("options"); }));
+        return ReadAll(folder / "pid");
+    }
+    ~SaveDialog() override { setenv("PATH", "/usr/local/bin:/usr/bin:/bin", 1); }
+    TempFolder folder;
+};
+
+// Its owner is the window that the manager knows, however deep the editor's parent lies in it.
+TEST_F(SaveDialog, BelongsToTheHostsWindowAndEndsWithOurs) {
+    const xcb_window_t inner = xcb_generate_id(host->connection);
+    xcb_create_window(host->connection, XCB_COPY_FROM_PARENT, inner, host->parent, 0, 0, 400, 320, 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+    xcb_map_window(host->connection, inner);
+    host->Sync();
+    const pid_t dialog = std::stoi(Start(inner));
+    EXPECT_NE(ReadAll(folder / "options").find("\n--attach=" + std::to_string(host->parent) + "\n"),
+              std::string::npos);
+    EXPECT_EQ(kill(dialog, 0), 0);
+    host->Call(effEditClose);
+    EXPECT_NE(kill(dialog, 0), 0);  // ended, and reaped
+}
+
+// As zenity's own file dialog: a window with the program's number, which a window manager lists.
+TEST_F(SaveDialog, IsMadeToWhereItsProgramIgnoresItsOwner) {
+    const auto process = static_cast<std::uint32_t>(std::stoul(Start(host->parent)));
+    const xcb_window_t dialog = xcb_generate_id(host->connection);
+    xcb_create_window(host->connection, XCB_COPY_FROM_PARENT, dialog, host->screen->root, 0, 0, 9, 9, 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+    const auto set = [&](xcb_window_t window, const char* property, xcb_atom_t type, std::uint32_t word) {
+        xcb_change_property(host->connection, XCB_PROP_MODE_REPLACE, window, host->Atom(property), type, 32,
+                            1, &word);
+    };
+    set(dialog, "_NET_WM_PID", XCB_ATOM_CARDINAL, process);
+    set(host->screen->root, "_NET_CLIENT_LIST", XCB_ATOM_WINDOW, dialog);
+    host->Sync();
+    const std::string owner(reinterpret_cast<const char*>(&host->parent), sizeof host->parent);
+    EXPECT_TRUE(host->Await([&] { return host->Property(dialog, "WM_TRANSIENT_FOR") == owner; }));
 }
 
 }  // namespace

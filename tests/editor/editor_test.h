@@ -44,6 +44,10 @@ protected:
     }
     Picture Page() { return host->Pixels(0, 0, 267, 320); }
     bool MessageIsUp() { return host->Pixel(6, 318) != ground; }  // its veil darkens the window
+    void EndMessage() {
+        host->Key("Return");
+        EXPECT_TRUE(host->Await([&] { return !MessageIsUp(); }));
+    }
     // Hands over MIDI notes, or silence, in blocks as a host does.
     void Play(const std::vector<int>& notes, double seconds) {
         constexpr std::int32_t block = 441;  // samples, of 44100 a second

@@ -89,4 +89,32 @@ TEST_F(FileDialogTest, LeavesNothingOfOursToTheProgramAndNoProcessBehind) {
     EXPECT_EQ(dialog.Poll(), State::idle);
 }
 
+// The dialog gives a name without its extension, and the second time another one. The question about the file
+// that exists with the extension ends with a code.
+TEST_F(FileDialogTest, AsksBeforeItNamesAFileThatExists) {
+    const struct {
+        int code;
+        bool exists;
+        State state;
+        const char* chosen;
+    } rows[] = {{0, true, State::chosen, "song.mid"},
+                {1, true, State::chosen, "other.mid"},  // declined leads back to the dialog
+                {255, true, State::failed, ""},         // a question that cannot be shown is no permission
+                {1, false, State::chosen, "song.mid"}};
+    for (const auto& row : rows) {
+        for (const char* const file : {"second", "options", "song.mid"})
+            std::filesystem::remove(folder / file);
+        if (row.exists) WriteAll(folder / "song.mid", "a take");
+        const std::string script = "cd " + folder.path.string() + "; printf '%s\\n' \"$@\" >> options; " +
+                                   "case $1 in --question) exit " + std::to_string(row.code) +
+                                   ";; esac; if [ -e second ]; then echo $PWD/other.mid; "
+                                   "else : > second; echo $PWD/song; fi";
+        ASSERT_EQ(Answer("zenity", script), row.state) << row.code;
+        const std::string options = ReadAll(folder / "options");
+        EXPECT_EQ(options.find("--text=A file named \"song.mid\" already exists.") != std::string::npos,
+                  row.exists);
+        EXPECT_EQ(row.state == State::chosen ? dialog.Path() : folder / "", folder / row.chosen);
+    }
+}
+
 }  // namespace
