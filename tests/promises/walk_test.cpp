@@ -1,26 +1,25 @@
 // Hosts that call in any order: every answer, event, message and take is that of the plain model.
 #include <gtest/gtest.h>
 
-#include <bit>
-#include <cmath>
 #include <limits>
 #include <locale>
 #include <numeric>
 
-#include "module/plugin_entry.h"
+#include "delivery/midi_ports.h"
 #include "tests/model/side_by_side.h"
 #include "tests/support/music.h"
 
 namespace {
 
+using Limits = std::numeric_limits<float>;
 constexpr float rates[] = {100,   1000,  4000,  8000,   11025,  22050,     44100,
                            48000, 88200, 96000, 192000, 768000, 1234567.8F};
+constexpr float oddRates[] = {-1, 0, 9, 99.9F, 2147483648.0F, 1e30F, Limits::quiet_NaN(), Limits::infinity()};
 constexpr const char* texts[] = {"",
                                  "sendVstMidiEvent",
                                  "sendVstMidiEventFlagIsRealtime",
-                                 " ",
                                  "receiveVstEvents",
-                                 "A name longer than the thirty-two bytes of a program's",
+                                 " ",
                                  "abc",
                                  "-",
                                  "1e",
@@ -39,11 +38,20 @@ constexpr const char* texts[] = {"",
                                  "inf",
                                  "0x10",
                                  "+1",
-                                 "-20"};
+                                 "-20",
+                                 "A name longer than the thirty-two bytes of a program's"};
+
+template <std::size_t count>
+float OneOf(Trial& trial, const float (&values)[count]) {
+    return values[trial.Below(count)];
+}
+
+float SomeRate(Trial& trial) {
+    return trial.OneIn(6) ? OneOf(trial, oddRates) : OneOf(trial, rates);
+}
 
 // Where something may turn: edges, any bits, and mostly usual values.
 float SomeValue(Trial& trial) {
-    using Limits = std::numeric_limits<float>;
     constexpr float odd[] = {-1,
                              2,
                              2.5F,
@@ -58,9 +66,9 @@ float SomeValue(Trial& trial) {
                              -Limits::max()};
     constexpr float edges[] = {0, 1.0F / 3, 0.5F, 2.0F / 3, 1};
     switch (trial.Below(8)) {
-        case 0: return odd[trial.Below(std::size(odd))];
+        case 0: return OneOf(trial, odd);
         case 1: return std::bit_cast<float>(static_cast<std::uint32_t>(trial.random()));
-        case 2: return std::nextafter(edges[trial.Below(5)], static_cast<float>(trial.Below(3)) - 1);
+        case 2: return std::nextafter(OneOf(trial, edges), static_cast<float>(trial.Below(3)) - 1);
         case 3: return static_cast<float>(trial.Below(2));
         default: return static_cast<float>(trial.Below(1001)) / 1000;
     }
@@ -88,37 +96,69 @@ void SomeDispatch(Trial& trial, SideBySide& both) {
     std::optional<std::string> text;
     if (!trial.OneIn(5)) text = texts[trial.Below(std::size(texts))];
     const bool isRate = opcode == effSetSampleRate || opcode == effSetBlockSizeAndSampleRate;
-    both.Call(opcode, SomeIndex(trial), value, text,
-              isRate ? rates[trial.Below(std::size(rates))] : SomeValue(trial));
+    both.Call(opcode, SomeIndex(trial), value, text, isRate ? SomeRate(trial) : SomeValue(trial));
 }
 
-// Audio in blocks of any length by any call. A third of it has stretches that sum to zero, which is silence
-// however loud they are.
+// Audio in blocks of any length by any call: chords, noise, silence, or any bits, which pass in whatever way
+// adds nothing. A third of it has stretches that sum to zero, which is silence however loud they are.
 void SomeBlocks(Trial& trial, SideBySide& both) {
     constexpr std::size_t longest[] = {2, 40, 700, 3000, 9000};
-    Audio audio = SomeAudio(trial, trial.Below(12000), 44100);
-    for (std::size_t i = 0; i + 1 < audio.size() && trial.number % 3 == 0; i += 2) audio[i + 1] = -audio[i];
-    for (std::size_t at = 0; at < audio.size();) {
+    const std::size_t samples = trial.Below(12000);
+    const std::uint64_t kind = trial.Below(8);
+    std::vector<int> notes(1 + trial.Below(4));
+    for (int& note : notes) note = 24 + static_cast<int>(trial.Below(60));
+    Audio audio = kind == 0   ? Silence(samples)
+                  : kind == 1 ? Noise(trial.random, samples)
+                              : Chord(notes, samples);
+    for (std::size_t i = 0; i < samples && kind == 2; ++i) audio[i] = SomeValue(trial);
+    for (std::size_t i = 0; i + 1 < samples && trial.number % 3 == 0; i += 2) audio[i + 1] = -audio[i];
+    for (std::size_t at = 0; at < samples;) {
         std::size_t length = 1 + trial.Below(longest[trial.Below(std::size(longest))]);
-        length = std::min(std::max(length, audio.size() / 30), audio.size() - at);
+        length = std::min(std::max(length, samples / 30), samples - at);
         const auto from = audio.begin() + static_cast<std::ptrdiff_t>(at);
-        both.Play({from, from + static_cast<std::ptrdiff_t>(length)}, ways[trial.Below(3)], trial.OneIn(4));
+        const Way way = ways[kind == 2 ? 1 + trial.Below(2) : trial.Below(3)];
+        both.Play({from, from + static_cast<std::ptrdiff_t>(length)}, way, trial.OneIn(4));
         at += length;
     }
 }
 
+// Notes by hand, in frames and with settings that the parameters do not reach.
+void SomeFrames(Trial& trial, SideBySide& both) {
+    const auto some = [&trial](std::int32_t least, std::uint64_t count) {
+        return least + static_cast<std::int32_t>(trial.Below(count));
+    };
+    const std::uint64_t change = 1 + trial.Below(60);
+    for (std::uint64_t left = both.model.stopped ? 0 : trial.Below(60); left > 0; --left) both.Frame(change);
+    const std::int32_t transpose = some(-60, 121), channel = some(0, 20), velocity = some(-5, 300);
+    const std::int32_t band = some(0, 84), length = some(0, 20000), gap = some(0, 5000);
+    const bool on = trial.OneIn(2);
+    const std::uint64_t kind = trial.Below(8);
+    both.Recorders([&](auto& recorder) {
+        switch (kind) {
+            case 0: recorder.ChangeTranspose(transpose); break;
+            case 1: recorder.ChangeChannel(channel); break;
+            case 2: recorder.ChangeVelocity(velocity); break;
+            case 3: recorder.ChangeMapping(transpose, channel, velocity); break;
+            case 4: recorder.AllNotesOff(); break;
+            case 5: recorder.SetSendProgramChange(on); break;
+            case 6: recorder.enabled[band] = on; break;
+            default: recorder.minNoteLength = length, recorder.minNoteGap = gap;
+        }
+    });
+}
+
 void SomeCall(Trial& trial, SideBySide& both) {
-    switch (trial.Below(30)) {
+    switch (trial.Below(32)) {
         case 0: both.Call(effMainsChanged, 0, 0, {}); break;
         case 1: both.Call(effMainsChanged, 0, 1, {}); break;
-        case 2: both.Call(effSetSampleRate, 0, 0, {}, rates[trial.Below(std::size(rates))]); break;
+        case 2: both.Call(effSetSampleRate, 0, 0, {}, SomeRate(trial)); break;
         case 3: both.Record(true); break;
         case 4: both.Record(false); break;
         case 5: both.RefuseOpens(static_cast<std::uint32_t>(trial.Below(3)), trial.OneIn(2) ? 4 : 0); break;
         case 6: both.callsBack = trial.OneIn(2); break;
         case 7:  // three seconds of silence stop the further outputs
             for (std::uint64_t left = 1 + trial.Below(5); left > 0; --left)
-                both.PlayFrames(static_cast<std::int32_t>(trial.Below(60000)) - 100);
+                both.PlayFrames(static_cast<std::int32_t>(trial.Below(60000)) - 100, trial.OneIn(2));
             break;
         case 8:
             if (trial.OneIn(20))
@@ -131,18 +171,34 @@ void SomeCall(Trial& trial, SideBySide& both) {
         case 13: both.SetFromEditor(SomeIndex(trial) & 127, SomeValue(trial)); break;
         case 14:  // a chord, with all that the outputs need
             both.Set(0, 0.87F), both.Set(1, 0.875F), both.Set(91, 1);
-            both.Play(Tones({57, 64, 73}, 0.2, 44100));
+            both.Play(Tones({57, 64, 73}, 0.2));
             break;
+        case 15:
+        case 16: SomeFrames(trial, both); break;
         default: trial.OneIn(2) ? SomeDispatch(trial, both) : both.Set(SomeIndex(trial), SomeValue(trial));
     }
+}
+
+// Two facts about the host are asked once per process and kept, so that all cases of one batch have one kind.
+ModelHostKind KindOfBatch(const Trial& trial, std::uint64_t batch) {
+    constexpr float answered[] = {44100, 48000, 96000, 22050, 0};
+    const std::uint64_t number = trial.number / batch;
+    return {number % 3 != 1, number % 3 == 2, answered[number / 3 % 5]};
 }
 
 TEST(Walk, CallsInAnyOrderAreAnsweredAsTheModelSays) {
     constexpr std::uint64_t batch = 50;
     RunTrials({1200, batch}, [](Trial& trial) {
-        SideBySide both(trial, KindOfBatch(trial, batch));
-        for (int call = 0; call < 120; ++call) SomeCall(trial, both);
-        both.CompareState();
+        static std::uint64_t notes = 0;
+        {
+            SideBySide both(trial, KindOfBatch(trial, batch));
+            for (int call = 0; call < 120; ++call) SomeCall(trial, both);
+            both.CompareState();
+            notes += both.notes;
+        }
+        if (trial.number % batch == batch - 1) {
+            EXPECT_GT(notes, 100U);
+        }
     });
 }
 
@@ -169,22 +225,63 @@ TEST(Walk, ValuesRestoredInAnyOrderAreThoseThatWereSaved) {
     });
 }
 
-// Suspended, resumed, both or neither, over and over: notes as the model says.
-TEST(Walk, SuspendingInAnyPatternLeavesTheNotesAsTheModelSays) {
-    RunTrials({96, 4}, [](Trial& trial) {
-        const float rate = rates[3 + trial.Below(8)];
-        SideBySide both(trial, {trial.number / 4 % 2 == 0, false, rate});  // one kind in a process
-        both.Set(89, 1), both.Record(true);
-        const Audio audio = Tones({45, 57, 64}, 0.25, static_cast<double>(rate));
-        const std::uint64_t pattern = trial.number % 4;
-        for (int round = 0; round < 40; ++round) {
-            if (pattern != 1) both.Call(effMainsChanged, 0, 0);
-            if (pattern == 2) both.Call(effMainsChanged, 0, 0);
-            if (pattern < 2) both.Call(effMainsChanged, 0, 1);
-            both.Play(round % 10 == 5 ? audio : Audio(audio.begin(), audio.begin() + 20));
+// The table of ports that all instances share, beyond what one instance does with it.
+TEST(Walk, PortsOpenedUsedAndClosedInAnyOrderReachDevicesAsTheModelSays) {
+    RunTrials({200, 20}, [](Trial& trial) {
+        const auto small = [&](std::uint64_t count) {
+            return static_cast<std::uint32_t>(trial.Below(count));
+        };
+        FakeDevices devices;
+        ModelPorts model;
+        model.mapper = trial.OneIn(4);
+        if (model.mapper) devices.version = {6, 1};
+        SubstituteMidiOut(&devices);
+        MidiPortTable table;
+        std::uint32_t highest = 0;
+        for (int i = 0; i < 5000 && !testing::Test::HasFailure(); ++i) {
+            if (i == 4980) table.Unload(), model.Unload();
+            constexpr std::uint32_t kinds[] = {0x90, 0x90, 0x80, 0xC0, 0xB0, 0xF0};
+            const std::uint32_t message = kinds[small(6)] | small(3) | small(6) << 8 | small(2) * 100 << 16;
+            const std::uint32_t port = trial.OneIn(30) ? 0xFFFFFFFF : small(highest + 2), device = small(3);
+            const bool passes = trial.OneIn(2);
+            switch (small(30)) {
+                case 0:
+                    for (auto* const refused : {&devices.refusedOpens, &model.refusedOpens})
+                        passes ? void(refused->erase(device)) : void((*refused)[device] = 4);
+                    break;
+                case 1:
+                    for (auto* const refused : {&devices.refusedMessages, &model.refusedMessages})
+                        passes ? refused->clear() : void((*refused)[message] = 1);
+                    break;
+                case 2: table.SilencePort(port), model.Silence(port); break;
+                case 3: table.ResetPort(port), model.Reset(port); break;
+                case 4: {
+                    const std::uint8_t bytes[] = {0xF0, 0xF7};
+                    ASSERT_EQ(table.SendLong(port, {bytes, 2}), model.SendLong(port, 2));
+                    break;
+                }
+                case 5:
+                case 6:
+                case 7: {
+                    const std::uint32_t index = trial.OneIn(20) ? small(1ULL << 32) : small(6);
+                    std::uint32_t seen = 77, expected = 77;
+                    ASSERT_EQ(table.OpenPort(seen, index), model.Open(expected, index));
+                    ASSERT_EQ(seen, expected) << "the port's number";
+                    if (seen != 77) highest = std::max(highest, seen + 1);
+                    break;
+                }
+                case 8:
+                case 9:
+                case 10: table.ClosePort(port), model.Close(port); break;
+                default: ASSERT_EQ(table.SendShort(port, message), model.Send(port, message));
+            }
+            ASSERT_EQ(table.IsPortValid(port), model.IsValid(port));
+            std::vector<std::string> lines = devices.Taken();
+            std::erase(lines, "read");
+            ASSERT_EQ(lines, std::exchange(model.lines, {}));
         }
-        both.CompareState();
-        EXPECT_GT(both.notes, 0U);
+        EXPECT_EQ(devices.OpenCount() + devices.faults, 0);
+        SubstituteMidiOut(nullptr);
     });
 }
 
