@@ -1,10 +1,6 @@
-# The plug-in both as linked code, with test doubles beneath it, and as the module's file in hosts of their own.
+# The plug-in both as linked code, with test doubles beneath it, and as the module's file.
 pkg_check_modules(XCB_TESTS IMPORTED_TARGET xcb-xtest)
 orva_needs("xcb-xtest" "${XCB_TESTS_FOUND}")
 target_link_libraries(test_promises PRIVATE orva_module orva_test_watch PkgConfig::XCB_TESTS ${CMAKE_DL_LIBS})
-add_executable(guest ${CMAKE_CURRENT_LIST_DIR}/guest/guest.cpp)
-orva_quick(guest)
-target_link_libraries(guest PRIVATE orva_module orva_test_support ${CMAKE_DL_LIBS})
-target_compile_definitions(test_promises PRIVATE ORVA_MODULE_FILE="$<TARGET_FILE:orva_vst>"
-  ORVA_GUEST_FILE="$<TARGET_FILE:guest>")
-add_dependencies(test_promises orva_vst guest)
+target_compile_definitions(test_promises PRIVATE ORVA_MODULE_FILE="$<TARGET_FILE:orva_vst>")
+add_dependencies(test_promises orva_vst)

@@ -5,7 +5,7 @@
 #include <locale>
 #include <numeric>
 
-#include "delivery/midi_ports.h"
+#include "devices/midi_ports.h"
 #include "tests/model/side_by_side.h"
 #include "tests/support/music.h"
 

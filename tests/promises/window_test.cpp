@@ -5,26 +5,11 @@
 #include <array>
 #include <cstdlib>
 
-#include "desktop/shell.h"
 #include "tests/editor/editor_host.h"
-#include "tests/promises/process_state.h"
 #include "tests/support/music.h"
 #include "tests/support/trial.h"
 
 namespace {
-
-// Nothing is opened outside the window.
-class NoShell : public IShell {
-public:
-    NoShell() {
-        SubstituteSystemShell(this);
-        setenv("PATH", "/usr/bin:/bin", 1);
-    }
-    ~NoShell() override { SubstituteSystemShell(nullptr); }
-    bool OpenWebPage(const std::string&) override { return true; }
-    bool OpenMail(const std::string&) override { return true; }
-    bool OpenHelpFile(const std::string&) override { return false; }
-};
 
 // A host's audio thread for as long as this lives.
 class AudioThread {
@@ -45,14 +30,12 @@ public:
 
 private:
     void Run() {
-        constexpr std::int32_t size = 441;
-        Audio out(size);
-        for (std::size_t played = 0; !stop; played += size, ++blocks) {
-            const Audio before = Chord({57, 61, 64}, size, played);
-            Audio in = before;
+        for (std::size_t played = 0; !stop; played += 441, ++blocks) {
+            const Audio before = Chord({57, 61, 64}, 441, played);
+            Audio in = before, out(441);
             float* from = in.data();
             float* to = out.data();
-            plugin.processReplacing(&from, &to, size);
+            plugin.processReplacing(&from, &to, 441);
             whole = whole && out == before;
         }
     }
@@ -62,8 +45,8 @@ private:
     std::thread thread;
 };
 
-// What a window that has just been opened looks like, all but the picture that never rests.
-std::vector<std::uint8_t> Fresh(EditorHost& host) {
+// What the window looks like, all but the picture that never rests.
+std::vector<std::uint8_t> Picture(EditorHost& host) {
     host.Settle();
     return host.Pixels(0, 0, 267, 320);
 }
@@ -87,9 +70,8 @@ void SomeInput(Trial& trial, EditorHost& host) {
 
 TEST(Window, TakesAnyMouseAndKeyAndReportsOnlyWhatItKeeps) {
     RunTrials({6, 1}, [](Trial& trial) {
-        const NoShell shell;
         const DisplayServer display;
-        setenv("PATH", "/nowhere", 1);  // and no file dialog
+        setenv("PATH", "/nowhere", 1);  // no file dialog, nor anything else outside the window
         EditorHost host;
         for (int event = 0; event < 300; ++event) {
             if (event % 60 == 0) {
@@ -113,165 +95,128 @@ TEST(Window, TakesAnyMouseAndKeyAndReportsOnlyWhatItKeeps) {
     });
 }
 
-TEST(Window, OpensAndClosesWithoutEndAndLeavesNothing) {
-    InChild(
-        [](Trial&) {
-            const DisplayServer display;
-            EditorHost host;
-            const auto cycle = [&] {
-                EXPECT_TRUE(host.Open());
-                for (int i = 0; i < 3; ++i) host.Idle();
-                host.Call(effEditClose);
-            };
-            for (int i = 0; i < 3; ++i) cycle();
-            const ProcessState before = ProcessState::AtRest();
-            for (std::uint64_t left = Scaled(50); left > 0; --left) cycle();
-            EXPECT_TRUE(before.Returns());
-            EXPECT_TRUE(host.Children().empty());
-        },
-        600);
-}
-
-// In one of two windows of the host's, a dead one, none, or one of another screen.
-TEST(Window, CallsInAnyOrderKeepOneWindowAtMostOfOneSize) {
+// Two instances, each in one of two windows of the host's, a dead one, none, or one of another screen.
+TEST(Window, CallsInAnyOrderKeepOneWindowAtMostWithTheInstancesOwnValues) {
     RunTrials({6, 1}, [](Trial& trial) {
         const DisplayServer display;
-        EditorHost host;
-        const AudioThread audio(host.plugin);
-        const xcb_window_t first = host.parent;
-        host.MakeParent();
-        const xcb_window_t second = host.parent;
-        host.MakeParent();
-        xcb_destroy_window(host.connection, host.parent);
-        host.Sync();
-        auto screens = xcb_setup_roots_iterator(xcb_get_setup(host.connection));
+        std::array<EditorHost, 2> hosts;
+        auto audio = std::make_unique<AudioThread>(hosts[0].plugin);
+        xcb_window_t windows[2][2], useless[] = {0, 0, 0}, shown[] = {0, 0};  // which holds the editor
+        for (std::size_t i = 0; i < 4; ++i)
+            hosts[i / 2].MakeParent(), windows[i / 2][i % 2] = hosts[i / 2].parent;
+        hosts[0].MakeParent(), useless[1] = hosts[0].parent;
+        xcb_destroy_window(hosts[0].connection, useless[1]);
+        hosts[0].Sync();
+        auto screens = xcb_setup_roots_iterator(xcb_get_setup(hosts[0].connection));
         xcb_screen_next(&screens);
-        const std::array<xcb_window_t, 3> useless = {0, host.parent, screens.data->root};
-        xcb_window_t shown = 0;  // the window that holds the editor
-        for (int call = 0; call < 60 && !testing::Test::HasFailure(); ++call) {
-            const auto key = static_cast<std::intptr_t>(trial.Below(60));
-            const auto character = static_cast<std::int32_t>(trial.Below(128));
-            switch (trial.Below(6)) {
-                case 0:
-                    shown = trial.OneIn(2) ? first : second;
-                    EXPECT_TRUE(host.Open(shown));
-                    break;
+        useless[2] = screens.data->root;
+        for (int call = 0; call < 80 && !testing::Test::HasFailure(); ++call) {
+            const std::size_t i = trial.Below(2);
+            EditorHost& host = hosts[i];
+            switch (trial.Below(8)) {
+                case 0: EXPECT_TRUE(host.Open(shown[i] = windows[i][trial.Below(2)])); break;
                 case 1:
-                    shown = 0;
                     EXPECT_FALSE(host.Open(useless[trial.Below(3)]));
+                    shown[i] = 0;
                     break;
-                case 2: shown = 0, host.Call(effEditClose); break;
-                case 3: host.Idle(); break;
+                case 2: shown[i] = 0, host.Call(effEditClose); break;
+                case 3: host.plugin.setParameter(92, 2.0F + static_cast<float>(trial.Below(4))); break;
                 case 4:
-                    EXPECT_TRUE(host.Call(trial.OneIn(2) ? effEditKeyDown : effEditKeyUp, character, key) ==
-                                    0 ||
-                                shown != 0);
-                    break;
-                default: {
-                    ERect* rect = nullptr;
-                    EXPECT_NE(host.Call(effEditGetRect, 0, 0, &rect), 0);
-                    EXPECT_TRUE(rect->left == 0 && rect->top == 0 && rect->right == 400 &&
-                                rect->bottom == 320);
-                }
-            }
-            // The plug-in's own connection may lag behind the host's.
-            EXPECT_TRUE(AwaitThat([&] {
-                return host.Children(first).size() == (shown == first ? 1 : 0) &&
-                       host.Children(second).size() == (shown == second ? 1 : 0);
-            }));
-        }
-        audio.AwaitBlocks();
-    });
-}
-
-TEST(Window, TheHostsWindowMayGoMoveOrChangeUnderTheEditor) {
-    RunTrials({5, 1, 60, true}, [](Trial& trial) {
-        const DisplayServer display;
-        EditorHost host;
-        const AudioThread audio(host.plugin);
-        ASSERT_TRUE(host.Open());
-        const std::vector<std::uint8_t> fresh = Fresh(host);
-        const xcb_window_t parent = host.parent;
-        const std::uint32_t size = trial.number == 3 ? 1 : 32767;
-        const std::uint32_t sizes[] = {size, size};
-        switch (trial.number) {
-            case 0: xcb_destroy_window(host.connection, parent); break;
-            case 1:
-                host.MakeParent();
-                xcb_reparent_window(host.connection, parent, host.parent, 10, 10);
-                break;
-            case 2: xcb_unmap_window(host.connection, parent); break;
-            default:
-                xcb_configure_window(host.connection, parent,
-                                     XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, sizes);
-        }
-        host.Sync();
-        for (std::uint64_t i = trial.Below(40); i > 0; --i) host.Idle();
-        audio.AwaitBlocks();
-        if (trial.OneIn(2)) host.Call(effEditClose);  // or the next open closes it
-        host.MakeParent();
-        ASSERT_TRUE(host.Open());
-        EXPECT_TRUE(Fresh(host) == fresh) << "the next window does not look as the first did";
-    });
-}
-
-// The display goes, is none, no such one, without fonts, or full. The host must not go with it.
-TEST(Window, ADisplayThatFailsTakesNeitherHostNorAudioWithIt) {
-    RunTrials({5, 1, 60, true}, [](Trial& trial) {
-        if (trial.number == 3) setenv("FONTCONFIG_FILE", "/dev/null", 1);
-        DisplayServer display;
-        EditorHost host;
-        const AudioThread audio(host.plugin);
-        const std::string name = getenv("DISPLAY");
-        std::vector<xcb_connection_t*> others;
-        if (trial.number == 0) {
-            ASSERT_TRUE(host.Open());
-            for (std::uint64_t i = trial.Below(20); i > 0; --i) host.Idle();
-            display.End();
-        }
-        if (trial.number == 1) unsetenv("DISPLAY");
-        if (trial.number == 2)
-            setenv("DISPLAY", std::array{"", ":4711", "nowhere.example:0", ":0.77", "x"}[trial.Below(5)], 1);
-        while (trial.number == 4 && (others.empty() || xcb_connection_has_error(others.back()) == 0))
-            others.push_back(xcb_connect(nullptr, nullptr));
-        for (int i = 0; i < 10; ++i) host.Idle();
-        EXPECT_EQ(host.Open(), trial.number == 3);
-        for (int i = 0; i < 10; ++i) host.Idle();
-        audio.AwaitBlocks();
-        for (xcb_connection_t* const other : others) xcb_disconnect(other);
-        if (trial.number == 0) return;
-        setenv("DISPLAY", name.c_str(), 1);
-        EXPECT_TRUE(host.Await([&] { return host.Open(); })) << "on a good display afterwards";
-    });
-}
-
-TEST(Window, SeveralWindowsShowEachItsOwnInstance) {
-    RunTrials({2, 1, 120}, [](Trial& trial) {
-        const DisplayServer display;
-        std::array<std::unique_ptr<EditorHost>, 4> hosts;
-        for (auto& host : hosts) host = std::make_unique<EditorHost>();
-        EditorHost other;  // answers for all, as the last one made
-        for (int operation = 0; operation < 200; ++operation) {
-            EditorHost& host = *hosts[trial.Below(hosts.size())];
-            switch (trial.Below(5)) {
-                case 0: EXPECT_TRUE(host.Open()); break;
-                case 1: host.Call(effEditClose); break;
-                case 2: host.plugin.setParameter(92, 2.0F + static_cast<float>(trial.Below(4))); break;
-                case 3:
                     host.plugin.setParameter(static_cast<std::int32_t>(trial.Below(88)),
                                              static_cast<float>(trial.Within(0, 1)));
                     break;
                 default: host.Idle();
             }
+            // The plug-in's own connection may lag behind the host's.
+            EXPECT_TRUE(AwaitThat([&] {
+                return host.Children(windows[i][0]).size() == (shown[i] == windows[i][0] ? 1 : 0) &&
+                       host.Children(windows[i][1]).size() == (shown[i] == windows[i][1] ? 1 : 0);
+            }));
         }
-        for (const auto& host : hosts) {
-            host->MakeParent(), host->Open();  // on top of all
-            const std::vector<std::uint8_t> shown = Fresh(*host);
-            for (std::int32_t i = 0; i < 96; ++i)
-                if (i != 88 && i != 89) other.plugin.setParameter(i, host->plugin.getParameter(i));
-            other.MakeParent(), other.Open();
-            EXPECT_TRUE(shown == Fresh(other)) << "not its own instance's values";
-            other.Call(effEditClose);
+        audio->AwaitBlocks();
+        audio.reset();                    // the levels come to rest
+        for (EditorHost& host : hosts) {  // in a window on top of all, and in another instance's
+            host.MakeParent(), host.Open();
+            const std::vector<std::uint8_t> picture = Picture(host);
+            EditorHost other;
+            for (std::int32_t index = 0; index < 96; ++index)
+                if (index != 88 && index != 89)
+                    other.plugin.setParameter(index, host.plugin.getParameter(index));
+            other.Open();
+            EXPECT_TRUE(picture == Picture(other)) << "not its own instance's values";
+        }
+    });
+}
+
+// What may happen to the host's window, and to the display. The host must not go with it.
+enum Event {
+    destroyed,
+    reparented,
+    unmapped,
+    tiny,
+    huge,
+    displayEnds,
+    noDisplay,
+    otherDisplay,
+    noFonts,
+    full
+};
+
+TEST(Window, AWindowOrDisplayThatFailsTakesNeitherHostNorAudioWithIt) {
+    RunTrials({full + 1, 1, 60, true}, [](Trial& trial) {
+        if (trial.number == noFonts) setenv("FONTCONFIG_FILE", "/dev/null", 1);
+        DisplayServer display;
+        EditorHost host;
+        const AudioThread audio(host.plugin);
+        const std::string name = getenv("DISPLAY");
+        const bool openBefore = trial.number <= displayEnds;
+        std::vector<std::uint8_t> first;
+        if (openBefore && host.Open()) first = Picture(host);
+        ASSERT_EQ(openBefore, !first.empty());
+        const xcb_window_t parent = host.parent;
+        const std::uint32_t size = trial.number == tiny ? 1 : 32767, sizes[] = {size, size};
+        std::vector<xcb_connection_t*> others;
+        switch (trial.number) {
+            case destroyed: xcb_destroy_window(host.connection, parent); break;
+            case reparented:
+                host.MakeParent();
+                xcb_reparent_window(host.connection, parent, host.parent, 10, 10);
+                break;
+            case unmapped: xcb_unmap_window(host.connection, parent); break;
+            case tiny:
+            case huge:
+                xcb_configure_window(host.connection, parent,
+                                     XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, sizes);
+                break;
+            case displayEnds: display.End(); break;
+            case noDisplay: unsetenv("DISPLAY"); break;
+            case otherDisplay: {
+                constexpr const char* displays[] = {"", ":4711", "nowhere.example:0", ":0.77", "x"};
+                setenv("DISPLAY", displays[trial.Below(5)], 1);
+                break;
+            }
+            case full:
+                while (others.empty() || xcb_connection_has_error(others.back()) == 0)
+                    others.push_back(xcb_connect(nullptr, nullptr));
+                break;
+            default: break;
+        }
+        host.Sync();
+        for (std::uint64_t i = trial.Below(40); i > 0; --i) host.Idle();
+        audio.AwaitBlocks();
+        if (trial.number >= displayEnds) {
+            EXPECT_EQ(host.Open(), trial.number == noFonts);
+            for (int i = 0; i < 10; ++i) host.Idle();
+            audio.AwaitBlocks();
+        }
+        for (xcb_connection_t* const other : others) xcb_disconnect(other);
+        if (trial.number == displayEnds) return;
+        setenv("DISPLAY", name.c_str(), 1);
+        if (trial.OneIn(2)) host.Call(effEditClose);  // or the next open closes it
+        host.MakeParent();
+        EXPECT_TRUE(host.Await([&] { return host.Open(); })) << "in a good window afterwards";
+        if (openBefore) {
+            EXPECT_TRUE(Picture(host) == first) << "the next window does not look as the first did";
         }
     });
 }
