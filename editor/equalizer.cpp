@@ -8,22 +8,21 @@ using namespace VSTGUI;
 namespace {
 
 constexpr std::int32_t bandsPerOctave = 12;
-constexpr std::int32_t lastOctave = 72;  // the last boundary within 84 bands
 
 // A gap of one pixel stands before the first bar and after each one.
 std::int32_t BarWidthFor(const CRect& size) {
-    return (static_cast<std::int32_t>(size.getWidth()) - EqualizerStroke::bars - 1) / EqualizerStroke::bars;
+    return (static_cast<std::int32_t>(size.getWidth()) - bandCount - 1) / bandCount;
 }
 
 }  // namespace
 
 CEqualizer::CEqualizer(const CRect& size, IControlListener* controlListener, std::int32_t controlTag)
     : CBufferedControl(size, controlListener, controlTag),
-      barHeights(EqualizerStroke::bars),
+      barHeights(bandCount),
       barWidth(BarWidthFor(size)),
       stroke(static_cast<std::int32_t>(size.getWidth()), static_cast<std::int32_t>(size.getHeight()),
              barWidth + 1) {
-    setMax(EqualizerStroke::bars - 1);
+    setMax(bandCount - 1);
 }
 
 void CEqualizer::setBarHeight(std::int32_t bar, std::int32_t pixels) {
@@ -57,11 +56,11 @@ void CEqualizer::Redraw() {
     fill(gridColor, CRect(0, height - 1, width, height));
     fill(gridColor, CRect(0, 0, 1, height));
     fill(gridColor, CRect(width - 1, 0, width, height));
-    for (std::int32_t bar = bandsPerOctave; bar <= lastOctave; bar += bandsPerOctave) {
+    for (std::int32_t bar = bandsPerOctave; bar < bandCount; bar += bandsPerOctave) {
         const CCoord x = (barWidth + 1) * bar;
         fill(gridColor, CRect(x, 0, x + 1, height));
     }
-    for (std::int32_t bar = 0; bar < EqualizerStroke::bars; ++bar) {
+    for (std::int32_t bar = 0; bar < bandCount; ++bar) {
         const CCoord x = (barWidth + 1) * bar + 1;
         fill(barColor,
              CRect(x, height - barHeights[static_cast<std::size_t>(bar)] - 2, x + barWidth, height - 1));

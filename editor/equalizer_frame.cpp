@@ -3,6 +3,7 @@
 #include "base/truncate.h"
 #include "editor/gui_editor.h"
 #include "editor/look.h"
+#include "parameters/parameters.h"
 #include "vst2/records.h"
 #include "vstgui/lib/cbitmap.h"
 #include "vstgui/lib/controls/cbuttons.h"
@@ -13,7 +14,6 @@ namespace {
 
 constexpr std::int32_t tagEqualizer = 11;
 constexpr std::int32_t tagOff = 0, tagHalf = 5, tagFull = 10;  // tenths of a full bar
-constexpr std::int32_t firstBar = 3;                           // the lowest bar's parameter
 
 }  // namespace
 
@@ -38,7 +38,7 @@ void CEqualizerFrame::valueChanged(CControl* control) {
     if (tag == tagEqualizer) {
         const std::int32_t bar = TruncateToInt32(control->getValue());
         const auto height = static_cast<float>(equalizer->barHeights[static_cast<std::size_t>(bar)]);
-        editor->valueChanged(bar + firstBar, height / static_cast<float>(equalizer->HighestBar()));
+        editor->valueChanged(paramFirstBar + bar, height / static_cast<float>(equalizer->HighestBar()));
     } else if (control->getValue() == 0) {  // released
         SetAllBars(static_cast<float>(tag * 0.1));
     }
@@ -46,17 +46,17 @@ void CEqualizerFrame::valueChanged(CControl* control) {
 
 void CEqualizerFrame::SetAllBars(float value) {
     const std::int32_t height = TruncateToInt32(value * static_cast<float>(equalizer->HighestBar()));
-    for (std::int32_t bar = 0; bar < EqualizerStroke::bars; ++bar) {
+    for (std::int32_t bar = 0; bar < bandCount; ++bar) {
         equalizer->barHeights[static_cast<std::size_t>(bar)] = height;
-        editor->valueChanged(bar + firstBar, value);
+        editor->valueChanged(paramFirstBar + bar, value);
     }
     equalizer->setDirty();
     invalid();
 }
 
 void CEqualizerFrame::setParameter(std::int32_t index, float value) {
-    if (index < firstBar || index >= firstBar + EqualizerStroke::bars) return;
-    const auto bar = static_cast<std::size_t>(index - firstBar);
+    if (index < paramFirstBar || index > paramLastBar) return;
+    const auto bar = static_cast<std::size_t>(index - paramFirstBar);
     equalizer->barHeights[bar] = TruncateToInt32(value * static_cast<float>(equalizer->HighestBar()));
     equalizer->setDirty();
 }

@@ -2,6 +2,8 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "parameters/parameters.h"
+
 // A freehand stroke over the bars of the equalizer: turns the mouse's positions, one an event, into bar
 // heights. It knows neither toolkit nor colours, only pixels of a control whose upper left corner is 0, 0.
 //
@@ -12,7 +14,6 @@
 // Threads: [ui].
 class EqualizerStroke {
 public:
-    static constexpr std::int32_t bars = 84;
     static constexpr std::int32_t frame = 3;  // pixels of a control's height that no bar can fill
 
     // Of a control `width` by `height` pixels whose bars stand `pitch` pixels apart.
@@ -46,11 +47,11 @@ template <typename Set>
 void EqualizerStroke::MoveTo(std::int32_t x, std::int32_t y, Set&& set) {
     const bool outside = x < 0 || x >= width;
     // A stroke that leaves to the right takes the last bar; within, the last pixel may belong to none.
-    x = Clamp(x, outside ? std::min(width, pitch * bars) - 1 : width - 1);
+    x = Clamp(x, outside ? std::min(width, pitch * bandCount) - 1 : width - 1);
     y = Clamp(y, highest);
     if (moved && x == lastX && y == lastY) return;
     const std::int32_t bar = x / pitch;
-    if (bar >= bars) return;
+    if (bar >= bandCount) return;
 
     if (!(moved && outside && bar == lastBar)) set(bar, highest - y);
     if (moved) {

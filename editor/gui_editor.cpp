@@ -12,6 +12,7 @@
 #include "editor/message_view.h"
 #include "editor/pictures.h"
 #include "editor/plug_window.h"
+#include "parameters/parameters.h"
 #include "vst2/records.h"
 #include "vstgui/lib/cresourcedescription.h"
 #include "vstgui/lib/platform/common/genericoptionmenu.h"
@@ -22,7 +23,6 @@
 namespace {
 
 constexpr std::int32_t backgroundId = 103;
-constexpr std::int32_t firstNoParameter = 99;  // tags from here on never reach the plug-in object
 
 // Menus within the window, in its colours; the toolkit's own are dark.
 VSTGUI::GenericOptionMenuTheme MenuTheme() {
@@ -87,7 +87,7 @@ bool guiEditor::MakeWindow(void* parent) {
     frame->addView(window);
 
     mailbox.drain([](std::int32_t, float) {});  // older than what is read now
-    for (std::int32_t i = 0; i < firstNoParameter; ++i) window->setParameter(i, effect->getParameter(i));
+    for (std::int32_t i = 0; i < codeEnd; ++i) window->setParameter(i, effect->getParameter(i));
     window->ShowHearing(CurrentHearing());
     isEditorOpen = true;
     lastIdleTick = Ticks();
@@ -190,7 +190,7 @@ VSTGUI::CBitmap* guiEditor::getBitmap(std::int32_t id) {
 }
 
 void guiEditor::valueChanged(std::int32_t tag, float value) {
-    if (tag < firstNoParameter) effect->setParameterFromEditor(tag, value);
+    if (tag < codeEnd) effect->setParameterFromEditor(tag, value);
     if (window != nullptr) window->onValueChanged(tag, value);
 }
 

@@ -4,15 +4,16 @@
 #include <cstdint>
 #include <span>
 
+#include "parameters/parameters.h"
+
 // One column of the scrolling picture: what each of its 252 pixels shows, as entries of the palette. The
 // bytes come one a band, the lowest note first: 0 for nothing, 1 to 254 for a level, 255 for a note that
 // sounds.
 //
 // Threads: pure functions, [any].
 
-constexpr int columnBands = 84;
 constexpr int pixelsPerBand = 3;
-constexpr int columnHeight = columnBands * pixelsPerBand;  // 252 pixels
+constexpr int columnHeight = bandCount * pixelsPerBand;  // 252 pixels
 constexpr std::uint8_t soundingEntry = 255;
 
 struct PaletteColor {
@@ -35,8 +36,8 @@ constexpr PaletteColor PaletteEntry(int entry) {
 // ignored.
 constexpr std::array<std::uint8_t, columnHeight> ColumnOf(std::span<const unsigned char> levels) {
     std::array<std::uint8_t, columnHeight> column = {};  // entry 0 is the ground
-    for (std::size_t i = 0; i < columnBands; ++i) {
-        const std::size_t band = columnBands - 1 - i;
+    for (std::size_t i = 0; i < bandCount; ++i) {
+        const std::size_t band = bandCount - 1 - i;
         const std::uint8_t level = band < levels.size() ? levels[band] : std::uint8_t{0};
         if (level == 0) continue;
         const std::size_t top = i * pixelsPerBand;

@@ -4,15 +4,17 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "parameters/parameters.h"
+
 // Carries "parameter index has this value" from any thread to the editor's. One slot an index: a value that
 // was not fetched yet is replaced by the newer one, so the views never run behind and no change costs memory.
 //
-// Indices 0 to 95 are the parameters, 97 the recording, 98 a new chord text; others are dropped.
+// Indices are parameters, codeRecording and codeChordText; others are dropped.
 // Threads: post [any], wait-free; drain [ui]. Two threads that post to one index at once leave one of the two
 // values.
 class Mailbox {
 public:
-    static constexpr std::int32_t slots = 99;
+    static constexpr std::int32_t slots = codeEnd;
 
     void post(std::int32_t index, float value) {
         if (index < 0 || index >= slots) return;

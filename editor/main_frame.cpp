@@ -2,6 +2,7 @@
 
 #include "editor/gui_editor.h"
 #include "editor/look.h"
+#include "parameters/parameters.h"
 #include "vst2/records.h"
 #include "vstgui/lib/cbitmap.h"
 
@@ -9,15 +10,12 @@ using namespace VSTGUI;
 
 namespace {
 
-constexpr std::int32_t tagRecord = 97, tagStop = 98, tagSave = 776, tagName = 777, tagVersion = 778;
+constexpr std::int32_t tagRecord = codeRecording, tagStop = 98, tagSave = 776, tagName = 777,
+                       tagVersion = 778;
 constexpr std::int32_t gestureClicks = 3;  // the hidden gesture wants a multiple of them
 constexpr float pressed = 0.5F;            // a button's value, at least
 
-struct SliderPlace {
-    CPoint position;
-    float initial;  // of the parameter; a click with the control key goes back to it
-};
-const SliderPlace sliderPlaces[] = {{{22, 29}, 0.87F}, {{69, 29}, 0.875F}, {{116, 29}, 0.79F}};
+const CPoint sliderPlaces[] = {{22, 29}, {69, 29}, {116, 29}};
 
 }  // namespace
 
@@ -25,11 +23,11 @@ CMainFrame::CMainFrame(guiEditor* itsEditor) : CORVAFrame(itsEditor, 113) {
     CBitmap* ground = getBitmap(104);
     CBitmap* handle = getBitmap(105);
     for (std::int32_t i = 0; i < sliderCount; ++i) {
-        const CRect area = controls::WholeOf(ground, sliderPlaces[i].position);
+        const CRect area = controls::WholeOf(ground, sliderPlaces[i]);
         const auto top = static_cast<std::int32_t>(area.top);
         const auto bottom = static_cast<std::int32_t>(area.bottom - handle->getHeight());
         sliders[i] = new CVerticalSlider(area, this, i, top, bottom, handle, ground);
-        sliders[i]->setDefaultValue(sliderPlaces[i].initial);
+        sliders[i]->setDefaultValue(ParameterInitialValue(i));  // of a click with the control key
         addView(sliders[i]);
 
         CRect below(area.left - 13, area.bottom + 1, 0, 0);

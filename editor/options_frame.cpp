@@ -6,44 +6,31 @@
 
 #include "editor/gui_editor.h"
 #include "editor/look.h"
-#include "plugin/parameter_table.h"
+#include "parameters/parameters.h"
 #include "vst2/records.h"
 #include "vstgui/lib/cbitmap.h"
 
 using namespace VSTGUI;
 
-namespace {
-
-// Tags are parameters.
-constexpr std::int32_t tagInstrument = 87, tagDevice = 88, tagDeviceEnabled = 89, tagChannel = 90,
-                       tagOutputToHost = 91, tagChordsEnabled = 93, tagChordsDelay = 94,
-                       tagSendProgramChange = 95;
-
-constexpr double deviceStep = 0.01;  // of parameter 88, one device
-constexpr float lastDevice = 100, lastChannel = 15;
-constexpr std::int32_t channels = 16;
-
-}  // namespace
-
 COptionsFrame::COptionsFrame(guiEditor* itsEditor) : CORVAFrame(itsEditor, 128) {
     const CCoord width = getWidth();
     const CCoord half = std::floor(width / 2);  // whole, or edges blur
-    chordsEnabled = AddSwitch(tagChordsEnabled, {34, 16}, 122);
-    chordsDelay = AddSlider(tagChordsDelay, {80, 40}, 110);
-    outputToHost = AddSwitch(tagOutputToHost, {34, 77}, 121);
+    chordsEnabled = AddSwitch(paramChordsEnabled, {34, 16}, 122);
+    chordsDelay = AddSlider(paramChordsDelay, {80, 40}, 110);
+    outputToHost = AddSwitch(paramOutputToHost, {34, 77}, 121);
     AddHostPicture();
-    deviceEnabled = AddSwitch(tagDeviceEnabled, {34, 136}, 123);
-    deviceMenu = AddMenu(tagDevice, CRect(34, 158, width - 13, 175));
+    deviceEnabled = AddSwitch(paramDeviceEnabled, {34, 136}, 123);
+    deviceMenu = AddMenu(paramDevice, CRect(34, 158, width - 13, 175));
     FillDeviceMenu();
-    channelMenu = AddMenu(tagChannel, CRect(34, 196, half, 213));
-    for (std::int32_t channel = 1; channel <= channels; ++channel) {
+    channelMenu = AddMenu(paramChannel, CRect(34, 196, half, 213));
+    for (std::int32_t channel = 1; channel <= channelCount; ++channel) {
         char entry[32];
         std::snprintf(entry, sizeof entry, "Channel: %2d", static_cast<int>(channel));
         channelMenu->addEntry(entry);
     }
     channelMenu->setValue(0);
-    sendProgramChange = AddSwitch(tagSendProgramChange, {half + 10, 196}, 138);
-    instrument = AddSlider(tagInstrument, {34, 221}, 111);
+    sendProgramChange = AddSwitch(paramSendProgramChange, {half + 10, 196}, 138);
+    instrument = AddSlider(paramInstrument, {34, 221}, 111);
     instrumentLabel = new CLabel(CRect(34, 242, width - 13, 259));
     instrumentLabel->setFont(EditorFont(12));
     addView(instrumentLabel);
@@ -109,29 +96,29 @@ void COptionsFrame::FillDeviceMenu() {
 
 // Of the slider's own value: the plug-in object's follows only after the label.
 void COptionsFrame::RefreshInstrumentLabel() {
-    instrumentLabel->setText(editor->ParameterDisplay(tagInstrument, instrument->getValue()).c_str());
+    instrumentLabel->setText(editor->ParameterDisplay(paramInstrument, instrument->getValue()).c_str());
 }
 
 void COptionsFrame::valueChanged(CControl* control) {
     const std::int32_t tag = control->getTag();
     const float value = control->getValue();
     switch (tag) {
-        case tagInstrument:
+        case paramInstrument:
             RefreshInstrumentLabel();
             editor->valueChanged(tag, value);
             break;
-        case tagDevice:
-            editor->valueChanged(tag, static_cast<float>(value * deviceStep));
+        case paramDevice:
+            editor->valueChanged(tag, DeviceValue(value));
             deviceEnabled->setValue(1);  // choosing a device switches the output on
             deviceEnabled->setDirty();
-            editor->valueChanged(tagDeviceEnabled, 1.0F);
+            editor->valueChanged(paramDeviceEnabled, 1.0F);
             break;
-        case tagDeviceEnabled:
-        case tagOutputToHost:
-        case tagChordsEnabled:
-        case tagChordsDelay:
-        case tagSendProgramChange: editor->valueChanged(tag, value); break;
-        case tagChannel: editor->valueChanged(tag, value / lastChannel); break;
+        case paramDeviceEnabled:
+        case paramOutputToHost:
+        case paramChordsEnabled:
+        case paramChordsDelay:
+        case paramSendProgramChange: editor->valueChanged(tag, value); break;
+        case paramChannel: editor->valueChanged(tag, ChannelValue(value)); break;
         default: break;
     }
     control->setDirty();
@@ -147,17 +134,17 @@ void COptionsFrame::setParameter(std::int32_t index, float value) {
         set(control, IsOn(newValue) ? 1.0F : 0.0F);
     };
     switch (index) {
-        case tagInstrument:
+        case paramInstrument:
             set(instrument, value);
             RefreshInstrumentLabel();
             break;
-        case tagDevice: set(deviceMenu, value * lastDevice); break;
-        case tagDeviceEnabled: turn(deviceEnabled, value); break;
-        case tagChannel: set(channelMenu, value * lastChannel); break;
-        case tagOutputToHost: turn(outputToHost, value); break;
-        case tagChordsEnabled: turn(chordsEnabled, value); break;
-        case tagChordsDelay: set(chordsDelay, value); break;
-        case tagSendProgramChange: turn(sendProgramChange, value); break;
+        case paramDevice: set(deviceMenu, DevicePosition(value)); break;
+        case paramDeviceEnabled: turn(deviceEnabled, value); break;
+        case paramChannel: set(channelMenu, ChannelPosition(value)); break;
+        case paramOutputToHost: turn(outputToHost, value); break;
+        case paramChordsEnabled: turn(chordsEnabled, value); break;
+        case paramChordsDelay: set(chordsDelay, value); break;
+        case paramSendProgramChange: turn(sendProgramChange, value); break;
         default: break;
     }
 }

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <string>
 
-#include "base/truncate.h"
 #include "editor/about_frame.h"
 #include "editor/equalizer_frame.h"
 #include "editor/gui_editor.h"
@@ -11,7 +10,7 @@
 #include "editor/main_frame.h"
 #include "editor/options_frame.h"
 #include "editor/window_menu.h"
-#include "plugin/parameter_table.h"
+#include "parameters/parameters.h"
 #include "vst2/records.h"
 #include "vstgui/lib/cbitmap.h"
 #include "vstgui/lib/controls/cbuttons.h"
@@ -22,8 +21,6 @@ using namespace VSTGUI;
 namespace {
 
 constexpr std::int32_t tagHelp = 4, tagHearing = 6;
-constexpr std::int32_t indexActivePage = 92, indexChordsEnabled = 93, indexChordText = 98;
-constexpr float pageOffset = 2;              // parameter 92 is the page plus 2
 constexpr std::int32_t hiddenGesture = 537;  // tags above it come from the hidden gesture alone
 constexpr std::int32_t equalizerPage = 1, firstEqualizerBars = 4;
 
@@ -155,18 +152,18 @@ void CPlugWindow::ShowChordLabel(bool show) {
 }
 
 void CPlugWindow::setParameter(std::int32_t index, float value) {
-    if (index == indexActivePage) {
-        const std::int32_t page = TruncateToInt32(value - pageOffset);
+    if (index == paramActivePage) {
+        const std::int32_t page = PageOf(value);
         if (page >= 0) showPage(page);
         return;
     }
-    if (index == indexChordsEnabled) ShowChordLabel(IsOn(value));
-    if (index == indexChordText) chordLabel->setText((" " + editor->effect->currentChordText()).c_str());
+    if (index == paramChordsEnabled) ShowChordLabel(IsOn(value));
+    if (index == codeChordText) chordLabel->setText((" " + editor->effect->currentChordText()).c_str());
     for (const auto& page : pages) page->setParameter(index, value);
 }
 
 void CPlugWindow::onValueChanged(std::int32_t tag, float value) {
-    if (tag == indexChordsEnabled) ShowChordLabel(IsOn(value));
+    if (tag == paramChordsEnabled) ShowChordLabel(IsOn(value));
     if (tag > hiddenGesture) {
         pages[equalizerPage]->setBackground(editor->getBitmap(177));
         pages[equalizerPage]->invalid();
@@ -188,7 +185,7 @@ void CPlugWindow::valueChanged(CControl* control) {
     if (tag == tagHearing) return OpenMenu(control->getViewSize().getTopLeft());
     if (IsOn(control->getValue())) {
         showPage(tag);
-        editor->valueChanged(indexActivePage, static_cast<float>(tag) + pageOffset);
+        editor->valueChanged(paramActivePage, PageValue(tag));
     } else {
         control->setValue(1.0F);  // the four act as one choice: the page that is shown stays chosen
         control->setDirty();

@@ -22,7 +22,8 @@ public:
 
     CPlugWindow(const VSTGUI::CRect& size, guiEditor* itsEditor, VSTGUI::CBitmap* background);
 
-    // A parameter has a new value: 92 chooses a page, 98 is a new chord text, all others go to the pages.
+    // A parameter has a new value: one chooses a page, codeChordText is a new chord text, all others go to
+    // the pages.
     void setParameter(std::int32_t index, float value);
     // A page changed something, after the plug-in object heard of it.
     void onValueChanged(std::int32_t tag, float value);

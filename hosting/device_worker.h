@@ -9,7 +9,7 @@
 
 #include "editor/mailbox.h"
 #include "hosting/hosted_object.h"
-#include "plugin/parameter_table.h"
+#include "parameters/parameters.h"
 
 // Whom the worker notifies that a device is not available.
 class IFallBackListener {

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "plugin/parameter_table.h"
+#include "parameters/parameters.h"
 
 // The ports of the LV2 plug-in: audio in and out, the notes, one control port a parameter, and
 // behind them what the other plug-in format has no parameter for. Hosts keep
@@ -25,12 +25,6 @@ enum Lv2Port : std::uint32_t {
 // Bytes that a host is asked to offer for the notes of one run: 682 events of 24 bytes each.
 constexpr std::uint32_t midiPortBytes = 16384;
 
-// A value with a name.
-struct ScalePoint {
-    float value;
-    std::string label;
-};
-
 // What a host is told of a control port.
 struct ControlPort {
     std::string symbol;
@@ -42,7 +36,7 @@ struct ControlPort {
     bool enumeration = false;  // the points are all there is to choose from
     bool automatic = true;     // worth an automation lane
     bool onGui = true;         // worth a control in a host's own view of the parameters
-    std::vector<ScalePoint> points;
+    std::vector<ParameterPoint> points;
 };
 
 ControlPort DescribeParameter(std::int32_t index);  // 0 to 95

@@ -1,35 +1,9 @@
 // Parameters 0 to 2, which steer the recognition, the text that a user types for them, and the program.
-#include <cstdio>
 #include <cstring>
-#include <sstream>
-#include <string>
 
 #include "base/text.h"
-#include "base/truncate.h"
-#include "plugin/parameter_table.h"
+#include "parameters/parameters.h"
 #include "plugin/plugin_object.h"
-
-namespace {
-
-constexpr float decibelsPerUnit = -40.0F;  // parameter 1 spans 0 to -40 dB
-
-std::int8_t VelocityOf(float value) {
-    return static_cast<std::int8_t>(static_cast<std::uint8_t>(TruncateToInt32(value * 127.0F)));
-}
-
-const char* InThirds(float value) {
-    return value <= 1.0F / 3.0F ? "low" : value <= 2.0F / 3.0F ? "med" : "high";
-}
-
-// What a user typed, read by the locale in force: leading blanks are skipped, trailing matter is ignored.
-template <typename Value>
-bool ReadTyped(const char* text, Value& value) {
-    std::istringstream typed{std::string(text)};
-    typed >> value;
-    return !typed.fail();
-}
-
-}  // namespace
 
 void CORVA_vst::setParameter(std::int32_t index, float value) {
     if (index < paramPolyphony || index > paramVelocity) return;
@@ -37,7 +11,7 @@ void CORVA_vst::setParameter(std::int32_t index, float value) {
     if (index == paramPolyphony)
         detector.SetRelativeThreshold(1.0F - value);
     else if (index == paramSensitivity)
-        detector.SetFloorDb(value * decibelsPerUnit);
+        detector.SetFloorDb(DecibelsOf(value));
     else
         noteRecorder.ChangeVelocity(VelocityOf(value));
     updateDisplay();
@@ -55,53 +29,20 @@ void CORVA_vst::getParameterLabel(std::int32_t index, char* text) {
 }
 
 void CORVA_vst::getParameterDisplay(std::int32_t index, char* text) {
-    const float value = getParameter(index);
-    switch (index) {
-        case paramPolyphony: CopyText(text, textRoom, InThirds(value)); break;
-        case paramSensitivity:
-            std::snprintf(text, textRoom, "%d dB", TruncateToInt32(value * decibelsPerUnit));
-            break;
-        case paramVelocity: std::snprintf(text, textRoom, "%d", VelocityOf(value)); break;
-        default: std::snprintf(text, textRoom, "%.2f", static_cast<double>(value)); break;
-    }
+    CopyText(text, textRoom, ParameterDisplay(index, getParameter(index)));
 }
 
 // For a value that is not (yet) set. Parameter 1 counts from the other end here, unlike its display.
 void CORVA_vst::getParameterValueDisplay(float value, std::int32_t index, char* text) {
-    switch (index) {
-        case paramPolyphony: CopyText(text, textRoom, InThirds(value)); break;
-        case paramSensitivity:
-            std::snprintf(text, textRoom, "%d dB", TruncateToInt32((1.0F - value) * decibelsPerUnit));
-            break;
-        case paramVelocity: std::snprintf(text, textRoom, "%d", VelocityOf(value)); break;
-        default: break;
-    }
+    if (index < paramPolyphony || index > paramVelocity) return;
+    CopyText(text, textRoom, ParameterDisplay(index, index == paramSensitivity ? 1.0F - value : value));
 }
 
 bool CORVA_vst::string2parameter(std::int32_t index, const char* text) {
-    if (text == nullptr) return false;
-    if (index == paramPolyphony) {
-        float threshold = 0;  // typed is the detector's relative threshold, not the parameter
-        if (!ReadTyped(text, threshold) || !(threshold >= 0.0F && threshold <= 1.0F)) return false;
-        setParameter(index, 1.0F - threshold);
-        return true;
-    }
-    if (index == paramSensitivity) {
-        float decibels = 0;
-        if (!ReadTyped(text, decibels) || !(decibels >= -40.0F && decibels <= 0.0F)) return false;
-        setParameter(index, decibels * -0.025F);
-        return true;
-    }
-    if (index == paramVelocity) {
-        int typed = 0;
-        if (!ReadTyped(text, typed)) return false;
-        const auto velocity = static_cast<std::int8_t>(static_cast<std::uint8_t>(typed));
-        if (velocity <= 0) return false;
-        setParameter(index,
-                     static_cast<float>(velocity) / 127.0F + 0.007F);  // so that truncation gives it back
-        return true;
-    }
-    return false;
+    float value = 0;
+    if (!ReadParameter(index, text, value)) return false;
+    setParameter(index, value);
+    return true;
 }
 
 void CORVA_vst::setProgramName(const char* name) {

@@ -3,11 +3,10 @@
 #include <stdexcept>
 #include <utility>
 
-#include "base/truncate.h"
 #include "delivery/note_recorder.h"
 #include "delivery/rt_midi_out.h"
 #include "desktop/message_box.h"
-#include "plugin/parameter_table.h"
+#include "parameters/parameters.h"
 
 namespace {
 
@@ -20,10 +19,6 @@ DeviceSwitch::DeviceSwitch(TNoteRecorder& noteRecorder, IMessageBox& messageBox,
     : recorder(noteRecorder), messages(messageBox), owner(switchOwner) {}
 
 DeviceSwitch::~DeviceSwitch() = default;
-
-std::uint32_t DeviceSwitch::DeviceIndex(float value) {
-    return static_cast<std::uint32_t>(TruncateToInt32(value * 100.0F));
-}
 
 void DeviceSwitch::SetDevice(float value) {
     Ask({paramDevice, value});
@@ -89,7 +84,7 @@ void DeviceSwitch::ApplyEnabled(bool enabled) {
 bool DeviceSwitch::openMidiDevice(float value) {
     std::unique_ptr<TRTMidiOut> opened;
     try {
-        opened = std::make_unique<TRTMidiOut>(DeviceIndex(value));
+        opened = std::make_unique<TRTMidiOut>(DeviceOf(value));
     } catch (const std::runtime_error& error) {
         messages.Show(error.what(), openingFailed);
         return false;

@@ -38,13 +38,11 @@ public:
     DeviceSwitch(const DeviceSwitch&) = delete;
     DeviceSwitch& operator=(const DeviceSwitch&) = delete;
 
-    void SetDevice(float value);  // device int(value x 100) of the list
+    void SetDevice(float value);
     void SetEnabled(bool enabled);
     void Start();  // the open device, if any, begins to deliver
     void Stop();
     void DeleteRetired();  // outputs that were still in use when they were switched off
-
-    static std::uint32_t DeviceIndex(float value);
 
     Relaxed<float> midiDeviceValue = 0.0F;    // raw value of parameter 88
     Relaxed<bool> midiDeviceEnabled = false;  // parameter 89: a device is open

@@ -10,11 +10,9 @@ class CORVAguivst;
 // What the plug-in object needs of an editor beyond the host's calls.
 class IPluginEditor : public AEffEditor {
 public:
-    // [any], the audio thread included: a parameter has a new value. Index chordTextChanged stands for no
-    // parameter: a new chord text is ready. Must neither wait nor touch a view on the calling thread.
+    // [any], the audio thread included: a parameter has a new value. Index codeChordText stands for
+    // no parameter: a new chord text is ready. Must neither wait nor touch a view on the calling thread.
     virtual void parameterChanged(std::int32_t index, float value) = 0;
-
-    static constexpr std::int32_t chordTextChanged = 98;
 };
 
 // Makes the editor of a plug-in object under construction, which it may keep but not yet call. Null, or an

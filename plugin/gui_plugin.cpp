@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <cmath>
 
+#include "base/text.h"
 #include "base/truncate.h"
 #include "delivery/rt_recording.h"
 #include "midifile/midi_exporter.h"
 #include "notes/notes.h"
 #include "notes/stream.h"
-#include "plugin/parameter_display.h"
 
 std::atomic<bool> editorCreationFailed{false};
 
@@ -35,18 +35,18 @@ CORVAguivst::CORVAguivst(audioMasterCallback host, EditorFactory makeEditor)
         setEditor(editorObject.get());
     }
     // No setter is called for the bars: the detector keeps its own gains until one is first changed.
-    for (Relaxed<float>& bar : equalizerBars) bar = 1.0F;
+    for (Relaxed<float>& bar : equalizerBars) bar = ParameterInitialValue(paramFirstBar);
     detector.equalizerEnabled = true;  // for good
 
     auto take = std::make_unique<TRTRecording>();
     recording = take.get();
     noteRecorder.AddOutput(recording);
     static_cast<void>(take.release());  // the recorder owns it from here on
-    applySendProgramChange(0.0F);
+    applySendProgramChange(ParameterInitialValue(paramSendProgramChange));
 
     auto chords = std::make_unique<TChordsListener>(static_cast<IChordOwner*>(this), chordsPerSecond);
     chordsListener = chords.get();
-    applyChordsDelay(0.0F);
+    applyChordsDelay(ParameterInitialValue(paramChordsDelay));
     noteRecorder.AddOutput(chordsListener);
     static_cast<void>(chords.release());
 }
@@ -146,15 +146,10 @@ float CORVAguivst::getParameter(std::int32_t index) {
     }
 }
 
-void CORVAguivst::getParameterDisplay(std::int32_t index, char* text) {
-    if (index < paramFirstBar || index >= parameterCount) return CORVA_vst::getParameterDisplay(index, text);
-    getParameterValueDisplay(getParameter(index), index, text);
-}
-
 void CORVAguivst::getParameterValueDisplay(float value, std::int32_t index, char* text) {
     if (index < paramFirstBar || index >= parameterCount)
         return CORVA_vst::getParameterValueDisplay(value, index, text);
-    ParameterDisplay(value, index, text);
+    CopyText(text, textRoom, ParameterDisplay(index, value));
 }
 
 // --- start and stop ---
@@ -206,7 +201,7 @@ void CORVAguivst::DeviceOpened() {
 }
 
 void CORVAguivst::ChordChanged() {
-    if (chordsEnabled) notifyEditor(IPluginEditor::chordTextChanged, 0.0F);
+    if (chordsEnabled) notifyEditor(codeChordText, 0.0F);
 }
 
 // --- for the editor ---

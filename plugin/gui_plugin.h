@@ -7,9 +7,9 @@
 
 #include "desktop/message_box.h"
 #include "harmony/chords_listener.h"
+#include "parameters/parameters.h"
 #include "plugin/device_switch.h"
 #include "plugin/editor_interface.h"
-#include "plugin/parameter_table.h"
 #include "plugin/plugin_object.h"
 
 class TRTRecording;
@@ -35,9 +35,8 @@ public:
     // Parameters, for the host [any].
     void setParameter(std::int32_t index, float value) override;
     float getParameter(std::int32_t index) override;
-    void getParameterDisplay(std::int32_t index, char* text) override;
     void getParameterValueDisplay(float value, std::int32_t index, char* text) override;
-    bool canParameterBeAutomated(std::int32_t index) override { return index < paramInstrument; }
+    bool canParameterBeAutomated(std::int32_t index) override { return IsAutomatable(index); }
 
     // A change that starts in the editor: applied, and told to the host, whose echo is not applied again.
     // [ui]
@@ -64,9 +63,9 @@ public:
     void usePreferredHearing();
     bool prefersHearing() const { return hearingIsPreferred; }
 
-    Relaxed<bool> recordingOn = false;      // the recording takes notes; changes under the recorder's lock
-    Relaxed<float> equalizerBars[84];       // raw values of parameters 3 to 86
-    Relaxed<float> instrumentValue = 0.0F;  // raw values of parameters 87, 90, 92, 94, 95
+    Relaxed<bool> recordingOn = false;        // the recording takes notes; changes under the recorder's lock
+    Relaxed<float> equalizerBars[bandCount];  // raw values of parameters 3 to 86
+    Relaxed<float> instrumentValue = 0.0F;    // raw values of parameters 87, 90, 92, 94, 95
     Relaxed<float> channelValue = 0.0F;
     Relaxed<float> activePageValue = 0.0F;
     Relaxed<float> chordsDelayValue = 0.0F;

@@ -9,6 +9,7 @@
 
 #include "base/text.h"
 #include "base/truncate.h"
+#include "parameters/parameters.h"
 #include "plugin/host_facts.h"
 #include "plugin/mem_log.h"
 #include "plugin/sample_conversion.h"
@@ -16,7 +17,6 @@
 namespace {
 
 constexpr std::int32_t bandOf440 = 45;
-constexpr std::int32_t bandCount = 84;  // C1 to B7
 constexpr float resonatorBandwidth = 0.02F;
 
 // Hz. Below, a frame of 10 ms has no sample; above, no host runs, and the tables would grow without bound.
@@ -88,9 +88,8 @@ CORVA_vst::CORVA_vst(audioMasterCallback host, std::int32_t numParams)
     getMasterVersion();  // some hosts set themselves up by these two questions; the answers are not used
     canHostDo("receiveVstMidiEvent");
 
-    CORVA_vst::setParameter(2, 0.79F);
-    CORVA_vst::setParameter(1, 0.875F);
-    CORVA_vst::setParameter(0, 0.87F);
+    for (const auto index : {paramVelocity, paramSensitivity, paramPolyphony})
+        CORVA_vst::setParameter(index, ParameterInitialValue(index));
     detects = CanDetectAt(getSampleRate());
 }
 

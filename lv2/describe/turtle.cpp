@@ -88,7 +88,7 @@ void AddControlPort(std::ostream& out, std::uint32_t index, const ControlPort& p
     if (const std::string properties = PropertiesOf(port); !properties.empty())
         out << " ;\n        lv2:portProperty " << properties;
     const char* before = " ;\n        lv2:scalePoint ";
-    for (const ScalePoint& point : port.points) {
+    for (const ParameterPoint& point : port.points) {
         out << before << "[ rdfs:label " << Quoted(point.label) << " ; rdf:value " << Number(point.value)
             << " ]";
         before = " ,\n            ";

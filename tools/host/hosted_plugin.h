@@ -10,10 +10,6 @@
 #include "tools/host/plugin_module.h"
 #include "tools/host/take.h"
 
-// Among the parameters, the equalizer bars of our own plug-in.
-inline constexpr std::int32_t firstBar = 3, bars = 84;
-inline constexpr std::int32_t paramActivePage = 92;
-
 // One instance of a loaded plug-in in this program's host: the life of the instance, and the date of each
 // event that it sends.
 //

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "parameters/parameters.h"
+
 // The longest period is announced first, so that every buffer is there whatever the server changes to.
 LivePlugin::LivePlugin(const PluginModule& module, std::int32_t newRate, std::int32_t newPeriod,
                        const std::vector<ParameterSetting>& parameters, const EarSettings& ear)
@@ -46,7 +48,7 @@ void LivePlugin::Change(std::int32_t newRate, std::int32_t newPeriod) {
     period = newPeriod;
     plugin.Change(newRate, std::min(newPeriod, longestBlock));
     // A new rate takes the gains of the equalizer's bars from the detector; the bars keep their values.
-    for (std::int32_t bar = firstBar; bar < firstBar + bars; ++bar)
+    for (std::int32_t bar = paramFirstBar; bar <= paramLastBar; ++bar)
         plugin.SetParameter(bar, plugin.Parameter(bar));
 }
 

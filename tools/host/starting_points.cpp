@@ -4,12 +4,11 @@
 #include <cmath>
 #include <stdexcept>
 
-#include "tools/host/hosted_plugin.h"
+#include "parameters/parameters.h"
 
 namespace {
 
-// The other parameters that the rows set, and the MIDI note of the first bar.
-constexpr int polyphony = 0, sensitivity = 1, firstBarNote = 24;
+constexpr int firstBarNote = 24;  // MIDI
 
 // clang-format off
 constexpr StartingPoint points[] = {
@@ -46,9 +45,9 @@ std::vector<ParameterSetting> SettingsFor(const std::string& name) {
                                            [&](const StartingPoint& p) { return p.name == name; });
     if (point == std::end(points))
         throw std::invalid_argument("no settings for '" + name + "'; there are: " + StartingPointNames());
-    std::vector<ParameterSetting> settings = {{polyphony, point->polyphony},
-                                              {sensitivity, point->sensitivity}};
-    for (int bar = 0; bar < bars; ++bar)
-        settings.push_back({firstBar + bar, BarGain(*point, firstBarNote + bar)});
+    std::vector<ParameterSetting> settings = {{paramPolyphony, point->polyphony},
+                                              {paramSensitivity, point->sensitivity}};
+    for (int bar = 0; bar < bandCount; ++bar)
+        settings.push_back({paramFirstBar + bar, BarGain(*point, firstBarNote + bar)});
     return settings;
 }

@@ -7,6 +7,7 @@
 #include <optional>
 #include <vector>
 
+#include "parameters/parameters.h"
 #include "tools/host/audio_file.h"
 #include "tools/host/commands/output_options.h"
 #include "tools/host/editor_window.h"
@@ -17,7 +18,6 @@ namespace {
 
 constexpr std::int32_t usualRate = 48000;  // Hz, where nothing is played
 constexpr std::size_t blockSize = 512;     // samples
-constexpr std::int32_t paramChordsEnabled = 93;
 const std::vector<std::string> pages = {"main", "equalizer", "options", "about"};
 
 struct EditOptions {
@@ -75,7 +75,7 @@ int Shot(const EditOptions& options) {
     const auto page = std::find(pages.begin(), pages.end(), options.page);
     GuardOutput({"OUT", options.target, pictureFirstBytes}, {options.audio}, options.force);
     Player player(options);
-    player.Plugin().SetParameter(paramActivePage, static_cast<float>(page - pages.begin()) + 2.0F);
+    player.Plugin().SetParameter(paramActivePage, PageValue(static_cast<std::int32_t>(page - pages.begin())));
     if (options.chords) player.Plugin().SetParameter(paramChordsEnabled, 1.0F);
     EditorWindow window(player.Plugin(), "ORVA Audio To MIDI");
     window.Run([&] {

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <charconv>
 
+#include "parameters/parameters.h"
 #include "tools/host/hosted_plugin.h"
 #include "tools/host/plugin_facts.h"
 #include "tools/host/starting_points.h"
@@ -37,7 +38,7 @@ ParameterSetting ParseParameter(const std::string& text, const std::vector<std::
     if (equals == std::string::npos) throw std::invalid_argument("\"" + text + "\" is not NAME=VALUE");
     const std::int32_t index = FindParameter(text.substr(0, equals), names);
     std::string typed = text.substr(equals + 1);
-    const float highest = index == paramActivePage ? 5 : 1;
+    const float highest = ParameterMaximum(index);
     float value = 0;
     if (ReadNumber(typed, value) && value >= 0 && value <= highest) return {index, value};
     if (plugin.Dispatch(effString2Parameter, index, 0, typed.data()) != 0)
@@ -68,7 +69,7 @@ std::vector<ParameterSetting> ParseParameters(const ParameterTexts& texts, const
                                               Ear ear) {
     std::vector<ParameterSetting> settings;
     const auto isOfClassic = [](const ParameterSetting& setting) {
-        return setting.index < firstBar || setting.value > 0;
+        return setting.index < paramFirstBar || setting.value > 0;
     };
     const char* option = "--for: ";
     try {

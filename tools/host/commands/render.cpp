@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "notes/notes.h"
+#include "parameters/parameters.h"
 #include "tools/host/audio_folder.h"
 #include "tools/host/commands/devices.h"
 #include "tools/host/commands/ear_options.h"
@@ -185,8 +186,8 @@ void Print(const Outcome& outcome) {
 void UseDevice(RenderOptions& options) {
     if (options.device.empty()) return;
     const std::uint32_t index = FindDevice(options.device);
-    options.settings.parameters.push_back({88, static_cast<float>(index) * 0.01F});
-    options.settings.parameters.push_back({89, 1.0F});
+    options.settings.parameters.push_back({paramDevice, DeviceValue(static_cast<float>(index))});
+    options.settings.parameters.push_back({paramDeviceEnabled, 1.0F});
     options.settings.realTime = true;
     options.settings.ended = [] { return EndSignal() != 0; };
     CatchEndSignals();
@@ -194,11 +195,10 @@ void UseDevice(RenderOptions& options) {
 }
 
 bool FollowsLevels(const RenderOptions& options) {
-    constexpr std::int32_t velocityParameter = 2;
     if (!options.velocity.empty()) return options.velocity == "follow";
     const auto& set = options.settings.parameters;
     return std::none_of(set.begin(), set.end(),
-                        [](const ParameterSetting& setting) { return setting.index == velocityParameter; });
+                        [](const ParameterSetting& setting) { return setting.index == paramVelocity; });
 }
 
 // Lines of JSON are printed as their files end, in whatever order; tables in the order of the files.
