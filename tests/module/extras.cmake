@@ -3,6 +3,6 @@ add_executable(plain_host ${CMAKE_CURRENT_LIST_DIR}/loader/plain_host.c)
 target_link_libraries(plain_host PRIVATE ${CMAKE_DL_LIBS} m)
 add_library(decoy MODULE ${CMAKE_CURRENT_LIST_DIR}/loader/decoy.c)
 target_compile_definitions(test_module PRIVATE ORVA_MODULE_FILE="$<TARGET_FILE:orva_vst>"
-  ORVA_PLAIN_HOST="$<TARGET_FILE:plain_host>" ORVA_DECOY="$<TARGET_FILE:decoy>" ORVA_SOURCES="${PROJECT_SOURCE_DIR}")
+  ORVA_PLAIN_HOST="$<TARGET_FILE:plain_host>" ORVA_DECOY="$<TARGET_FILE:decoy>")
 target_link_libraries(test_module PRIVATE ${CMAKE_DL_LIBS})
 add_dependencies(test_module orva_vst plain_host decoy)

@@ -6,12 +6,9 @@
 // Ends with 0 if each file loaded and worked, and if the state that the process shares among all of its parts
 // was the same before the loading, after it and after the unloading; otherwise says what was not.
 #define _GNU_SOURCE
-#include <dirent.h>
 #include <dlfcn.h>
 #include <fenv.h>
-#include <locale.h>
 #include <math.h>
-#include <signal.h>
 #include <stdint.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -49,14 +46,6 @@ static intptr_t Host(struct Effect* effect, int32_t opcode, int32_t index, intpt
     return opcode == 1 ? 2400 : opcode == 16 ? 44100 : 0;
 }
 
-static int Entries(const char* folder) {
-    DIR* listing = opendir(folder);
-    int count = 0;
-    while (listing != NULL && readdir(listing) != NULL) ++count;
-    if (listing != NULL) closedir(listing);
-    return count;
-}
-
 // --- what the process shares ---
 
 static void* XErrorHandler(const char* setter) {
@@ -68,53 +57,32 @@ static void* XErrorHandler(const char* setter) {
     return now == own ? NULL : now;
 }
 
+// In words, what a plug-in may not change; threads, files, signals and the like are looked at elsewhere.
 static char* State(void) {
-    static char text[3][16384];
+    static char text[3][4096];
     static int turn = 0;
     char* const begin = text[turn++ % 3];
-    char* to = begin;
     char* const end = begin + sizeof text[0];
-#define SAY(...) (to += snprintf(to, (size_t)(end - to), __VA_ARGS__))
-    SAY("locale %s\n", setlocale(LC_ALL, NULL));
-    for (int number = 1; number < NSIG; ++number) {
-        struct sigaction action;
-        if (sigaction(number, NULL, &action) == 0)
-            SAY("signal %d %p %x\n", number, (void*)action.sa_handler, (unsigned)action.sa_flags);
-    }
-    sigset_t mask;
-    sigprocmask(SIG_BLOCK, NULL, &mask);
-    for (int number = 1; number < NSIG; ++number)
-        if (sigismember(&mask, number) == 1) SAY("blocked %d\n", number);
-    SAY("environment %p\n", (void*)environ);
-    uint64_t hash = 0;
-    for (char** entry = environ; *entry != NULL; ++entry)
-        for (const char* byte = *entry; *byte != '\0'; ++byte) hash = hash * 31 + (unsigned char)*byte;
-    SAY("its text %llx\n", (unsigned long long)hash);
-    char folder[4096];
-    SAY("folder %s\n", getcwd(folder, sizeof folder) != NULL ? folder : "none");
     const mode_t files = umask(0);
     umask(files);
-    SAY("umask %o\n", files);
+    char* to = begin + snprintf(begin, sizeof text[0], "umask %o\nrounding %d\nX errors %p %p\n", files,
+                                fegetround(), XErrorHandler("XSetErrorHandler"),
+                                XErrorHandler("XSetIOErrorHandler"));
     for (int kind = 0; kind < RLIM_NLIMITS; ++kind) {
         struct rlimit limit;
         if (getrlimit((__rlimit_resource_t)kind, &limit) == 0)
-            SAY("limit %d %llu %llu\n", kind, (unsigned long long)limit.rlim_cur,
-                (unsigned long long)limit.rlim_max);
+            to += snprintf(to, (size_t)(end - to), "limit %d %llu %llu\n", kind,
+                           (unsigned long long)limit.rlim_cur, (unsigned long long)limit.rlim_max);
     }
-    SAY("open files %d\nthreads %d\nrounding %d\n", Entries("/proc/self/fd"), Entries("/proc/self/task"),
-        fegetround());
 #if defined(__SSE2__)
-    SAY("vector control %x\n", _mm_getcsr() & ~0x3FU);
+    snprintf(to, (size_t)(end - to), "vector control %x\n", _mm_getcsr() & ~0x3FU);
 #endif
-    SAY("X errors %p %p\n", XErrorHandler("XSetErrorHandler"), XErrorHandler("XSetIOErrorHandler"));
     return begin;
 }
 
 static int Differ(const char* before, const char* after, const char* when) {
     if (strcmp(before, after) == 0) return 0;
-    while (*before == *after) ++before, ++after;  // to the first difference
-    while (after[-1] != '\n' && before[-1] == after[-1]) --before, --after;
-    fprintf(stderr, "%s: %.60s became %.60s\n", when, before, after);
+    fprintf(stderr, "%s: from\n%sto\n%s", when, before, after);
     return 1;
 }
 
@@ -123,13 +91,11 @@ static int Differ(const char* before, const char* after, const char* when) {
 static int Play(void* file, const char* name) {
     struct Effect* (*const entry)(Callback*) = (struct Effect * (*)(Callback*)) dlsym(file, "VSTPluginMain");
     Dl_info info;
-    if (entry == NULL || dladdr((void*)entry, &info) == 0 || strcmp(info.dli_fname, name) != 0) {
-        fprintf(stderr, "%s: no entry of its own\n", name);
-        return 1;
-    }
-    struct Effect* const effect = entry(Host);
+    struct Effect* effect = NULL;
+    if (entry != NULL && dladdr((void*)entry, &info) != 0 && strcmp(info.dli_fname, name) == 0)
+        effect = entry(Host);
     if (effect == NULL) {
-        fprintf(stderr, "%s: not opened\n", name);
+        fprintf(stderr, "%s: no entry of its own, or not opened\n", name);
         return 1;
     }
     events = 0;
