@@ -208,6 +208,7 @@ TEST_F(PluginObject, TheEditorHearsOfAHostsChangesAndNotOfItsOwn) {
     effect->setParameterFromEditor(paramChannel, 0.25F);
     EXPECT_EQ(host.Count(audioMasterAutomate), 1);
     EXPECT_EQ(host.last.index, 90);
+    EXPECT_EQ(host.last.value, 0);
     EXPECT_EQ(host.last.opt, 0.25F);
     EXPECT_TRUE(TakenShown().empty());
     Set(200, 1);  // no parameter: nothing, but the editor hears of it
