@@ -68,13 +68,6 @@ TEST_F(Lv2Device, ADeviceThatIsNotAvailableIsReportedOnce) {
         host.Work();
     }
     EXPECT_EQ(Opened(), Calls{"open 0"});
-    layer.refusedOpens.clear();
-    for (const float request : {0.0F, 1.0F}) {
-        host.control[paramDeviceEnabled] = request;
-        host.Run({});
-    }
-    host.Work();
-    EXPECT_EQ(Opened(), Calls{"open 0"});
 }
 
 }  // namespace
