@@ -4,6 +4,7 @@
 #include <chrono>
 #include <filesystem>
 
+#include "base/file_path.h"
 #include "desktop/module_folder.h"
 #include "desktop/shell.h"
 #include "devices/midi_device_list.h"
@@ -326,10 +327,10 @@ void guiEditor::OpenMail(const std::string& address) {
 void guiEditor::OpenHelp() {
     errands.emplace_back([this] {
         const std::filesystem::path file = ModuleFolder() / "orva_vst.chm";
-        if (SystemShell().OpenHelpFile(file.string())) return;
+        if (SystemShell().OpenHelpFile(Utf8(file))) return;
         const std::filesystem::path manual = ManualOf(ModuleFolder());
-        if (!manual.empty() && SystemShell().OpenHelpFile(manual.string())) return;
-        ShowMessage("The help could not be opened:\n" + (manual.empty() ? file : manual).string(), "Error");
+        if (!manual.empty() && SystemShell().OpenHelpFile(Utf8(manual))) return;
+        ShowMessage("The help could not be opened:\n" + Utf8(manual.empty() ? file : manual), "Error");
     });
 }
 

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <limits>
 
+#include "base/file_path.h"
+
 namespace {
 
 constexpr std::int32_t lastPosition = std::numeric_limits<std::int32_t>::max();
@@ -15,7 +17,7 @@ void ForgetEnd(std::fstream& file) {
 }  // namespace
 
 TFStream::TFStream(const std::string& path, std::ios_base::openmode mode, std::int32_t size)
-    : file(path, mode),
+    : file(FilePath(path), mode),
       buffer(std::make_unique<std::uint8_t[]>(static_cast<std::size_t>(std::max(size, smallestBuffer)))),
       bufferSize(std::max(size, smallestBuffer)) {}
 

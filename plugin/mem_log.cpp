@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <fstream>
 
+#include "base/file_path.h"
+
 void MemLog::append(const std::string& block) {
     if (block.empty()) return;
     const std::lock_guard<std::mutex> held(guard);
@@ -27,7 +29,7 @@ std::string MemLog::text() const {
 }
 
 bool MemLog::saveToFile(const std::string& path) const {
-    std::ofstream file(path, std::ios::out | std::ios::trunc);
+    std::ofstream file(FilePath(path), std::ios::out | std::ios::trunc);
     if (!file.is_open()) return false;
     file << text();
     file.close();
