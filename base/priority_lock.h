@@ -1,7 +1,12 @@
 #pragma once
-#include <pthread.h>
-
 #include <chrono>
+#ifdef _WIN32  // which lends no priorities
+#include <mutex>
+using SystemLock = std::recursive_timed_mutex;
+#else
+#include <pthread.h>
+using SystemLock = pthread_mutex_t;
+#endif
 
 // A recursive lock that lends the waiter's priority to its holder, so that a thread of low priority which
 // holds it cannot be kept from running while the audio thread waits. Works with std::lock_guard.
@@ -20,5 +25,5 @@ public:
     bool try_lock_for(std::chrono::milliseconds patience);  // by the system's clock
 
 private:
-    pthread_mutex_t mutex;
+    SystemLock mutex;
 };
