@@ -1,9 +1,7 @@
 #pragma once
-#include <sys/types.h>
-
 #include <cstdint>
+#include <memory>
 #include <string>
-#include <vector>
 
 // What a dialog that asks for a file to write shows and proposes.
 struct FileDialogRequest {
@@ -11,15 +9,18 @@ struct FileDialogRequest {
     std::string filterName;    // as the user reads it: "MIDI Files (*.mid)"
     std::string extension;     // without its dot; given to a name that has none
     std::string proposedName;  // may be empty
-    std::uint32_t owner = 0;   // the X window above which it stays; 0 for none
+    std::uint32_t owner = 0;   // the window above which it stays, by its number; 0 for none
 };
 
-// The desktop's own dialog for a file to write: zenity or kdialog, found on the PATH and run as a program of
-// its own, without a shell, so that it neither blocks the caller nor brings a second toolkit into the host's
-// process. The program gets nothing of ours but its arguments: no open file beyond the three standard ones.
+// The desktop's own dialog for a file to write, which neither blocks the caller nor runs its messages. It
+// asks before it gives the name of a file that exists, whether by itself or by the extension that is added.
 //
-// The program asks before it gives the name of a file that exists. Where the extension that is added here
-// makes it one, a second dialog asks; if the user declines, the first comes again.
+// On Linux: zenity or kdialog, found on the PATH and run as a program of its own, without a shell, so that no
+// second toolkit comes into the host's process. The program gets nothing of ours but its arguments: no open
+// file beyond the three standard ones. Where the extension that is added here names a file that exists, a
+// second dialog asks; if the user declines, the first comes again.
+//
+// On Windows: the system's, on a thread of its own. The module stays loaded until that has ended.
 //
 // One dialog at a time. Its answer is fetched by polling; nothing here waits for the user.
 // Threads: all calls on one thread, [ui].
@@ -30,11 +31,11 @@ public:
         running,    // the user is choosing
         chosen,     // path() is the answer
         cancelled,  // the user chose none
-        failed,     // the program ended in another way
+        failed,     // the dialog ended in another way
     };
 
-    FileDialog() = default;
-    ~FileDialog() { End(); }  // a dialog that runs is ended, and no process is left behind
+    FileDialog();
+    ~FileDialog();  // a dialog that runs is ended, and no process is left behind
     FileDialog(const FileDialog&) = delete;
     FileDialog& operator=(const FileDialog&) = delete;
 
@@ -42,27 +43,16 @@ public:
     // is ended first.
     bool Start(const FileDialogRequest& wanted);
 
-    State Poll();  // reads what the program wrote so far and looks whether it has ended
+    State Poll();  // fetches what there is of an answer and looks whether the dialog has ended
     void End();    // back to idle
 
-    const std::string& Path() const { return path; }  // of a state `chosen`
-    pid_t Program() const { return program; }         // of the state `running`, else -1
+    const std::string& Path() const;  // of a state `chosen`
+    int Program() const;  // the process of the state `running`, where it has one of its own; else -1
 
-    // At most that much of what the program writes is kept; no path is longer.
+    // At most that much of what a program writes is kept; no path is longer.
     static constexpr std::size_t answerRoom = 8192;  // bytes
 
 private:
-    bool Run(const std::vector<std::string>& command);
-    void TakePath();
-    void ReadAnswer();
-    void CloseAnswer();
-    bool HasEnded(int* status);
-
-    State state = State::idle;
-    pid_t program = -1;  // leader of its own process group
-    int answerEnd = -1;  // we read what it writes
-    std::string answer;
-    std::string path;
-    FileDialogRequest request;
-    bool asksToReplace = false;  // the dialog that runs is the question about `path`
+    class Work;
+    std::unique_ptr<Work> work;
 };

@@ -34,7 +34,10 @@ private:
     IMessageWindow* window = nullptr;  // under lock; not owned
 };
 
-// The system's way: a dialog program, if there is one and a display; otherwise a line on standard error.
+// The desktop's way. On Linux a dialog program, if there is one and a display, otherwise a line on standard
+// error; on Windows the system's own box.
+IMessageBox& DesktopMessageBox();
+// The same, unless another stands in its place.
 IMessageBox& SystemMessageBox();
 // Another way in its place, or with null the system's own again. Not owned.
 void SubstituteSystemMessageBox(IMessageBox* box);

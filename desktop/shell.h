@@ -11,7 +11,9 @@ public:
     virtual bool OpenHelpFile(const std::string& path) = 0;
 };
 
-// The user's desktop, by way of xdg-open.
+// The user's desktop: by way of xdg-open on Linux, of the shell and the help viewer on Windows.
+IShell& DesktopShell();
+// The same, unless another stands in its place.
 IShell& SystemShell();
 // Another in its place, or with null the system's own again. Not owned.
 void SubstituteSystemShell(IShell* shell);

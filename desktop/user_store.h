@@ -9,7 +9,7 @@
 // The name is that of one setting, not a path: names that are empty, begin with a dot, hold a slash, a
 // backslash or a zero byte, or are longer than 200 bytes are no names.
 //
-// Threads: [any] but [audio]: both work on files. Errors: none are shown.
+// Threads: [any] but [audio]: both work on files or the registry. Errors: none are shown.
 
 // Whether the text is stored. On failure the old text stays.
 bool writeRegistryString(std::string_view subKey, std::string_view text);

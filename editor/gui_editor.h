@@ -98,8 +98,8 @@ private:
     Mailbox mailbox;
     std::vector<std::function<void()>> errands;  // for the next idle call
     FileDialog fileDialog;
-    pid_t ownedDialog = -1;  // the last whose windows were put above the host's
-    int attemptsToOwn = 0;   // for that one
+    int ownedDialog = -1;   // the last whose windows were put above the host's
+    int attemptsToOwn = 0;  // for that one
     std::function<void(const std::string&)> fileChosen;
     std::mutex messagesGuard;       // of `messages`; nothing else is done under it
     std::vector<Message> messages;  // not yet shown, oldest first

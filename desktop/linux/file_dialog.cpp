@@ -116,14 +116,57 @@ bool HasExtension(const std::string& path) {
 
 }  // namespace
 
+class FileDialog::Work {
+public:
+    bool Start(const FileDialogRequest& wanted);
+    State Poll();
+    void End();
+
+    State state = State::idle;
+    pid_t program = -1;  // leader of its own process group
+    std::string path;
+
+private:
+    bool Run(const Command& command);
+    void TakePath();
+    void ReadAnswer();
+    void CloseAnswer();
+    bool HasEnded(int* status);
+
+    int answerEnd = -1;  // we read what it writes
+    std::string answer;
+    FileDialogRequest request;
+    bool asksToReplace = false;  // the dialog that runs is the question about `path`
+};
+
+FileDialog::FileDialog() : work(std::make_unique<Work>()) {}
+FileDialog::~FileDialog() {
+    work->End();
+}
 bool FileDialog::Start(const FileDialogRequest& wanted) {
+    return work->Start(wanted);
+}
+FileDialog::State FileDialog::Poll() {
+    return work->Poll();
+}
+void FileDialog::End() {
+    work->End();
+}
+const std::string& FileDialog::Path() const {
+    return work->path;
+}
+int FileDialog::Program() const {
+    return work->program;
+}
+
+bool FileDialog::Work::Start(const FileDialogRequest& wanted) {
     End();
     request = wanted;
     asksToReplace = false;
     return Run(CommandFor(request, {}));
 }
 
-bool FileDialog::Run(const Command& command) {
+bool FileDialog::Work::Run(const Command& command) {
     answer.clear();
     state = State::failed;
     if (command.empty()) return false;
@@ -142,7 +185,7 @@ bool FileDialog::Run(const Command& command) {
     return true;
 }
 
-FileDialog::State FileDialog::Poll() {
+FileDialog::State FileDialog::Work::Poll() {
     if (state != State::running) return state;
     ReadAnswer();
     int status = 0;
@@ -165,7 +208,7 @@ FileDialog::State FileDialog::Poll() {
     return state;
 }
 
-void FileDialog::TakePath() {
+void FileDialog::Work::TakePath() {
     if (!answer.empty() && answer.back() == '\n') answer.pop_back();
     if (answer.empty()) return;
     path = answer;
@@ -178,7 +221,7 @@ void FileDialog::TakePath() {
                    "A file named \"" + NameOf(path) + "\" already exists. Do you want to replace it?"));
 }
 
-void FileDialog::ReadAnswer() {
+void FileDialog::Work::ReadAnswer() {
     char piece[4096];
     for (;;) {
         const ssize_t length = read(answerEnd, piece, sizeof piece);
@@ -191,7 +234,7 @@ void FileDialog::ReadAnswer() {
 // Looks first and takes the status last: until then the process group keeps its number, and nobody of it is
 // left to hold the pipe. A host that gathers all ended processes itself leaves no status; a path counts as
 // given then, and leave to replace a file does not.
-bool FileDialog::HasEnded(int* status) {
+bool FileDialog::Work::HasEnded(int* status) {
     siginfo_t info = {};
     if (waitid(P_PID, static_cast<id_t>(program), &info, WEXITED | WNOHANG | WNOWAIT) == 0) {
         if (info.si_pid == 0) return false;
@@ -204,12 +247,12 @@ bool FileDialog::HasEnded(int* status) {
     return true;
 }
 
-void FileDialog::CloseAnswer() {
+void FileDialog::Work::CloseAnswer() {
     if (answerEnd >= 0) close(answerEnd);
     answerEnd = -1;
 }
 
-void FileDialog::End() {
+void FileDialog::Work::End() {
     if (program > 0) {
         kill(-program, SIGKILL);
         pid_t ended = 0;

@@ -2,7 +2,6 @@
 
 #include <unistd.h>
 
-#include <atomic>
 #include <cerrno>
 #include <cstdlib>
 #include <string_view>
@@ -52,29 +51,9 @@ public:
     }
 };
 
-std::atomic<IMessageBox*> substitute{nullptr};
-
 }  // namespace
 
-void MessageBox::Show(const std::string& text, const std::string& caption) {
-    {
-        const std::lock_guard<std::mutex> hold(lock);
-        if (window != nullptr && window->TakeMessage(text, caption)) return;
-    }
-    SystemMessageBox().Show(text, caption);
-}
-
-void MessageBox::SetWindow(IMessageWindow* newWindow) {
-    const std::lock_guard<std::mutex> hold(lock);
-    window = newWindow;
-}
-
-IMessageBox& SystemMessageBox() {
+IMessageBox& DesktopMessageBox() {
     static IMessageBox& own = *new DialogOrLine;  // outlives all callers
-    IMessageBox* const other = substitute.load(std::memory_order_acquire);
-    return other != nullptr ? *other : own;
-}
-
-void SubstituteSystemMessageBox(IMessageBox* box) {
-    substitute.store(box, std::memory_order_release);
+    return own;
 }

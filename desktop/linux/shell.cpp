@@ -2,7 +2,6 @@
 
 #include <unistd.h>
 
-#include <atomic>
 #include <filesystem>
 #include <system_error>
 
@@ -10,7 +9,7 @@
 
 namespace {
 
-class DesktopShell : public IShell {
+class XdgShell : public IShell {
 public:
     bool OpenWebPage(const std::string& address) override { return Open(address); }
     bool OpenMail(const std::string& address) override {
@@ -31,16 +30,9 @@ private:
     }
 };
 
-std::atomic<IShell*> substitute{nullptr};
-
 }  // namespace
 
-IShell& SystemShell() {
-    static IShell& own = *new DesktopShell;  // outlives all callers
-    IShell* const other = substitute.load(std::memory_order_acquire);
-    return other != nullptr ? *other : own;
-}
-
-void SubstituteSystemShell(IShell* shell) {
-    substitute.store(shell, std::memory_order_release);
+IShell& DesktopShell() {
+    static IShell& own = *new XdgShell;  // outlives all callers
+    return own;
 }
