@@ -46,7 +46,12 @@ public:
     // absent.
     virtual std::vector<std::string> DeviceNames() = 0;
     virtual MidiOpening Open(const std::string& name) = 0;
+    // The device that stands for the user's choice of one, on systems that have it.
+    virtual MidiOpening OpenMapper() { return {nullptr, MMSYSERR_BADDEVICEID, {}}; }
 };
 
 // The layers of this operating system, in the order in which their devices are listed.
 std::vector<std::unique_ptr<MidiBackend>> SystemLayers();
+SystemVersion OperatingSystemVersion();
+// Whether devices may still be closed while the process ends or the module is unloaded.
+bool DevicesAreOurs();

@@ -1,11 +1,10 @@
 #include "devices/midi_ports.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <bit>
 #include <new>
 
+#include "devices/midi_backend.h"
 #include "devices/midi_device_list.h"
 
 namespace {
@@ -221,12 +220,10 @@ namespace {
 
 MidiPortTable& table = *new MidiPortTable;
 
-// Closes the table when the program ends. A copy of the process that a host forked and that ends by itself
-// must leave the devices alone: they are the first process's.
+// Closes the table when the program ends, where its devices are still ours to close.
 struct ProgramEnd {
-    const pid_t process = getpid();
     ~ProgramEnd() {
-        if (getpid() == process) table.Unload();
+        if (DevicesAreOurs()) table.Unload();
     }
 } programEnd;
 

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "base/wide_text.h"
+#include "devices/midi_device_list.h"
 
 namespace {
 
@@ -144,18 +145,20 @@ std::uint32_t SystemMidiOut::midiOutOpen(MidiOutHandle& handle, std::uint32_t id
     {
         const std::lock_guard<std::mutex> hold(listLock);
         layerTexts.clear();
-        if (id >= devices.size() || !devices[id].there) return MMSYSERR_BADDEVICEID;
+        const bool known = id < devices.size() && devices[id].there;
+        if (!known && id != midiMapperId) return MMSYSERR_BADDEVICEID;
         while (slot < maxOpen && slots[slot].taken) ++slot;
         if (slot == maxOpen) return MMSYSERR_NOMEM;
-        wanted = devices[id];
+        if (known) wanted = devices[id];
     }
-    MidiOpening opening = wanted.backend->Open(wanted.name);
+    MidiOpening opening =
+        wanted.backend != nullptr ? wanted.backend->Open(wanted.name) : backends.front()->OpenMapper();
     const std::lock_guard<std::mutex> hold(listLock);
     if (opening.code != MMSYSERR_NOERROR) {
         layerTexts[opening.code] = std::move(opening.text);
         return opening.code;
     }
-    ++devices[id].opened;  // ids hold while `reading` does
+    if (id != midiMapperId) ++devices[id].opened;  // ids hold while `reading` does
     slots[slot].id = id;
     handle = Admit(std::move(opening.device), slot);
     return MMSYSERR_NOERROR;
@@ -196,7 +199,7 @@ std::uint32_t SystemMidiOut::midiOutClose(MidiOutHandle handle) {
             std::this_thread::sleep_for(std::chrono::microseconds(50));
     slot.device.reset();
     const std::lock_guard<std::mutex> hold(listLock);
-    --devices[slot.id].opened;
+    if (slot.id != midiMapperId) --devices[slot.id].opened;
     slot.taken = false;
     return MMSYSERR_NOERROR;
 }

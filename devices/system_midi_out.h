@@ -11,8 +11,8 @@
 #include "devices/midi_backend.h"
 #include "devices/midi_out_devices.h"
 
-// The system's MIDI outputs: the ALSA sequencer's devices, then a JACK server's. A layer that is absent has
-// no devices, which is no error.
+// The system's MIDI outputs: on Linux the ALSA sequencer's devices, then a JACK server's; on Windows those of
+// its multimedia layer. A layer that is absent has no devices, which is no error.
 //
 // The list is read at its first use, when a device is opened, and by ReadDevices, and kept in between. An id
 // stands for the device that the list showed under it last: while devices come and go between showing and
@@ -36,7 +36,7 @@ public:
     std::uint32_t midiOutReset(MidiOutHandle handle) override;
     std::uint32_t midiOutLongMsg(MidiOutHandle handle, const MidiLongMessage& message) override;
     std::uint32_t midiOutGetErrorTextW(std::uint32_t code, MidiOutErrorTextW& text) override;
-    SystemVersion GetVersionExA() override { return {10, 0}; }  // of the kind that has no mapper
+    SystemVersion GetVersionExA() override { return OperatingSystemVersion(); }
     void ReadDevices() override;
 
     static constexpr std::size_t maxOpen = 128;  // devices at once; a parameter can name 101
@@ -54,7 +54,7 @@ private:
         std::atomic<std::uint32_t> inside{0};  // senders that are looking at handle and device
         std::unique_ptr<MidiDevice> device;    // changes only while handle is 0 and nobody is inside
         bool taken = false;                    // under listLock
-        std::vector<Known>::size_type id = 0;  // under listLock
+        std::uint32_t id = 0;                  // under listLock
     };
 
     std::vector<Known> Find();  // asks the layers; under reading
