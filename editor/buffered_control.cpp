@@ -24,6 +24,7 @@ void CBufferedControl::setDirty(bool dirty) {
 }
 
 void CBufferedControl::draw(CDrawContext* context) {
+    createBuffers();
     if (offscreenBitmap) offscreenBitmap->draw(context, getViewSize());
     setDirty(false);
 }

@@ -20,7 +20,8 @@ public:
 
     CLASS_METHODS_NOCOPY(CBufferedControl, CControl)
 
-    // Makes context and bitmap of the control's size, if they do not yet exist.
+    // Makes context and bitmap of the control's size, if they do not yet exist. Some systems have none to
+    // give before the window's first painting, so this is asked once more wherever they are needed.
     virtual void createBuffers();
 
 protected:

@@ -37,6 +37,7 @@ void CEqualizer::draw(CDrawContext* context) {
 }
 
 void CEqualizer::Redraw() {
+    createBuffers();
     if (!offscreen) return;
     bufferIsStale = false;
     const CCoord width = getWidth(), height = getHeight();

@@ -30,6 +30,7 @@ void CVolumeForm::createBuffers() {
 }
 
 void CVolumeForm::update(const std::vector<unsigned char>& levels) {
+    createBuffers();
     if (offscreen && backOffscreen) {
         backOffscreen->beginDraw();
         offscreenBitmap->draw(backOffscreen, CRect(1, 0, getWidth(), getHeight()));
