@@ -26,7 +26,17 @@ target_compile_options(orva_flags INTERFACE
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   target_compile_options(orva_flags INTERFACE -fno-gnu-unique)
 endif()
-if(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64")
+if(WIN32)
+  target_compile_definitions(orva_flags INTERFACE UNICODE _UNICODE WIN32_LEAN_AND_MEAN NOMINMAX)
+  target_link_options(orva_flags INTERFACE -fstack-protector-strong)
+  if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+    # Arithmetic as with 64 bits, and hosts that align the stack to 4 bytes.
+    target_compile_options(orva_flags INTERFACE -msse2 -mfpmath=sse -mstackrealign)
+  else()
+    # The compiler believes in a stack of 32 bytes' alignment, which the system does not give.
+    target_compile_options(orva_flags INTERFACE -Wa,-muse-unaligned-vector-move)
+  endif()
+elseif(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64")
   target_compile_options(orva_flags INTERFACE -fcf-protection)
 endif()
 

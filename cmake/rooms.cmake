@@ -24,23 +24,33 @@ endfunction()
 # library ROOM; it exports the names of the version script EXPORTS and nothing else.
 # It stays mapped once loaded (-z nodelete): the editor's text library does not survive a second load.
 # The entry symbols exist in the file only, never in a static library.
+# Windows has another list of names, and nothing that keeps a module loaded: the editor sees to it where it must.
 function(orva_plugin_file target entry exports room)
   add_library(${target} MODULE ${PROJECT_SOURCE_DIR}/${entry})
   set_target_properties(${target} PROPERTIES PREFIX "" LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR})
   target_link_libraries(${target} PRIVATE ${room} Threads::Threads)
   set(exports ${PROJECT_SOURCE_DIR}/${exports})
+  set_target_properties(${target} PROPERTIES LINK_DEPENDS ${exports})
+  if(WIN32)
+    string(REPLACE .map .def definitions ${exports})
+    target_sources(${target} PRIVATE ${definitions})
+    target_link_options(${target} PRIVATE -static -s -Wl,--no-insert-timestamp)
+    return()
+  endif()
   target_link_options(${target} PRIVATE
     -Wl,--version-script=${exports} -Wl,-Bsymbolic -Wl,--exclude-libs,ALL
     -Wl,-z,nodelete -Wl,-z,now -Wl,-z,relro -Wl,-z,noexecstack)
   if(NOT ORVA_SANITIZE)
     target_link_options(${target} PRIVATE -Wl,-z,defs)
   endif()
-  set_target_properties(${target} PROPERTIES LINK_DEPENDS ${exports})
 endfunction()
 
 # The plug-in for VST 2 hosts: every room in one file with three entry points, `main` among them.
 function(orva_module)
   orva_plugin_file(orva_vst module/entry/entry_points.cpp module/exports.map orva_module)
+  if(WIN32 AND CMAKE_SIZEOF_VOID_P EQUAL 4)
+    set_target_properties(orva_vst PROPERTIES OUTPUT_NAME orva_vst_32) # beside that of 64 bits
+  endif()
 endfunction()
 
 # The plug-in for LV2 hosts: a folder with the file that they load and its description, which is written by a

@@ -1,6 +1,6 @@
 # Run-time choice of the instruction set.
-pkg_check_modules(HWY REQUIRED IMPORTED_TARGET libhwy)
-target_link_libraries(orva_engine PRIVATE PkgConfig::HWY)
+include(${PROJECT_SOURCE_DIR}/cmake/highway.cmake)
+target_link_libraries(orva_engine PRIVATE highway)
 
 # The inner loops are worth the compiler's full effort, in every build that is not for debugging.
 if(NOT CMAKE_BUILD_TYPE STREQUAL "Debug" AND NOT ORVA_SANITIZE)

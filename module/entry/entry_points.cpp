@@ -2,6 +2,8 @@
 // a static library, `main` would become some program's own.
 #include "module/plugin_entry.h"
 
+#define ORVA_TEXT_OF_(name) #name
+#define ORVA_TEXT_OF(name) ORVA_TEXT_OF_(name)
 #define ORVA_EXPORT __attribute__((visibility("default")))
 
 extern "C" {
@@ -9,7 +11,7 @@ extern "C" {
 ORVA_EXPORT AEffect* VSTPluginMain(audioMasterCallback host);
 ORVA_EXPORT AEffect* MAIN(audioMasterCallback host);
 // The compiler knows `main` as the start of a program; the linker's name is all that a host asks for.
-ORVA_EXPORT AEffect* PluginMain(audioMasterCallback host) __asm__("main");
+ORVA_EXPORT AEffect* PluginMain(audioMasterCallback host) __asm__(ORVA_TEXT_OF(__USER_LABEL_PREFIX__) "main");
 
 AEffect* VSTPluginMain(audioMasterCallback host) {
     return OpenPlugin(host);
