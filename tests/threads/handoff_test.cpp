@@ -3,14 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <cstring>
 #include <set>
 #include <thread>
 
 #include "delivery/note_recorder.h"
 #include "delivery/rt_midi_out.h"
 #include "delivery/rt_recording.h"
-#include "delivery/vst_midi_out.h"
 #include "harmony/chords_listener.h"
 #include "tests/delivery/fakes.h"
 #include "tests/editor/editor_host.h"
@@ -20,10 +18,16 @@
 
 namespace {
 
-// Bands that a test sets by hand, all at full level.
-class LoudDetector : public FakeDetector {
-public:
-    LoudDetector() { std::fill_n(level, numBands, 1.0F); }
+// A recorder on bands that a test sets by hand, all at full level.
+struct Bands {
+    Bands() {
+        std::fill_n(detector.level, detector.numBands, 1.0F);
+        recorder.Attach(&detector);
+        recorder.Activate(0);
+        recorder.sendProgramChange = false;
+    }
+    FakeDetector detector;
+    TNoteRecorder recorder;
 };
 
 struct Mapping {
@@ -41,63 +45,35 @@ bool IsWhole(std::uint32_t message, bool scaled) {
     for (const Mapping& mapping : mappings) {
         if (static_cast<std::uint32_t>(mapping.channel) != (message & 15U)) continue;
         const std::int32_t band = note - mapping.transpose - 24;
-        if (kind == 0xC0U) return true;
-        return band >= lowestBand && band <= highestBand &&
-               (kind == 0x80U ? velocity == 0 : kind == 0x90U && (scaled || velocity == mapping.velocity));
+        return kind == 0xC0U ||
+               (band >= lowestBand && band <= highestBand &&
+                (kind == 0x80U ? velocity == 0 : kind == 0x90U && (scaled || velocity == mapping.velocity)));
     }
     return false;
 }
 
-std::atomic<long> mixed{0}, sent{0};
-
-void Judge(std::uint32_t message) {
-    if (!IsWhole(message, false)) mixed.fetch_add(1, std::memory_order_relaxed);
-    sent.fetch_add(1, std::memory_order_relaxed);
-}
-
-class JudgingEffect : public IVSTMIDIEffect {
-public:
-    std::uint64_t GetTotalSamples() const override { return 0; }
-    bool HostIsAbleton() const override { return false; }
-    bool RaisesEarlyDates() const override { return false; }
-    void SendEvents(VstEvents& events) override {
-        std::uint32_t message = 0;
-        std::memcpy(&message, reinterpret_cast<const VstMidiEvent*>(events.events[0])->midiData, 3);
-        Judge(message);
-    }
-};
-
-class QuietOwner : public IChordOwner {
-public:
-    float GetSampleRate() const override { return 44100; }
-    void ChordChanged() override {}
-};
-
 TEST(Handoff, NoEventMixesTwoSettingsAndATakeStaysPaired) {
     RunTrials({10, 5}, [](Trial& trial) {
         static FakeDevices& devices = *new FakeDevices;
+        static std::atomic<long> mixed{0};
         devices.keepsLines = false;
-        devices.judge = Judge;
+        devices.judge = [](std::uint32_t message) {
+            if (!IsWhole(message, false)) ++mixed;
+        };
         SubstituteMidiOut(&devices);
-        LoudDetector detector;
-        JudgingEffect effect;
-        QuietOwner owner;
-        TNoteRecorder recorder;
-        recorder.Attach(&detector);
-        recorder.Activate(0);
+        Bands bands;
+        TNoteRecorder& recorder = bands.recorder;
         recorder.ChangeMapping(mappings[0].transpose, mappings[0].channel, mappings[0].velocity);
         auto* const recording = new TRTRecording;
-        for (TNoteOut* const output : std::initializer_list<TNoteOut*>{
-                 new TVSTMIDIOut(&effect), new TRTMidiOut(0), recording, new TChordsListener(&owner, 10)}) {
+        for (TNoteOut* const output : std::initializer_list<TNoteOut*>{new TRTMidiOut(0), recording}) {
             recorder.AddOutput(output);  // the recorder's from here on
             output->Start();
         }
         std::atomic<bool> done{false};
-        std::thread audio([&, seed = static_cast<unsigned>(trial.random())] {
-            std::minstd_rand random(seed);
+        std::thread audio([&, random = std::minstd_rand(static_cast<unsigned>(trial.random()))]() mutable {
             for (long frame = 0; frame < 1000 || !done.load(std::memory_order_relaxed); ++frame) {
                 for (int band = lowestBand; band <= highestBand; ++band)
-                    if (random() / 16 % 4 == 0) detector.Set(band, !detector.on[band]);
+                    if (random() / 16 % 4 == 0) bands.detector.Set(band, !bands.detector.on[band]);
                 recorder.OnFrame();
             }
         });
@@ -110,45 +86,45 @@ TEST(Handoff, NoEventMixesTwoSettingsAndATakeStaysPaired) {
         audio.join();
         recording->Stop();
         EXPECT_EQ(mixed, 0);
-        EXPECT_GT(sent, 0);
+        EXPECT_GT(devices.sent, 0);
         std::uint32_t open = 0;
         for (const TRecordEvent& event : recording->GetTake()) {
             ASSERT_TRUE(IsWhole(event.message, true)) << std::hex << event.message;
             const std::uint32_t kind = event.message & 0xF0U;
             if (kind == 0xC0U) continue;
-            ASSERT_EQ(open != 0, kind == 0x80U) << "each note on is followed by its own note off";
-            ASSERT_EQ(kind == 0x80U ? (open & 0xFF0FU) : 0, kind == 0x80U ? (event.message & 0xFF0FU) : 0);
-            open = kind == 0x90U ? event.message : 0;
+            ASSERT_EQ(open, kind == 0x80U ? event.message & 0xFF0FU : 0U) << "each on, then its own off";
+            open = kind == 0x90U ? event.message & 0xFF0FU : 0;
         }
         EXPECT_EQ(open, 0U);
     });
 }
 
-// What is being played, by number, and as the listener would name it.
-void Press(LoudDetector& detector, std::uint64_t number) {
+class QuietOwner : public IChordOwner {
+public:
+    float GetSampleRate() const override { return 44100; }
+    void ChordChanged() override {}
+};
+
+// What is being played, by number.
+void Press(Bands& bands, std::uint64_t number) {
     constexpr int roots[] = {33, 36, 40, 45, 47};
-    for (int band = 0; band < 84; ++band) detector.Set(band, false);
+    for (int band = 0; band < 84; ++band) bands.detector.Set(band, false);
     const int root = roots[number / 4 % 5];
-    if (number % 4 == 0) return;
-    for (const int above : {0, number % 4 == 1 ? 3 : 4, 7}) detector.Set(root + above, true);
-    if (number % 4 == 3) detector.Set(root + 10, true);
+    for (const int above : {0, number % 4 == 1 ? 3 : 4, 7, number % 4 == 3 ? 10 : 0})
+        bands.detector.Set(root + above, number % 4 != 0);
+    bands.recorder.OnFrame();
 }
 
 TEST(Handoff, EachChordNameThatIsReadWasWritten) {
     RunTrials({4, 1}, [](Trial& trial) {
-        LoudDetector detector;
+        Bands bands;
         QuietOwner owner;
-        TNoteRecorder recorder;
-        recorder.Attach(&detector);
-        recorder.Activate(0);
-        recorder.sendProgramChange = false;
         auto* const listener = new TChordsListener(&owner, 1000);  // an update in each frame
-        recorder.AddOutput(listener);
+        bands.recorder.AddOutput(listener);
         listener->setDelay(0);
         std::set<std::string, std::less<>> known = {""};
         for (std::uint64_t number = 0; number < 20; ++number) {
-            Press(detector, number);
-            recorder.OnFrame();
+            Press(bands, number);
             known.emplace(listener->currentChord().view());
         }
         ASSERT_GT(known.size(), 10U);
@@ -158,18 +134,14 @@ TEST(Handoff, EachChordNameThatIsReadWasWritten) {
             for (; !done.load(std::memory_order_relaxed); ++reads)
                 if (known.find(listener->currentChordCopy().view()) == known.end()) foreign = true;
         });
-        std::thread others([&, seed = static_cast<unsigned>(trial.random())] {
-            std::minstd_rand random(seed);
+        std::thread others([&, random = std::minstd_rand(static_cast<unsigned>(trial.random()))]() mutable {
             while (!done.load(std::memory_order_relaxed)) {
                 if (random() / 16 % 2 == 0) listener->Stop();
                 listener->setDelay(random() / 16 % 2001);
                 std::this_thread::yield();
             }
         });
-        for (long i = 0; i < 10000 || reads < 1000; ++i) {
-            Press(detector, trial.Below(20));
-            recorder.OnFrame();
-        }
+        for (long i = 0; i < 10000 || reads < 1000; ++i) Press(bands, trial.Below(20));
         done = true;
         reader.join();
         others.join();
@@ -192,16 +164,16 @@ TEST(Handoff, TheWindowShowsWhatAutomationSetLastBesideTheAudio) {
                 host.plugin.processReplacing(&samples, &samples, 441);
             }
         });
-        std::thread automation([&, seed = static_cast<unsigned>(trial.random())] {
-            std::minstd_rand random(seed);
-            for (int i = 0; i < 8000; ++i) {
-                auto index = static_cast<std::int32_t>(random() % 94);
-                if (index >= 88) index += 2;  // no device, which would bring up a message
-                host.plugin.setParameter(index, static_cast<float>(i % 101) / 100);
-            }
-            host.plugin.setParameter(92, 2.0F + static_cast<float>(random() % 3));
-            done = true;
-        });
+        std::thread automation(
+            [&, random = std::minstd_rand(static_cast<unsigned>(trial.random()))]() mutable {
+                for (int i = 0; i < 8000; ++i) {
+                    auto index = static_cast<std::int32_t>(random() % 94);
+                    if (index >= 88) index += 2;  // no device, which would bring up a message
+                    host.plugin.setParameter(index, static_cast<float>(i % 101) / 100);
+                }
+                host.plugin.setParameter(92, 2.0F + static_cast<float>(random() % 3));
+                done = true;
+            });
         EXPECT_TRUE(host.Open());
         for (int round = 0; !done || round < 30; ++round) {
             host.Idle();
@@ -212,15 +184,15 @@ TEST(Handoff, TheWindowShowsWhatAutomationSetLastBesideTheAudio) {
         automation.join();
         stop = true;
         audio.join();
-        const auto fresh = [&] {
+        host.Idle();  // takes what is waiting
+        const auto picture = [&] {
             host.Settle();
             return host.Pixels(0, 0, 267, 320);
         };
-        host.Idle();  // takes what is waiting
-        const std::vector<std::uint8_t> shown = fresh();
+        const std::vector<std::uint8_t> shown = picture();
         host.Call(effEditClose);
         EXPECT_TRUE(host.Open());  // and reads everything anew
-        EXPECT_TRUE(fresh() == shown);
+        EXPECT_TRUE(picture() == shown);
     });
 }
 
