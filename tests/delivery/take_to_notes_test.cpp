@@ -52,7 +52,6 @@ TEST(TakeToNotes, CountsTicksOfTheSameLengthAtEveryRate) {
     EXPECT_TRUE(Notes({On(0, 69), Off(10, 69)}, 1, 0).empty());
     // 2^32 ticks are 54 hours; a note across that line has an end before its begin, and is one tick long.
     const std::int64_t line = std::int64_t{1} << 32;
-    EXPECT_EQ(Notes({On(line + 5, 69), Off(line + 9, 69)}), (Score{N(5, 9)}));
     EXPECT_EQ(Notes({On(line - 9, 69), Off(line + 5, 69)}), (Score{N(4294967287, 4294967288)}));
 }
 

@@ -6,13 +6,11 @@
 
 #include <atomic>
 #include <cerrno>
-#include <random>
 #include <string>
 #include <thread>
 #include <utility>
 #include <vector>
 
-#include "devices/message_ring.h"
 #include "gtest/gtest.h"
 
 namespace {
@@ -205,27 +203,6 @@ TEST_F(SequencerDevices, LetTwoThreadsSendEachInItsOrderAndNeverBothInTheLibrary
     for (const std::uint32_t word : fake.words) {
         const int number = static_cast<int>((word >> 8 & 127U) + 128 * (word >> 16));
         ASSERT_GT(number, std::exchange(last[word & 1U], number));
-    }
-    const std::uint8_t exclusive[] = {0xF0, 1, 2, 0xF7};
-    EXPECT_EQ(device->SendLong({exclusive, 4}), MMSYSERR_NOERROR);
-    EXPECT_EQ(fake.words.back(), 4U);
-}
-
-TEST(MessageRing, KeepsTheOrderAndRefusesWhenItIsFull) {
-    MessageRing<int, 8> ring;
-    std::minstd_rand random(1);
-    int written = 0, read = 0;
-    for (int step = 0; step < 10000; ++step) {
-        if (random() % 2 == 0) {
-            ASSERT_EQ(ring.Push(written), written - read < 8);
-            if (written - read < 8) ++written;
-        } else {
-            ASSERT_EQ(ring.Ready(), read < written);
-            if (read == written) continue;
-            ASSERT_EQ(ring.Front(), read);
-            ASSERT_EQ(ring.Place(), static_cast<std::uint64_t>(read++));
-            ring.Pop();
-        }
     }
 }
 
