@@ -7,12 +7,6 @@
 
 namespace {
 
-std::unique_ptr<TNotes> WithBars(std::initializer_list<std::uint32_t> times) {
-    auto score = std::make_unique<TNotes>();
-    for (const std::uint32_t time : times) score->AddBar(time, 4);
-    return score;
-}
-
 // Each bar as time:number/beats.
 std::string Bars(const TNotes& score) {
     std::string text;
@@ -24,47 +18,40 @@ std::string Bars(const TNotes& score) {
 
 }  // namespace
 
-TEST(BarMap, ANewBarTakesItsNumberFromItsNeighboursAndLaterOnesFollow) {
-    const auto score = WithBars({100});
+TEST(BarMap, BarsAreNumberedByTheirNeighboursThroughEveryChange) {
+    const auto score = std::make_unique<TNotes>();
+    score->AddBar(100, 4);
     score->bars.begin()->second.barIndex = 5;
     for (const std::uint32_t time : {50U, 200U, 150U, 100U}) score->AddBar(time, 3);  // at 100 one stands
     EXPECT_EQ(Bars(*score), "50:5/3 100:6/4 150:7/3 200:8/3 ");
-    score->RemoveBar(100);
-    score->RemoveBar(101);  // no bar, no change
+    for (const std::uint32_t time : {100U, 101U}) score->RemoveBar(time);  // at 101 none stands
     score->ReplaceBar({150, {}}, {150, {77, 2}});
+    score->MoveBar(11, 50);
     EXPECT_EQ(Bars(*score), "50:5/3 150:6/2 200:7/3 ");
     score->MoveBar(150, 300);
-    score->MoveBar(11, 50);
     EXPECT_EQ(Bars(*score), "50:5/3 200:6/3 300:7/2 ");
     const auto [first, end] = score->BarsInRange(50, 200);  // half open on the left
     EXPECT_EQ(first->first, 200U);
     EXPECT_EQ(end->first, 300U);
     EXPECT_EQ(score->BarsInRange(200, 10).first, score->BarsInRange(200, 10).second);
-}
-
-TEST(BarMap, FillingCountsFromZeroToOnePastTheEndAndMergingKeepsHalfASecond) {
-    const auto score = WithBars({5});
     score->FillBars(25, 10, 3);  // 25 / 10 + 1 = 3 is the last number
     EXPECT_EQ(Bars(*score), "0:0/3 10:1/3 20:2/3 30:3/3 ");
+    for (const std::uint32_t time : {11024U, 11025U, 22050U}) score->AddBar(time, 4);
+    score->MergeCloseBars();
+    EXPECT_EQ(Bars(*score), "0:0/3 11025:1/4 22050:2/4 ");
     score->FillBars(lastTick, (1U << 31) + 1, 3);  // twice that is past the last tick
     EXPECT_EQ(Bars(*score), "0:0/3 2147483649:1/3 ");
     score->FillBars(25, 0, 3);
     EXPECT_TRUE(score->bars.empty());
-    const auto close = WithBars({0, 11024, 11025, 22049, 22050});
-    close->MergeCloseBars();
-    EXPECT_EQ(Bars(*close), "0:1/4 11025:2/4 22050:3/4 ");
-}
-
-TEST(BarMap, SpacingIsDefinedForEveryTempo) {
-    EXPECT_EQ(BarSpacing(4, 2, 120), 44100U);  // 4 * 5292000 / 480: two seconds
-    for (const auto& [shift, bpm] : {std::pair{31U, 1U << 31}, {32U, 120U}, {2U, 0U}})
-        EXPECT_EQ(BarSpacing(4, shift, bpm), 0U);
-    EXPECT_EQ(BarSpacing(lastTick, 0, 1), std::uint64_t{lastTick} * 5292000);
 }
 
 // Spacings from a few ticks, where most new bars are merged again, to several minutes. The digest is that of
 // adding and removing the bars one by one by the rules above.
 TEST(BarMap, NormalizingIsAddingAndRemovingOneByOne) {
+    EXPECT_EQ(BarSpacing(4, 2, 120), 44100U);  // 4 * 5292000 / 480: two seconds
+    for (const auto& [shift, bpm] : {std::pair{31U, 1U << 31}, {32U, 120U}, {2U, 0U}})
+        EXPECT_EQ(BarSpacing(4, shift, bpm), 0U);
+    EXPECT_EQ(BarSpacing(lastTick, 0, 1), std::uint64_t{lastTick} * 5292000);
     std::minstd_rand random(1);
     std::uint32_t digest = 0;
     for (int round = 0; round < 200; ++round) {
@@ -80,7 +67,4 @@ TEST(BarMap, NormalizingIsAddingAndRemovingOneByOne) {
         for (const char letter : Bars(*score)) digest = digest * 31 + static_cast<unsigned char>(letter);
     }
     EXPECT_EQ(digest, 3689638055U);
-    const auto gap = WithBars({0, 1, lastTick});
-    gap->NormalizeBars(4, 2, 5292000, lastTick);  // spacing 1: only bars half a second apart are made
-    EXPECT_LE(gap->bars.size(), lastTick / closestBars + 3);
 }

@@ -36,18 +36,13 @@ inline std::string WhatIsWrong(const TNoteMap& map, const TNoteList& expected) {
 inline std::string WhatIsWrong(const TNotes& score) {
     const std::string global = WhatIsWrong(score, score.notes);
     if (!global.empty()) return "map of all notes: " + global;
-    std::size_t filed = 0;
     for (unsigned pitch = 0; pitch < TPitchMaps::count; ++pitch) {
-        const TNoteMap& map = score.pitchMaps[static_cast<std::uint8_t>(pitch)];
-        filed += map.notes.size();
-        if (map.notes.empty() && map.points.empty()) continue;
         TNoteList ofPitch;
         for (TNote* note : score.notes)
             if (note->pitch == pitch) ofPitch.push_back(note);
-        const std::string wrong = WhatIsWrong(map, ofPitch);
+        const std::string wrong = WhatIsWrong(score.pitchMaps[static_cast<std::uint8_t>(pitch)], ofPitch);
         if (!wrong.empty()) return "map of pitch " + std::to_string(pitch) + ": " + wrong;
     }
-    if (filed != score.notes.size()) return "notes that no pitch map has";
     for (const TNote* note : score.notes)
         if (note->owner != &score) return "owner";
     return "";

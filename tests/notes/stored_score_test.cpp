@@ -2,7 +2,6 @@
 
 #include <memory>
 #include <stdexcept>
-#include <tuple>
 
 #include "notes/notes.h"
 #include "tests/notes/memory_stream.h"
@@ -10,31 +9,25 @@
 
 namespace {
 
-// The smallest useful file: one note, no layer, an empty title. docs/score_format.md works a like one
-// through.
-struct StoredScore {
-    Bytes head{'T', 'N', 'o', 't', 'e', 's', 0, 0, 0, 1};  // signature, version 1
-    Bytes rate{0, 0, 0x56, 0x22};                          // 22050
-    Bytes count{0, 0, 0, 1};                               //
-    Bytes note{0,    0,    0,    100,                      // begin
-               0,    0,    0,    200,                      // end
-               69,                                         // A 440, pitch 45
-               0xFF, 0xFF, 0xFD, 0x90,                     // level -624
-               5,    1,    2,                              // program, layer, channel
-               0,    0,    0,    9,                        // tag
-               0,    0,    0,    0x0C};                    // included and auxiliary
-    Bytes layers{0, 0, 0, 0};
-    Bytes title{0, 0, 0, 0};
-    Bytes tail{0x3C, 0, 0, 0, 0, 0, 0, 0, 0, 6, 4, 2, 0, 0};  // tempo 120, meter 4/4, no sharps, major
-    Bytes bars{0, 0, 0, 0, 0, 0, 0, 0};
+// One note, one named layer, one bar. docs/score_format.md works a like one through.
+// clang-format off
+const Bytes example = {
+    'T', 'N', 'o', 't', 'e', 's', 0, 0, 0, 1,      // signature, version 1
+    0, 0, 0x56, 0x22, 0, 0, 0, 1,                  // at 10: rate 22050, one note
+    0, 0, 0, 100, 0, 0, 0, 200,                    // at 18: begin, end
+    69, 0xFF, 0xFF, 0xFD, 0x90, 5, 1, 2,           // at 26: A 440 or pitch 45, level -624, program, layer, channel
+    0, 0, 0, 9, 0, 0, 0, 0x0C,                     // at 34: tag, included and auxiliary
+    0, 0, 0, 2, 0, 0, 0, 0, 0, 0, 0, 1, 'L',       // at 42: two names, "" and "L"
+    0, 0, 0, 2, 'H', 'i',                          // at 55: title
+    0x3C, 0, 0, 0, 0, 0, 0, 0, 0, 6, 4, 2, 0, 0,   // at 61: tempo 120, meter 4/4, no sharps, major
+    0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 7, 0, 0, 0, 3};  // at 75: one bar, tick 7, 3 beats
+// clang-format on
 
-    Bytes All() const {
-        Bytes all;
-        for (const Bytes* part : {&head, &rate, &count, &note, &layers, &title, &tail, &bars})
-            all.insert(all.end(), part->begin(), part->end());
-        return all;
-    }
-};
+Bytes Changed(std::size_t at, const Bytes& bytes, Bytes file = example) {
+    file.resize(std::max(file.size(), at + bytes.size()));
+    std::copy(bytes.begin(), bytes.end(), file.begin() + static_cast<std::ptrdiff_t>(at));
+    return file;
+}
 
 struct ReadScore {
     explicit ReadScore(const Bytes& bytes) {
@@ -51,73 +44,57 @@ struct ReadScore {
 
 }  // namespace
 
-TEST(StoredScore, AScoreOfOneNoteIsWrittenByteForByte) {
+TEST(StoredScore, AScoreOfOneNoteIsWrittenByteForByteAndReadAgainButForTheTag) {
     const auto score = std::make_unique<TNotes>();
-    score->AddNote(100, 200, 45, -624, 5, 1, 2)->tag = 9;
-    StoredScore stored;
-    stored.layers = {0, 0, 0, 2, 0, 0, 0, 0, 0, 0, 0, 1, 'L'};  // two names, "" and "L"
-    stored.title = {0, 0, 0, 2, 'H', 'i'};
-    stored.bars = {0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 7, 0, 0, 0, 3};  // one bar, tick 7, 3 beats
+    TNote& note = *score->AddNote(100, 200, 45, -624, 5, 1, 2);
+    note.tag = 9;
     score->layers[1].name = "L";
     score->title = "Hi";
     score->AddBar(7, 3);
-    EXPECT_EQ(Written(*score), stored.All());
+    EXPECT_EQ(Written(*score), example);
+    ReadScore read(example);
+    ASSERT_EQ(read.failure, "none");
+    EXPECT_TRUE(read.score->notes.at(0)->Equals(note));
+    EXPECT_EQ(read.score->notes[0]->tag, 0U);
+    EXPECT_EQ(read.score->layers.at(1).name, "L");
+    EXPECT_EQ(read.score->title, "Hi");
+    MemoryStream older(Text(Changed(9, {0})));  // version 0 has no bars, and leaves those that are there
+    read.score->Read(older);
+    EXPECT_EQ(read.score->bars.size(), 1U);
 }
 
-TEST(StoredScore, ReadingGivesWhatWasStoredButForTheTag) {
-    StoredScore stored;
-    stored.note[23] = 0x03;  // excluded both ways, neither included nor auxiliary
-    stored.tail = {0x3C, 0, 0, 0, 0, 0, 0, 0, 0, 5, 3, 3, 0xFE, 7};  // tempo 60, 3/8, two flats, minor
-    stored.bars = {0, 0, 0, 0, 0, 0, 0, 3, 0, 0, 0, 9, 0, 0, 0, 3,
-                   0, 0, 0, 5, 0, 0, 0, 4, 0, 0, 0, 9, 0, 0, 0, 8};
-    const ReadScore read(stored.All());
+TEST(StoredScore, EachFieldIsReadFromItsPlace) {
+    // Excluded both ways, neither included nor auxiliary; tempo 60, 3/8, two flats, minor; bars 9, 5, 9.
+    const Bytes changed = Changed(61, {0x3C, 0, 0, 0, 0, 0, 0, 0, 0, 5, 3, 3, 0xFE, 7}, Changed(41, {3}));
+    const ReadScore read(
+        Changed(82, {3, 0, 0, 0, 9, 0, 0, 0, 3, 0, 0, 0, 5, 0, 0, 0, 4, 0, 0, 0, 9, 0, 0, 0, 8}, changed));
     ASSERT_EQ(read.failure, "none");
-    TSimpleNote expected;
-    expected.Init(100, 200, 45, -624, 5, 1, 2);
-    expected.flags = nfExcludedA | nfExcludedB;
-    EXPECT_TRUE(read.score->notes.at(0)->Equals(expected));
-    EXPECT_EQ(read.score->notes[0]->tag, 0U);
+    EXPECT_EQ(read.score->notes.at(0)->flags, nfExcludedA | nfExcludedB);
     EXPECT_EQ(read.score->tempo, 60.0);
     EXPECT_EQ(read.score->meterNumerator, 3);
+    EXPECT_EQ(read.score->meterDenominatorLog2, 3);
     EXPECT_EQ(read.score->keySharps, -2);
     EXPECT_TRUE(read.score->keyMinor);
     EXPECT_EQ(read.score->bars, (TBars{{5, {2, 4}}, {9, {1, 3}}}));  // numbered as in the file, none replaced
-    stored.head[9] = 0;  // version 0 has no bars, and leaves those that are there
-    stored.bars.clear();
-    MemoryStream stream(Text(stored.All()));
-    read.score->Read(stream);
-    EXPECT_EQ(read.score->bars.size(), 2U);
 }
 
 TEST(StoredScore, TimesAreConvertedFromTheFilesRate) {
-    StoredScore stored;
-    stored.rate = {0, 0, 0xAC, 0x44};  // 44100
-    EXPECT_EQ(ReadScore(stored.All()).score->notes.at(0)->Begin(), 50U);
-    stored.rate = {0xFF, 0xFF, 0xFF, 0xFF};  // both times become 0
-    EXPECT_EQ(ReadScore(stored.All()).score->notes.at(0)->End(), 1U);
-    stored.rate = {0, 0, 0, 1};
-    stored.note[0] = 0xFF;  // 0xFF000064 * 22050, cut to 32 bits, is past the end's 200 * 22050
-    const ReadScore wrapped(stored.All());
+    EXPECT_EQ(ReadScore(Changed(10, {0, 0, 0xAC, 0x44})).score->notes.at(0)->Begin(), 50U);
+    EXPECT_EQ(ReadScore(Changed(10, {0xFF, 0xFF, 0xFF, 0xFF})).score->notes.at(0)->End(), 1U);
+    // At a rate of 1, 0xFF000064 * 22050, cut to 32 bits, is past the end's 200 * 22050.
+    const ReadScore wrapped(Changed(10, {0, 0, 0, 1}, Changed(18, {0xFF})));
     EXPECT_EQ(wrapped.score->notes.at(0)->Begin(), static_cast<std::uint32_t>(0xFF000064U * 22050U));
-    EXPECT_EQ(wrapped.score->notes.at(0)->Length(), 1U);
+    EXPECT_EQ(wrapped.score->notes[0]->Length(), 1U);
 }
 
 TEST(StoredScore, DamageHasItsMessageAndNotesBeforeABreakAreKept) {
     const std::string unknown = "Unknown data format signature", invalid = "Invalid data format";
-    const std::string newer = "Cannot read file: newer or incompatible file format.";
-    const std::tuple<std::size_t, std::uint8_t, std::string> rows[] = {
-        {0, 'S', unknown}, {5, 'S', unknown}, {9, 2, newer}, {14, 0x80, invalid}};
-    for (const auto& [at, byte, failure] : rows) {
-        Bytes damaged = StoredScore().All();
-        damaged.at(at) = byte;
-        EXPECT_EQ(ReadScore(damaged).failure, failure);
-    }
-    StoredScore stored;
-    stored.rate = {0, 0, 0, 0};
-    EXPECT_EQ(ReadScore(stored.All()).failure, invalid);
-    const Bytes whole = StoredScore().All();
-    for (std::size_t length = 18; length < whole.size(); ++length) {
-        const ReadScore read(Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length)));
+    for (const std::size_t at : {0U, 5U}) EXPECT_EQ(ReadScore(Changed(at, {'S'})).failure, unknown);
+    EXPECT_EQ(ReadScore(Changed(9, {2})).failure, "Cannot read file: newer or incompatible file format.");
+    EXPECT_EQ(ReadScore(Changed(10, {0, 0, 0, 0})).failure, invalid);
+    EXPECT_EQ(ReadScore(Changed(14, {0x80})).failure, invalid);
+    for (std::size_t length = 18; length < example.size(); ++length) {
+        const ReadScore read(Bytes(example.begin(), example.begin() + static_cast<std::ptrdiff_t>(length)));
         EXPECT_EQ(read.failure, "Can't read byte from stream.");
         EXPECT_EQ(read.score->notes.size(), length < 18 + 24 ? 0U : 1U) << length << " bytes";
     }
@@ -125,14 +102,13 @@ TEST(StoredScore, DamageHasItsMessageAndNotesBeforeABreakAreKept) {
 
 TEST(StoredScore, FilesAreSavedAndLoadedOrTheReasonIsSaid) {
     const TempFolder folder;
-    const std::string path = folder / "score";
-    const ReadScore read(StoredScore().All());
+    const ReadScore read(example);
     std::string error = "old";
-    EXPECT_TRUE(SaveSerial(path, *read.score, error));
+    EXPECT_TRUE(SaveSerial(folder / "score", *read.score, error));
     EXPECT_EQ(error, "");
-    EXPECT_EQ(ReadAll(path), Text(Written(*read.score)));
+    EXPECT_EQ(ReadAll(folder / "score"), Text(Written(*read.score)));
     const auto loaded = std::make_unique<TNotes>();
-    EXPECT_TRUE(LoadSerial(path, *loaded, error));
+    EXPECT_TRUE(LoadSerial(folder / "score", *loaded, error));
     EXPECT_TRUE(loaded->notes.at(0)->Equals(*read.score->notes.at(0)));
     EXPECT_FALSE(LoadSerial("/nowhere/x", *loaded, error));
     EXPECT_EQ(error, "Cannot open file </nowhere/x> for reading.");
