@@ -194,15 +194,11 @@ TEST_F(Controls, TheAboutPageSavesTheLogAndStoresNameAndCodeTogether) {
 }
 
 TEST_F(Controls, TheHiddenGestureLastsUntilTheWindowCloses) {
-    Open();
-    Click(nameLabel);
-    Click(versionLabel);  // one click is no multiple of three: back to none
-    Click(equalizerButton);
+    Open(3);
     Click(barsOff);
     const std::uint32_t day = host->Pixel(20, 60);
-    Click(mainButton);
-    Click(versionLabel);  // none is one
-    Click(equalizerButton);
+    for (const Place place : {mainButton, nameLabel, versionLabel, versionLabel, equalizerButton})
+        Click(place);  // the first on the version counts with the name, and is no multiple of three
     EXPECT_NE(host->Pixel(20, 60), day);
     host->Call(effEditClose);
     Open(3);

@@ -1,16 +1,12 @@
-// The places of files, their lists, and the settings that the command line names.
+// The places of files, and their lists.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
-
-#include <cmath>
-#include <map>
 
 #include "tests/support/temp_folder.h"
 #include "tools/host/audio_folder.h"
 #include "tools/host/file_list.h"
 #include "tools/host/output_file.h"
 #include "tools/host/printable.h"
-#include "tools/host/starting_points.h"
 
 namespace {
 
@@ -120,25 +116,6 @@ TEST(OutputFile, WhatWouldBeLostByMistakeIsRefused) {
             else
                 EXPECT_NO_THROW(GuardOutputs(outputs, {list}, force)) << row.outputs[0];
         }
-}
-
-// Bar 0 is C1, MIDI note 24, and parameter 3. The open bars fall by so many dB an octave, and 20 dB are a
-// factor of ten in amplitude.
-TEST(StartingPoints, SetTwoThresholdsAndShutTheBarsOutsideTheirInstrument) {
-    for (const StartingPoint& point : StartingPoints()) {
-        std::map<int, float> values;  // by parameter
-        for (const ParameterSetting& setting : SettingsFor(point.name)) values[setting.index] = setting.value;
-        ASSERT_EQ(values.size(), 2U + 84U) << point.name;
-        EXPECT_EQ(values[0], point.polyphony);
-        EXPECT_EQ(values[1], point.sensitivity);
-        for (int note = 24; note < 24 + 84; ++note) {
-            const bool open = note >= point.lowest && note <= point.highest;
-            const double decibels = -point.slant * (note - point.lowest) / 12.0;
-            EXPECT_NEAR(values[note - 21], open ? std::pow(10, decibels / 20) : 0, 1e-6)
-                << point.name << note;
-        }
-    }
-    EXPECT_THROW(SettingsFor("kazoo"), std::invalid_argument);
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <array>
 #include <cmath>
 #include <memory>
+#include <set>
 
 #include "notes/memory_stream.h"
 #include "notes/notes.h"
@@ -184,19 +185,15 @@ Take Chords(const std::vector<std::vector<std::uint8_t>>& chords) {  // a second
 }
 
 TEST(TakeOutput, FilesHoldTheNotesAtTheirTimes) {
-    Take take = Chords({{60, 64, 67}, {65, 69, 72}, {}, {36}});
+    Take take = Chords({{60, 64}, {65}, {}, {36}});
     take.events.push_back({0, {0, 0, 0}});  // a band without a note: no note in the file either
     const auto score = std::make_unique<TNotes>(), again = std::make_unique<TNotes>();
     TakeToScore(take, *score);
     const std::string file = MidiFileBytes(*score);
-    std::vector<std::pair<double, int>> notes;  // to the half second
-    for (const WrittenNote& note : MidiReader({file.begin(), file.end()}).Notes()) {
-        notes.emplace_back(std::round(2 * note.onset) / 2, note.pitch);
-        EXPECT_NEAR(note.onset, notes.back().first, 1.0 / 240);  // a tick of the file
-    }
-    std::sort(notes.begin(), notes.end());
-    EXPECT_EQ(notes, (std::vector<std::pair<double, int>>{
-                         {0, 60}, {0, 64}, {0, 67}, {1, 65}, {1, 69}, {1, 72}, {3, 36}}));
+    std::multiset<std::pair<std::int64_t, int>> notes;
+    for (const WrittenNote& note : MidiReader({file.begin(), file.end()}).Notes())
+        notes.emplace(std::llround(note.onset * 240), note.pitch);  // ticks of the file
+    EXPECT_EQ(notes, (decltype(notes){{0, 60}, {0, 64}, {240, 65}, {720, 36}}));
     MemoryStream stored;
     stored.bytes = StoredScoreBytes(*score);
     again->Read(stored);
