@@ -10,7 +10,6 @@
 #include <atomic>
 #include <chrono>
 #include <cmath>
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -19,8 +18,6 @@
 #include <vector>
 
 namespace {
-
-using Clock = std::chrono::steady_clock;
 
 // What a child and its parent share.
 struct Page {
@@ -33,8 +30,6 @@ Page* page = nullptr;  // the child's own
 struct Child {
     pid_t process = -1;
     Page* shared = nullptr;
-    std::uint64_t seen = 0;   // the case it was last seen at,
-    Clock::time_point since;  // and since when
     std::uint64_t begin = 0, end = 0;
 };
 
@@ -43,98 +38,44 @@ std::string TestName() {
     return test == nullptr ? "" : std::string(test->test_suite_name()) + "." + test->name();
 }
 
-class Runner {
-public:
-    Runner(const Trials& given, const std::function<void(Trial&)>& caseBody) : trials(given), body(caseBody) {
-        end = trials.fixed ? trials.cases : Scaled(trials.cases);
-        if (const char* const only = std::getenv("ORVA_TEST_CASE")) {
-            next = std::strtoull(only, nullptr, 10);
-            end = next + 1;
-        }
-        const unsigned cores = std::max(1U, std::thread::hardware_concurrency());
-        children.resize(trials.alone ? 1 : cores);
-        for (Child& child : children) {
-            void* const memory =
-                mmap(nullptr, sizeof(Page), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
-            if (memory == MAP_FAILED) std::abort();
-            child.shared = new (memory) Page;
-        }
+void Start(Child& child, const Trials& trials, const std::function<void(Trial&)>& body) {
+    void* const memory =
+        mmap(nullptr, sizeof(Page), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    if (memory == MAP_FAILED) std::abort();
+    child.shared = new (memory) Page;
+    std::fflush(nullptr);
+    child.process = fork();
+    if (child.process == -1) std::abort();
+    if (child.process != 0) return;
+    page = child.shared;
+    for (std::uint64_t number = child.begin; number < child.end; ++number) {
+        page->current = number;
+        alarm(trials.seconds);  // whose signal ends the process
+        Trial trial(TestName(), number);
+        body(trial);
+        if (testing::Test::HasFailure()) trial.Fail("see the assertion above");
+        ++page->done;
     }
-    ~Runner() {
-        for (const Child& child : children) munmap(child.shared, sizeof(Page));
-    }
-    Runner(const Runner&) = delete;
-    Runner& operator=(const Runner&) = delete;
+    alarm(trials.seconds);
+    std::exit(0);
+}
 
-    void Run() {
-        for (bool busy = true; busy;) {
-            busy = false;
-            for (Child& child : children) {
-                if (child.process == -1 && next < end && failure.empty()) Start(child);
-                if (child.process != -1) busy = true, Watch(child);
-            }
-            if (busy) std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        }
-        std::printf("[   CASES  ] %llu\n", static_cast<unsigned long long>(done));
-        if (!failure.empty()) ADD_FAILURE() << failure;
-    }
-
-private:
-    void Start(Child& child) {
-        child.begin = next;
-        child.end = next = std::min(end, next + trials.batch);
-        new (child.shared) Page;
-        child.shared->current = child.seen = child.begin;
-        child.since = Clock::now();
-        std::fflush(nullptr);
-        child.process = fork();
-        if (child.process == -1) std::abort();
-        if (child.process != 0) return;
-        page = child.shared;
-        for (std::uint64_t number = child.begin; number < child.end; ++number) {
-            page->current = number;
-            Trial trial(TestName(), number);
-            body(trial);
-            if (testing::Test::HasFailure()) trial.Fail("see the assertion above");
-            ++page->done;
-        }
-        std::exit(0);
-    }
-    void Watch(Child& child) {
-        int status = 0;
-        const pid_t ended = waitpid(child.process, &status, WNOHANG);
-        if (ended == 0) {
-            const std::uint64_t now = child.shared->current;
-            if (now != child.seen) child.seen = now, child.since = Clock::now();
-            if (Clock::now() - child.since < std::chrono::duration<double>(trials.seconds)) return;
-            kill(child.process, SIGKILL);
-            waitpid(child.process, &status, 0);
-            Failed(child, "timeout");
-        } else if (WIFSIGNALED(status)) {
-            Failed(child, std::string("ended by signal ") + strsignal(WTERMSIG(status)));
-        } else if (WEXITSTATUS(status) != 0) {
-            Failed(child, "ended with " + std::to_string(WEXITSTATUS(status)));
-        } else if (child.begin + child.shared->done < child.end) {
-            Failed(child, "the process ended before its case did");
-        }
-        done += child.shared->done;
-        child.process = -1;
-    }
-    void Failed(const Child& child, const std::string& how) {
-        if (!failure.empty()) return;
-        const std::string number = std::to_string(child.shared->current);
-        const char* const reported = child.shared->failure.data();
-        failure = "case " + number + ": " + (*reported != '\0' ? reported : how) +
-                  "\nagain: ORVA_TEST_SEED=" + std::to_string(RunSeed()) + " ORVA_TEST_CASE=" + number + " " +
-                  program_invocation_name + " --gtest_filter=" + TestName();
-    }
-
-    const Trials trials;
-    const std::function<void(Trial&)>& body;
-    std::uint64_t next = 0, end = 0, done = 0;
-    std::string failure;
-    std::vector<Child> children;
-};
+// What went wrong in a child that has ended, and what repeats it; nothing if all is well.
+std::string Fault(const Child& child, int status) {
+    std::string how;
+    if (WIFSIGNALED(status))
+        how = WTERMSIG(status) == SIGALRM ? "timeout" : std::string("signal ") + strsignal(WTERMSIG(status));
+    else if (WEXITSTATUS(status) != 0)
+        how = "ended with " + std::to_string(WEXITSTATUS(status));
+    else if (child.begin + child.shared->done < child.end)
+        how = "the process ended before its case did";
+    else
+        return {};
+    if (child.shared->failure[0] != '\0') how = child.shared->failure.data();
+    const std::string number = std::to_string(child.shared->current);
+    return "case " + number + ": " + how + "\nagain: ORVA_TEST_SEED=" + std::to_string(RunSeed()) +
+           " ORVA_TEST_CASE=" + number + " " + program_invocation_name + " --gtest_filter=" + TestName();
+}
 
 }  // namespace
 
@@ -144,7 +85,8 @@ std::uint64_t RunSeed() {
         const std::uint64_t value =
             given != nullptr
                 ? std::strtoull(given, nullptr, 10)
-                : static_cast<std::uint64_t>(Clock::now().time_since_epoch().count()) % 1000000007;
+                : static_cast<std::uint64_t>(std::chrono::steady_clock::now().time_since_epoch().count()) %
+                      1000000007;
         std::printf("[   SEED   ] ORVA_TEST_SEED=%llu\n", static_cast<unsigned long long>(value));
         return value;
     }();
@@ -184,5 +126,32 @@ void Trial::Pass() {
 
 void RunTrials(const Trials& trials, const std::function<void(Trial&)>& body) {
     RunSeed();
-    Runner(trials, body).Run();
+    const char* const only = std::getenv("ORVA_TEST_CASE");
+    std::uint64_t next = only != nullptr ? std::strtoull(only, nullptr, 10) : 0, done = 0;
+    const std::uint64_t end = only != nullptr ? next + 1 : trials.fixed ? trials.cases : Scaled(trials.cases);
+    const std::size_t most = trials.alone ? 1 : std::max(1U, std::thread::hardware_concurrency());
+    std::vector<Child> children;
+    std::string failure;
+    while ((next < end && failure.empty()) || !children.empty()) {
+        if (next < end && failure.empty() && children.size() < most) {
+            Child child;
+            child.begin = next;
+            child.end = next = std::min(end, next + trials.batch);
+            Start(child, trials, body);
+            children.push_back(child);
+            continue;
+        }
+        int status = 0;
+        const pid_t ended = waitpid(-1, &status, 0);
+        if (ended == -1) std::abort();
+        const auto child = std::find_if(children.begin(), children.end(),
+                                        [=](const Child& each) { return each.process == ended; });
+        if (child == children.end()) continue;
+        done += child->shared->done;
+        if (failure.empty()) failure = Fault(*child, status);
+        munmap(child->shared, sizeof(Page));
+        children.erase(child);
+    }
+    std::printf("[   CASES  ] %llu\n", static_cast<unsigned long long>(done));
+    if (!failure.empty()) ADD_FAILURE() << failure;
 }

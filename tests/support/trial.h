@@ -38,7 +38,7 @@ public:
 struct Trials {
     std::uint64_t cases = 1;  // multiplied by the scale, unless `fixed`
     std::uint64_t batch = 1;  // cases that one process runs, one after the other
-    double seconds = 60;      // limit for one case
+    unsigned seconds = 60;    // limit for one case
     bool fixed = false;       // all cases there are, neither more nor fewer
     bool alone = false;       // one process at a time
 };
@@ -47,6 +47,6 @@ struct Trials {
 void RunTrials(const Trials& trials, const std::function<void(Trial&)>& body);
 
 // One piece of work in a process of its own: the same for a single case.
-inline void InChild(const std::function<void(Trial&)>& body, double seconds = 60) {
+inline void InChild(const std::function<void(Trial&)>& body, unsigned seconds = 60) {
     RunTrials({1, 1, seconds, true, true}, body);
 }

@@ -13,7 +13,6 @@ void (*Inside::report)(const char* name) = nullptr;
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <typeinfo>
 
 #pragma GCC visibility push(default)
 extern "C" {
@@ -39,7 +38,6 @@ std::size_t allowedCount = 0;
 thread_local std::uint64_t requested = 0;
 thread_local std::uint64_t failsAt = 0;  // by `requested`; 0: none
 thread_local bool failsOn = false;       // and all that follow
-thread_local bool hasFailed = false;
 std::atomic<std::int64_t> live{0};
 
 void Forbid(const char* name) {
@@ -49,19 +47,11 @@ void Forbid(const char* name) {
     std::abort();
 }
 
-bool IsAllowed(const pthread_mutex_t* mutex) {
-    const auto address = reinterpret_cast<std::uintptr_t>(mutex);
-    for (std::size_t i = 0; i < allowedCount; ++i)
-        if (address >= allowed[i].begin && address < allowed[i].end) return true;
-    return false;
-}
-
 // One request more; false if it is to fail.
 bool Grant(const char* name) {
     Forbid(name);
     ++requested;
     if (failsAt == 0 || requested < failsAt || (requested > failsAt && !failsOn)) return true;
-    hasFailed = true;
     errno = ENOMEM;
     return false;
 }
@@ -71,44 +61,20 @@ void* Counted(void* block) {
     return block;
 }
 
-// The library's own function. The conditions have an old version of themselves, which a plain lookup finds.
-template <typename Function>
-Function* Real(const char* name, const char* version = nullptr) {
-    return reinterpret_cast<Function*>(version != nullptr ? dlvsym(RTLD_NEXT, name, version)
-                                                          : dlsym(RTLD_NEXT, name));
-}
-
 }  // namespace
 
 extern "C" {
 
 int pthread_mutex_lock(pthread_mutex_t* mutex) noexcept {
-    static auto* const real = Real<int(pthread_mutex_t*)>("pthread_mutex_lock");
-    if (orvaIsInside != 0 && !IsAllowed(mutex)) Forbid("pthread_mutex_lock");
+    static auto* const real =
+        reinterpret_cast<int (*)(pthread_mutex_t*)>(dlsym(RTLD_NEXT, "pthread_mutex_lock"));
+    const auto address = reinterpret_cast<std::uintptr_t>(mutex);
+    bool known = false;
+    for (std::size_t i = 0; orvaIsInside != 0 && i < allowedCount; ++i)
+        known = known || (address >= allowed[i].begin && address < allowed[i].end);
+    if (!known) Forbid("pthread_mutex_lock");
     return real(mutex);
 }
-int pthread_mutex_trylock(pthread_mutex_t* mutex) noexcept {
-    static auto* const real = Real<int(pthread_mutex_t*)>("pthread_mutex_trylock");
-    if (orvaIsInside != 0 && !IsAllowed(mutex)) Forbid("pthread_mutex_trylock");
-    return real(mutex);
-}
-int pthread_cond_signal(pthread_cond_t* condition) noexcept {
-    static auto* const real = Real<int(pthread_cond_t*)>("pthread_cond_signal", "GLIBC_2.3.2");
-    Forbid("pthread_cond_signal");
-    return real(condition);
-}
-int pthread_cond_broadcast(pthread_cond_t* condition) noexcept {
-    static auto* const real = Real<int(pthread_cond_t*)>("pthread_cond_broadcast", "GLIBC_2.3.2");
-    Forbid("pthread_cond_broadcast");
-    return real(condition);
-}
-[[noreturn]] void __cxa_throw(void* thrown, void* type, void (*destroy)(void*)) {
-    static auto* const real = Real<void(void*, void*, void (*)(void*))>("__cxa_throw");
-    Forbid("throw");
-    real(thrown, type, destroy);
-    __builtin_unreachable();
-}
-
 void* malloc(std::size_t size) noexcept {
     return Grant("malloc") ? Counted(__libc_malloc(size)) : nullptr;
 }
@@ -122,17 +88,13 @@ void* realloc(void* block, std::size_t size) noexcept {
     if (moved == nullptr && size == 0) live.fetch_sub(1, std::memory_order_relaxed);
     return moved;
 }
-void* memalign(std::size_t alignment, std::size_t size) noexcept {
-    return Grant("memalign") ? Counted(__libc_memalign(alignment, size)) : nullptr;
-}
 void* aligned_alloc(std::size_t alignment, std::size_t size) noexcept {
-    return memalign(alignment, size);
+    return Grant("aligned_alloc") ? Counted(__libc_memalign(alignment, size)) : nullptr;
 }
 int posix_memalign(void** block, std::size_t alignment, std::size_t size) noexcept {
-    void* const given = memalign(alignment, size);
-    if (given == nullptr) return ENOMEM;
-    *block = given;
-    return 0;
+    void* const given = aligned_alloc(alignment, size);
+    if (given != nullptr) *block = given;
+    return given != nullptr ? 0 : ENOMEM;
 }
 void free(void* block) noexcept {
     Forbid("free");
@@ -146,22 +108,19 @@ void free(void* block) noexcept {
 void Inside::Mark(bool in) {
     orvaIsInside = in ? 1 : 0;
 }
-
 void Inside::AllowLocksIn(const void* object, std::size_t bytes) {
     if (allowedCount == allowed.size()) std::abort();
     const auto begin = reinterpret_cast<std::uintptr_t>(object);
     allowed[allowedCount++] = {begin, begin + bytes};
 }
-
 bool Inside::WatchSystemCalls() {
     struct sigaction action {};
     action.sa_flags = SA_SIGINFO;
     action.sa_sigaction = [](int, siginfo_t* what, void*) {
-        orvaIsInside = 0;
+        orvaIsInside = 1;
         char name[40];
         std::snprintf(name, sizeof name, "system call %d", what->si_syscall);
-        if (report != nullptr) report(name);
-        std::abort();
+        Forbid(name);
     };
     sigaction(SIGSYS, &action, nullptr);
     constexpr int dispatch = 59, on = 1;  // PR_SET_SYSCALL_USER_DISPATCH; older headers do not name it
@@ -177,32 +136,15 @@ std::int64_t Allocations::Live() {
 void Allocations::Fail(std::uint64_t n, bool andAllThatFollow) {
     failsAt = requested + n;
     failsOn = andAllThatFollow;
-    hasFailed = false;
-}
-bool Allocations::Failed() {
-    return hasFailed;
 }
 void Allocations::Succeed() {
     failsAt = 0;
 }
-
 #else
-
-void Inside::Mark(bool) {}
-void Inside::AllowLocksIn(const void*, std::size_t) {}
-bool Inside::WatchSystemCalls() {
-    return false;
-}
 std::uint64_t Allocations::Requested() {
     return 0;
 }
 std::int64_t Allocations::Live() {
     return 0;
 }
-void Allocations::Fail(std::uint64_t, bool) {}
-bool Allocations::Failed() {
-    return false;
-}
-void Allocations::Succeed() {}
-
 #endif

@@ -33,6 +33,5 @@ public:
     // The n-th from now on fails, n from 1: `new` throws, `malloc` returns null. With `andAllThatFollow` the
     // later ones, too, until Succeed.
     static void Fail(std::uint64_t n, bool andAllThatFollow);
-    static bool Failed();  // since Fail
     static void Succeed();
 };
