@@ -158,20 +158,23 @@ TEST(SameAsPlainByFrame, AnySpectrumAndTemplateGiveTheSameDecision) {
 TEST(SameAsPlainOnTheWay, SettingsTakeHoldWithoutDisturbingTheAnalysis) {
     TRealTimeTS107 detector(44100, 45, 84);
     PlainDetector plain(44100, 45, 84);
-    const Pcm audio = Music(44100, 0.303, -40);
-    const auto both = [&](auto change) {
+    const Pcm audio = Music(44100, 0.103, -40);
+    std::minstd_rand random(5);
+    for (int step = 0; step < 200; ++step) {
+        const auto change = [choice = random() % 9, on = random() % 2 == 0](auto& d) {
+            switch (choice) {
+                case 0: d.SetBandwidthAndTune(0.03F, 0.3F); break;
+                case 1: d.SetMonoEnabled(on); break;
+                case 2: d.SetHarmonics(on ? 1000 : 0, 750, 500, 250); break;
+                case 3: d.Reset(); break;
+                case 4: d.SetSampleRate(on ? 48000 : 22050); break;
+                case 5: d.SetBandGain(45, on ? 0.5F : 1.0F); break;
+                case 6: d.SetEqualizerEnabled(on); break;
+                default: d.SetTuningEnabled(on);
+            }
+        };
         change(detector), change(plain);
         Play(detector, audio), Play(plain, audio);
-        ASSERT_EQ(Difference(detector, plain), "");
-    };
-    both([](auto& d) { d.SetTuningEnabled(false); });
-    both([](auto& d) { d.SetBandwidthAndTune(0.03F, 0.3F); });
-    for (int again = 0; again < 2; ++again) both([](auto& d) { d.SetMonoEnabled(true); });
-    for (int again = 0; again < 2; ++again) both([](auto& d) { d.SetTuningEnabled(true); });
-    both([](auto& d) { d.SetHarmonics(0, 750, 500, 250); });
-    both([](auto& d) { d.Reset(); });
-    both([](auto& d) { d.SetSampleRate(48000); });
-    both([](auto& d) { d.SetBandGain(45, 0.5F), d.SetEqualizerEnabled(true), d.SetMonoEnabled(false); });
-    both([](auto& d) { d.SetSampleRate(22050); });
-    EXPECT_NE(detector.tune, 0.3F);  // the tracker was at work
+        ASSERT_EQ(Difference(detector, plain), "") << "step " << step;
+    }
 }

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cmath>
 #include <limits>
 #include <random>
 #include <string>
@@ -15,24 +14,17 @@
 
 namespace {
 
-// The plug-in object as the chord listener sees it.
-class FakeOwner : public IChordOwner {
-public:
-    float GetSampleRate() const override { return rate; }
-    void ChordChanged() override { ++changes; }
-
-    float rate = 44100;
-    int changes = 0;
-};
-
-// A listener on a recorder whose clock and bands the test sets by hand.
-class ChordsListener : public testing::Test {
+// A listener on a recorder whose clock and bands the test sets by hand, which also stands in for the plug-in
+// object.
+class ChordsListener : public testing::Test, public IChordOwner {
 protected:
     ChordsListener() {
         recorder.Attach(&detector);
         recorder.Activate(0);
         recorder.AddOutput(listener);
     }
+    float GetSampleRate() const override { return rate; }
+    void ChordChanged() override { ++changes; }
     // One update in which exactly these bands are on.
     void Play(const std::vector<int>& bands) {
         for (int band = 0; band < detector.numBands; ++band) detector.Set(band, false);
@@ -44,24 +36,25 @@ protected:
     std::string Shown() { return std::string(listener->currentChord().view()); }
     std::string Copied() const { return std::string(listener->currentChordCopy().view()); }
 
-    FakeOwner owner;
+    float rate = 44100;
+    int changes = 0;
     FakeDetector detector;
     TNoteRecorder recorder;
-    TChordsListener* const listener = new TChordsListener(&owner, 10);  // the recorder's, once attached
+    TChordsListener* const listener = new TChordsListener(this, 10);  // the recorder's, once attached
 };
 
 TEST_F(ChordsListener, OneUpdateForEachStepOfTheClock) {
     for (int frame = 0; frame < 100; ++frame) recorder.OnFrame();  // 441 to 44100 samples, 4410 a step
-    EXPECT_EQ(owner.changes, 11);                                  // numbers 0 to 10
+    EXPECT_EQ(changes, 11);                                        // numbers 0 to 10
     listener->Update();
-    EXPECT_EQ(owner.changes, 11);
+    EXPECT_EQ(changes, 11);
     recorder.SetTime(0);  // whatever the direction
     listener->Update();
-    EXPECT_EQ(owner.changes, 12);
+    EXPECT_EQ(changes, 12);
     listener->Stop();
-    EXPECT_EQ(owner.changes, 13);
-    TChordsListener(&owner, 10).Update();  // on no recorder
-    EXPECT_EQ(owner.changes, 13);
+    EXPECT_EQ(changes, 13);
+    TChordsListener(this, 10).Update();  // on no recorder
+    EXPECT_EQ(changes, 13);
 }
 
 TEST_F(ChordsListener, TheElevenLowestBandsAreNamedAsTheySoundAndNotAsTheyAreSent) {
@@ -115,11 +108,11 @@ TEST_F(ChordsListener, RingFollowsDelaysStopsAndRates) {
     for (int step = 0; step < 5000; ++step) {
         const auto choice = random() % 100;
         if (choice < 3) {
-            owner.rate = rates[random() % std::size(rates)];
+            rate = rates[random() % std::size(rates)];
             listener->Start();
-            plain.Start(owner.rate);
-            ASSERT_EQ(listener->samplesPerUpdate, plain.step) << owner.rate << " Hz";
-            ASSERT_EQ(listener->delayRing.size(), plain.entries.size()) << owner.rate << " Hz";
+            plain.Start(rate);
+            ASSERT_EQ(listener->samplesPerUpdate, plain.step) << rate << " Hz";
+            ASSERT_EQ(listener->delayRing.size(), plain.entries.size()) << rate << " Hz";
         } else if (choice < 5) {
             listener->Stop();
             for (std::string& entry : plain.entries) entry.clear();

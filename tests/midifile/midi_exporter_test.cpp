@@ -75,9 +75,18 @@ TEST(MidiExporter, NotesBecomeEventsOfTheirLayersTrack) {
     score.Add(0, 10, 3)->SetFlag(nfExcludedA);
     score.Add(0, 10, 3)->SetFlag(nfExcludedB);
     score.Add(0, 10, 3)->ClearFlag(nfIncluded);
+    score.notes->layers[1].name = "one";
+    score.notes->title = "title";
+    score.notes->meterNumerator = score.notes->meterDenominatorLog2 = 3;
+    score.notes->keySharps = -2;
+    score.notes->keyMinor = true;
     const MidiTracks tracks = score.Tracks();
     EXPECT_EQ(Tempos(tracks), (Tempo{{0, 500000}}));
     ASSERT_EQ(tracks.size(), 3U);
+    EXPECT_EQ(tracks[0][0].data, (Bytes{2, 't', 'i', 't', 'l', 'e'}));
+    EXPECT_EQ(tracks[0][1].data, (Bytes{0x58, 3, 3, 0x18, 8}));
+    EXPECT_EQ(tracks[0][2].data, (Bytes{0x59, 0xFE, 1}));
+    EXPECT_EQ(tracks[1][0].data, (Bytes{3, 'o', 'n', 'e'}));
     EXPECT_EQ(Voices(tracks, 1), (std::vector<MidiEvent>{{240, 0xC0, {5}},
                                                          {240, 0x90, {69, 100}},
                                                          {480, 0x80, {69, 0}},
@@ -90,21 +99,6 @@ TEST(MidiExporter, NotesBecomeEventsOfTheirLayersTrack) {
                                                          {960, 0x80, {69, 0}}}));
 }
 
-TEST(MidiExporter, NamesMeterAndKeyAreCopied) {
-    Score score;
-    score.Add(0, 100, 2);
-    score.notes->layers[1].name = "one";
-    score.notes->title = "title";
-    score.notes->meterNumerator = score.notes->meterDenominatorLog2 = 3;
-    score.notes->keySharps = -2;
-    score.notes->keyMinor = true;
-    const MidiTracks tracks = score.Tracks();
-    EXPECT_EQ(tracks[0][0].data, (Bytes{2, 't', 'i', 't', 'l', 'e'}));
-    EXPECT_EQ(tracks[0][1].data, (Bytes{0x58, 3, 3, 0x18, 8}));
-    EXPECT_EQ(tracks[0][2].data, (Bytes{0x59, 0xFE, 1}));
-    EXPECT_EQ(tracks[1][0].data, (Bytes{3, 'o', 'n', 'e'}));
-}
-
 // A bar of 2 s is 500000 us a quarter note, one of 3 s is 750000. The fourth bar's event is written because
 // equal bars went before the third one's; the fifth one's is not. Bars behind the last note are walked, too.
 TEST(MidiExporter, TempoEventsStandOnTheBarsThatChange) {
@@ -115,16 +109,13 @@ TEST(MidiExporter, TempoEventsStandOnTheBarsThatChange) {
     Score early({0U, 2 * second, 4 * second, 7 * second, 9 * second});
     early.Add(0, 1000);
     EXPECT_EQ(Tempos(early.Tracks()), (Tempo{{0, 500000}, {960, 750000}, {1440, 500000}}));
-}
-
-// 1.5 % stays unwritten; the next bar has two differences to make good, 3 %, and the one after it none.
-TEST(MidiExporter, ATempoStaysUntilTheDriftLeavesTwoPercent) {
+    // 1.5 % stays unwritten; the next bar has two differences to make good, 3 %, and the one after it none.
     const std::uint32_t bar = 4 * second, longer = bar + bar * 15 / 1000;
-    const Tempo tempos = Tempos(ScoreOfBars({bar, longer, longer, longer}).Tracks());
-    ASSERT_GE(tempos.size(), 2U);
-    EXPECT_EQ(tempos[0].second, 1000000U);
-    EXPECT_EQ(tempos[1].first, 960U);
-    EXPECT_NEAR(tempos[1].second, 1030000, 20);
+    const Tempo drift = Tempos(ScoreOfBars({bar, longer, longer, longer}).Tracks());
+    ASSERT_GE(drift.size(), 2U);
+    EXPECT_EQ(drift[0].second, 1000000U);
+    EXPECT_EQ(drift[1].first, 960U);
+    EXPECT_NEAR(drift[1].second, 1030000, 20);
 }
 
 // Each bar begins within 2 % of a bar of its place, which is up to twice as many of the next bar's ticks,

@@ -18,13 +18,8 @@
 
 namespace {
 
-// What an editor was notified of.
-struct Shown {
-    std::int32_t index;
-    float value;
-    bool operator==(const Shown&) const = default;
-};
-std::vector<Shown> shown;
+using Shown = std::pair<std::int32_t, float>;  // a parameter and its value
+std::vector<Shown> shown;                      // what the editor was notified of
 
 struct FakeEditor : IPluginEditor {
     bool getRect(ERect**) override { return false; }
@@ -32,7 +27,7 @@ struct FakeEditor : IPluginEditor {
     void close() override {}
     bool isOpen() const override { return false; }
     void idle() override {}
-    void parameterChanged(std::int32_t index, float value) override { shown.push_back({index, value}); }
+    void parameterChanged(std::int32_t index, float value) override { shown.emplace_back(index, value); }
 };
 
 // Memory runs out in the next `left` frames.
