@@ -68,17 +68,6 @@ TEST(Vocabulary, WordsStayAsUsersKnowThem) {
     EXPECT_STREQ(ChordSuffixes[30], "This name doesn't exist");
 }
 
-TEST(Vocabulary, ClassesAndStepsGoRound) {
-    EXPECT_EQ(classAbove(11, 0, 1), 1);  // from B up to C
-    EXPECT_EQ(classAbove(2, 3, -1), 5);
-    EXPECT_EQ(addClass(7, 7), 2);  // G and a fifth is D
-    EXPECT_EQ(addClass(2, -7), 7);
-    EXPECT_EQ(addStep(6, 1), 0);
-    EXPECT_EQ(addStep(0, -1), 6);
-    for (const int semitones : {12, -1}) EXPECT_EQ(degreeOf(Short(semitones), true), 0);
-    EXPECT_EQ(12 * octaveOf(-14) + pitchClassOf(-14), -14);
-}
-
 // Whatever the spelling, the sound moves by the interval's semitones, and two accidentals are the most.
 TEST(Vocabulary, AddingAnIntervalMovesThePitchByItsSemitones) {
     EXPECT_EQ(German(addToPitch(Spelled(0, 0), makeInterval(2, 2), 1)), "es");   // a minor third

@@ -110,7 +110,7 @@ TEST(ModuleFile, TakesNothingThatReachesAcrossTheProcess) {
 
 // --- hosts of several kinds ---
 
-// plain_host says what is amiss.
+// plain_host prints what is wrong.
 std::string PlainHost(const std::string& how, const std::string& before = {}) {
     return Output(before + " " ORVA_PLAIN_HOST " " + how);
 }

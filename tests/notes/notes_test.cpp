@@ -18,8 +18,8 @@ TNote* Add(TNotes& score, std::uint32_t begin, std::uint32_t end, std::uint8_t p
     return score.AddNote(begin, end, pitch, -624, 0, 1, 1);
 }
 
-// One random change of a score whose times all lie in the 64 ticks from `origin`, so that notes meet, pass
-// and equal each other all the time.
+// One random change of a score whose times all lie in the 64 ticks from `origin`, so that notes touch,
+// pass and equal each other all the time.
 void ChangeAtRandom(TNotes& score, std::uint32_t origin, std::minstd_rand& random) {
     const auto below = [&random](std::uint32_t limit) {
         return static_cast<std::uint32_t>(random()) % limit;

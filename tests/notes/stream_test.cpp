@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
+#include <limits>
 #include <random>
 #include <stdexcept>
 
@@ -52,6 +54,17 @@ TEST(FileStream, AgreesWithBytesInMemory) {
     ASSERT_TRUE(stream.Finish());
     EXPECT_EQ(stream.GetSize(), plain.GetSize());
     EXPECT_EQ(ReadAll(folder / "f"), plain.bytes);
+}
+
+TEST(FileStream, AFilePastTwoGigabytesEndsThere) {
+    const TempFolder folder;
+    WriteAll(folder / "f", "");
+    std::filesystem::resize_file(folder / "f", std::uintmax_t{3} << 30);  // sparse: takes no space
+    TFStream stream(folder / "f", std::ios_base::binary | std::ios_base::in, 65536);
+    stream.SetPosition(std::numeric_limits<std::int32_t>::max() - 1);
+    std::uint8_t byte = 0;
+    EXPECT_TRUE(stream.GetByte(byte));
+    EXPECT_FALSE(stream.GetByte(byte));
 }
 
 TEST(StreamValues, GoMostSignificantByteFirst) {

@@ -1,2 +1,2 @@
-# The plug-in object is met as a host meets it, through the entry point.
+# The plug-in object is opened as a host opens it, through the entry point.
 target_link_libraries(test_plugin PRIVATE orva_module)

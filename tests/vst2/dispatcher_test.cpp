@@ -1,4 +1,4 @@
-// What holds for any plug-in of this interface: what its operations throw, keys, and what its host answers.
+// What holds for any plug-in of this interface: what its operations throw, and what its host answers.
 #include <gtest/gtest.h>
 
 #include <stdexcept>
@@ -19,18 +19,7 @@ public:
     void processDoubleReplacing(double**, double**, std::int32_t) override { throw 1; }  // NOLINT
     void setParameter(std::int32_t, float) override { throw std::bad_alloc(); }
     float getParameter(std::int32_t) override { throw 1; }  // NOLINT
-    using AudioEffect::setEditor;
     static inline int deaths = 0;
-};
-
-struct KeyTaker : AEffEditor {
-    bool getRect(ERect**) override { return false; }
-    bool open(void*) override { return false; }
-    void close() override {}
-    bool isOpen() const override { return false; }
-    void idle() override {}
-    bool onKeyDown(const VstKeyCode& key) override { return taken = key, true; }
-    VstKeyCode taken{};
 };
 
 class Dispatcher : public testing::Test {
@@ -55,20 +44,6 @@ TEST_F(Dispatcher, NoExceptionReachesTheHostAndClosingDeletesTheObjectAllTheSame
     const int before = Probe::deaths;
     host.Close();
     EXPECT_EQ(Probe::deaths, before + 1);
-}
-
-TEST_F(Dispatcher, AKeyReachesTheEditorAsItIsWhereThereIsOne) {
-    KeyTaker editor;
-    Probe& probe = Open();
-    EXPECT_EQ(host.Call(effEditKeyDown, 'x', VKEY_F1, nullptr, 2), 0);
-    probe.setEditor(&editor);
-    EXPECT_EQ(host.Call(effEditKeyDown, 'x', VKEY_F1, nullptr, 2), 1);
-    EXPECT_EQ(editor.taken.character, 'x');
-    EXPECT_EQ(editor.taken.virt, VKEY_F1);
-    EXPECT_EQ(editor.taken.modifier, 2);
-    EXPECT_EQ(host.Call(effKeysRequired), 1);  // that is: none are
-    probe.setEditor(nullptr);
-    EXPECT_EQ(host.effect->flags & effFlagsHasEditor, 0);
 }
 
 TEST_F(Dispatcher, AHostsTextMayLackAnEnd) {
