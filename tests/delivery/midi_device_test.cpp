@@ -65,21 +65,6 @@ TEST_F(DeviceList, ARefusalRaisesItsText) {
 
 using Ports = DeviceTest;
 
-TEST_F(Ports, TheProcesssOneTableTakesEveryCall) {
-    std::uint32_t port = 0;
-    ASSERT_EQ(OpenPort(port, 2), MMSYSERR_NOERROR);
-    EXPECT_TRUE(IsPortValid(port));
-    const std::uint8_t bytes[] = {0xF0, 0x7E, 0xF7};
-    EXPECT_EQ(SendLong(port, {bytes, 3}), MMSYSERR_NOERROR);
-    EXPECT_EQ(SendShort(port, 0x643C93), MMSYSERR_NOERROR);
-    SilencePort(port);
-    EXPECT_EQ(layer.Taken(), (Lines{"open 2", "long 1 3", "send 1 93 3c 64", "send 1 83 3c 00"}));
-    ResetPort(port);
-    EXPECT_EQ(layer.Taken().size(), 33U);  // 16 channels, twice, and the device's own
-    ClosePort(port);
-    EXPECT_FALSE(IsPortValid(port));
-}
-
 TEST_F(Ports, ProgramChangesCanBeDroppedAndALayerThatThrowsIsAFailureLikeAnyOther) {
     MidiPortTable table;
     std::uint32_t port = 0;

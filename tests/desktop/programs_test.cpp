@@ -117,29 +117,4 @@ TEST_F(Programs, TheShellOpensPagesMailAndHelp) {
     EXPECT_FALSE(shell.OpenWebPage("--version"));
 }
 
-struct MessageLog : IMessageBox, IMessageWindow {
-    void Show(const std::string& text, const std::string&) override { shown += text; }
-    bool TakeMessage(const std::string& text, const std::string& caption) override {
-        if (takes) Show(text, caption);
-        return takes;
-    }
-    bool takes = true;
-    std::string shown;
-};
-
-TEST(MessageBoxes, GoToTheOpenWindowFirst) {
-    MessageLog system, window;
-    SubstituteSystemMessageBox(&system);
-    MessageBox box;
-    box.Show("1", "c");
-    box.SetWindow(&window);
-    box.Show("2", "c");
-    window.takes = false;
-    box.Show("3", "c");
-    box.SetWindow(nullptr);
-    EXPECT_EQ(window.shown, "2");
-    EXPECT_EQ(system.shown, "13");
-    SubstituteSystemMessageBox(nullptr);
-}
-
 }  // namespace

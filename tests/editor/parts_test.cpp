@@ -84,14 +84,6 @@ TEST(LevelColumn, ThePaletteRunsFromOneBlueToTheOtherAndEndsInOrange) {
         const PaletteColor color = PaletteEntry(entry);
         EXPECT_TRUE(color.red == red && color.green == green && color.blue == blue) << entry;
     }
-    // Band b fills pixels 3 * (83 - b) to 3 * (83 - b) + 2, so the lowest `count` bands fill the lowest 3 *
-    // count.
-    for (const std::size_t count : {0U, 1U, 83U, 84U, 85U, 128U}) {
-        const auto column = ColumnOf(std::vector<unsigned char>(count, 100));
-        const std::size_t filled = 3 * std::min<std::size_t>(count, 84);
-        for (std::size_t y = 0; y < column.size(); ++y)
-            ASSERT_EQ(column[y], y >= column.size() - filled ? 100 : 0) << count << " bands, pixel " << y;
-    }
 }
 
 TEST(Mailbox, HandsOutTheNewestValueOfEachIndexOnceAndAscending) {
