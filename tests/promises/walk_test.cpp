@@ -3,7 +3,6 @@
 
 #include <limits>
 #include <locale>
-#include <numeric>
 
 #include "devices/midi_ports.h"
 #include "tests/model/side_by_side.h"
@@ -199,29 +198,6 @@ TEST(Walk, CallsInAnyOrderAreAnsweredAsTheModelSays) {
         if (trial.number % batch == batch - 1) {
             EXPECT_GT(notes, 100U);
         }
-    });
-}
-
-// A host restores a project in an order of its own, with the device present or not.
-TEST(Walk, ValuesRestoredInAnyOrderAreThoseThatWereSaved) {
-    constexpr std::uint64_t batch = 50;
-    RunTrials({1000, batch}, [](Trial& trial) {
-        SideBySide both(trial, KindOfBatch(trial, batch));
-        const bool present = trial.OneIn(2);
-        std::vector<float> values(96);
-        for (float& value : values) value = static_cast<float>(trial.Below(10001)) / 10000;
-        for (const std::size_t index : {89U, 91U, 93U}) values[index] = trial.OneIn(2) ? 1 : 0;
-        values[88] = static_cast<float>(trial.Below(3)) / 100 + 0.005F;
-        values[92] = static_cast<float>(2 + trial.Below(4));
-        for (std::uint32_t device = 0; device < 3 && !present; ++device) both.RefuseOpens(device, 4);
-        std::vector<std::int32_t> order(96);
-        std::iota(order.begin(), order.end(), 0);
-        std::shuffle(order.begin(), order.end(), trial.random);
-        if (trial.OneIn(2)) both.Set(89, 1), both.Set(88, 0.01F);  // what it held before
-        for (const std::int32_t index : order) both.Set(index, values[static_cast<std::size_t>(index)]);
-        both.CompareState();
-        for (std::int32_t index = 0; index < 96 && (present || values[89] == 0); ++index)
-            ASSERT_EQ(both.host.Get(index), values[static_cast<std::size_t>(index)]) << index;
     });
 }
 
