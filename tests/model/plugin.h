@@ -1,4 +1,5 @@
 #pragma once
+#include <bit>
 #include <cstdio>
 #include <cstring>
 #include <memory>
@@ -99,7 +100,7 @@ public:
     void SetParameterFromEditor(std::int32_t index, float value) {
         SetParameter(index, value);
         inEditorChange = true;
-        SayToHost(audioMasterAutomate, index);
+        calls.push_back({audioMasterAutomate, index, std::bit_cast<std::uint32_t>(value), {}});
         inEditorChange = false;
     }
     void SetParameter(std::int32_t index, float value) {

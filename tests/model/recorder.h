@@ -17,7 +17,7 @@
 struct ModelHostCall {
     std::int32_t opcode = 0;
     std::int32_t number = 0;    // what it is about: an event's deltaFrames, a filter
-    std::uint32_t message = 0;  // of an event
+    std::uint32_t message = 0;  // of an event; of a parameter, the bits of its value
     std::string text;           // what is wrong with an event, if anything is
     bool operator==(const ModelHostCall&) const = default;
 };
