@@ -88,7 +88,7 @@ std::int64_t BlocksKept(const Trial& trial, const Begin& begin, void (*end)(), c
 
 // A life that is disturbed and one that is not leave no more behind than two that are not.
 void Disturb(Trial& trial, const Begin& begin, void (*end)()) {
-    const Audio music = BusyMusic(trial.random, 48000, 1.5);
+    const Audio music = RandomMusic(trial.random, 48000, 1.5);
     try {  // what the first exception of a process leaves behind for good
         std::once_flag once;
         std::call_once(once, [] { throw std::runtime_error("rehearsed"); });
@@ -148,7 +148,7 @@ TEST(Memory, ADayOfAudioLeavesMemoryAndEventsAsTheyWere) {
         ASSERT_TRUE(host.Open(OpenPlugin));
         for (const auto output : {paramOutputToHost, paramDeviceEnabled, paramChordsEnabled})
             host.Set(output, 1);
-        const Audio music = BusyMusic(trial.random, 48000, 56);
+        const Audio music = RandomMusic(trial.random, 48000, 56);
         std::vector<Host::Event> first;
         double memory = 0;
         for (std::uint64_t minute = 0; minute < minutes; ++minute) {

@@ -71,7 +71,7 @@ TEST(AudioThread, NeitherWaitsNorAllocatesNorLeavesForTheSystem) {
         current = &trial;
         Player player;
         const Host& host = player.host;
-        const Audio music = BusyMusic(trial.random, 48000, 4), silence(48000);
+        const Audio music = RandomMusic(trial.random, 48000, 4), silence(48000);
         player.Watch([](const char* name) { current->Fail(std::string("inside a process call: ") + name); });
         ASSERT_TRUE(Inside::WatchSystemCalls());
         for (int round = 0; round < 100; ++round) {
@@ -143,7 +143,7 @@ TEST(AudioThread, EachCallLeavesTheHostsFloatingPointModesAsTheyWere) {
         Player player;
         // The sticky flags may be set in the middle of a call; the modes must not.
         player.host.atCall = [] { changed += ((_mm_getcsr() ^ hostModes) & ~0x3FU) != 0 ? 1 : 0; };
-        const Audio music = BusyMusic(trial.random, 48000, 4);
+        const Audio music = RandomMusic(trial.random, 48000, 4);
         for (int call = 0; call < 500; ++call) {
             const volatile float value = static_cast<float>(trial.Within(0, 1));
             const auto index = static_cast<std::int32_t>(trial.Below(96));

@@ -129,7 +129,10 @@ void SomeFrames(Trial& trial, SideBySide& both) {
     const std::uint64_t change = 1 + trial.Below(60);
     for (std::uint64_t left = both.model.stopped ? 0 : trial.Below(60); left > 0; --left) both.Frame(change);
     const std::int32_t transpose = some(-60, 121), channel = some(0, 20), velocity = some(-5, 300);
-    const std::int32_t band = some(0, 84), length = some(0, 20000), gap = some(0, 5000);
+    const std::int32_t band = some(0, 84);
+    // Mostly whole frames, as the notes have.
+    const std::int64_t unit = trial.OneIn(4) ? 1 : both.model.recorder.frameLength;
+    const std::int64_t length = unit * some(0, 40), gap = unit * some(0, 12);
     const bool on = trial.OneIn(2);
     const std::uint64_t kind = trial.Below(8);
     both.Recorders([&](auto& recorder) {

@@ -4,9 +4,9 @@
 
 // Waits for a condition that nobody signals; false after a long time.
 template <typename Condition>
-bool AwaitThat(Condition met, std::chrono::seconds patience = std::chrono::seconds(30)) {
-    const auto end = std::chrono::steady_clock::now() + patience;
-    while (!met()) {
+bool AwaitThat(Condition condition, std::chrono::seconds limit = std::chrono::seconds(30)) {
+    const auto end = std::chrono::steady_clock::now() + limit;
+    while (!condition()) {
         if (std::chrono::steady_clock::now() > end) return false;
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }

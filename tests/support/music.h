@@ -75,18 +75,6 @@ inline Audio Noise(int rate, double seconds, std::uint32_t seed = 1) {
     return Noise(random, Samples(rate, seconds));
 }
 
-// Ten notes a second, up to six at a time, over some noise that never sums to zero, as silence does.
-template <typename Random>
-Audio BusyMusic(Random& random, double rate, double seconds) {
-    Audio audio(Samples(rate, seconds));
-    for (float& sample : audio) sample = 0.001F * static_cast<float>(1 + random() % 9);
-    const auto step = Samples(rate, 0.1);
-    for (std::size_t begin = 0; begin < audio.size(); begin += step)
-        AddStruck(audio, begin, step * (1 + random() % 6), NoteHertz(33 + static_cast<double>(random() % 60)),
-                  rate);
-    return audio;
-}
-
 // Chords of one to four sines, 0.1 to 0.6 s each, some with a pause behind them.
 template <typename Random>
 Audio RandomMusic(Random& random, double rate, double seconds) {
