@@ -3,6 +3,7 @@
 
     sweep.py FOLDER [INSTRUMENT...]    FOLDER as bench/accuracy/run left it, with corpus.json and the sounds;
                                        without a name all of them, and "any" for the whole corpus in one
+    sweep.py FOLDER --refined          the same for the refined ears, whose setting is their threshold
 
 Prints the scores on both halves at the plug-in's own settings, at those found, and at parts of those: polyphony,
 sensitivity, the lowest and the highest MIDI note whose bar is open, and dB an octave by which open bars fall.
@@ -30,6 +31,7 @@ class Settings:
     sensitivity: float = 0.875
     lowest: int = LOWEST_BAND  # MIDI notes; bars outside are at 0
     highest: int = LOWEST_BAND + BARS - 1
+    threshold: float = 0  # of the refined ears
     slant: int = 0  # dB an octave by which bars fall from the lowest note upward; from the highest down if negative
 
     def arguments(self):
@@ -39,7 +41,8 @@ class Settings:
             note = LOWEST_BAND + bar
             inside = self.lowest <= note <= self.highest
             values[3 + bar] = 10 ** (-self.slant * (note - full) / 12 / 20) if inside else 0.0
-        return [f"--param={index}={value:.4f}" for index, value in values.items()]
+        ear = [f"--threshold={self.threshold}"] if self.threshold else []
+        return [f"--param={index}={value:.4f}" for index, value in values.items()] + ear
 
 
 OWN = Settings()
@@ -49,8 +52,11 @@ SENSITIVITY = (0.5, 0.625, 0.7, 0.75, 0.8, 0.875, 0.94, 1.0)
 SLANT = (0, -3, 1, 2, 3, 6)
 
 
-def counts_of(settings, corpus, folder):
-    heard = heard_by_orva([folder / (piece["name"] + ".wav") for piece in corpus], settings.arguments())
+THRESHOLDS = (-0.75, -0.5, -0.25, 0, 0.25, 0.5, 0.75, 1)  # of the refined ears; fewer notes above 0
+
+
+def counts_of(settings, corpus, folder, ear="classic"):
+    heard = heard_by_orva([folder / (piece["name"] + ".wav") for piece in corpus], settings.arguments(), ear)
     return sum((count(piece["notes"], notes) for piece, notes in zip(corpus, heard)), Counter())
 
 
@@ -94,6 +100,32 @@ def shapes_of(instrument):
     return [replace(OWN, lowest=lowest, highest=highest, slant=slant) for slant in SLANT] + [OWN]
 
 
+def refined(folder):
+    """For each instrument, with the bars of its reach: F at 50 ms, both halves, live and in files, at each threshold. The
+    one to choose is the nearest to 0 that is within a point of the best, both ears together, on the training half."""
+    corpus = [json.loads(line) for line in (folder / "corpus.json").read_text().splitlines()]
+    print("instrument threshold: training live, file; held out live, file")
+    for instrument in INSTRUMENTS:
+        lowest, highest = instrument.reach
+        rows = {}
+        for threshold in THRESHOLDS:
+            shape = replace(OWN, lowest=lowest, highest=highest, threshold=threshold)
+            rows[threshold] = [
+                figures(counts_of(shape, [piece for piece in corpus if ours(piece, instrument, half)], folder, ear))["F50"]
+                for half in ("training", "held out")
+                for ear in ("live", "file")
+            ]
+        most = max(sum(row[:2]) for row in rows.values())
+        chosen = min((t for t, row in rows.items() if sum(row[:2]) >= most - 1), key=abs)
+        for threshold, row in rows.items():
+            mark = " chosen" if threshold == chosen else ""
+            print(f"{instrument.name} {threshold}:", *(f"{f:.1f}" for f in row), mark, flush=True)
+
+
+def ours(piece, instrument, half):
+    return piece["instrument"] == instrument.name and piece["half"] == half
+
+
 def main(folder, names):
     corpus = [json.loads(line) for line in (folder / "corpus.json").read_text().splitlines()]
     found = {}
@@ -131,4 +163,7 @@ def main(folder, names):
 if __name__ == "__main__":
     if len(sys.argv) < 2:
         sys.exit(__doc__)
-    main(Path(sys.argv[1]), sys.argv[2:])
+    if sys.argv[2:] == ["--refined"]:
+        refined(Path(sys.argv[1]))
+    else:
+        main(Path(sys.argv[1]), sys.argv[2:])

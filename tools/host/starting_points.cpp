@@ -12,15 +12,20 @@ constexpr int firstBarNote = 24;  // MIDI
 
 // clang-format off
 constexpr StartingPoint points[] = {
-    // polyphony, sensitivity, lowest, highest, slant, name
-    {0.80F, 1.000F, 24,  96, 1, "piano"},
-    {0.75F, 1.000F, 40,  88, 0, "guitar"},
-    {0.75F, 0.875F, 28,  67, 0, "bass"},
-    {0.75F, 1.000F, 36,  96, 0, "organ"},
-    {0.75F, 1.000F, 60,  96, 0, "flute"},
-    {0.80F, 1.000F, 40,  84, 0, "voice"},
+    // polyphony, sensitivity, lowest, highest, slant, refined threshold, name
+    {0.80F, 1.000F, 24,  96, 1, 0.25F, "piano"},
+    {0.75F, 1.000F, 40,  88, 0, 0.75F, "guitar"},
+    {0.75F, 0.875F, 28,  67, 0, 0.50F, "bass"},
+    {0.75F, 1.000F, 36,  96, 0, 0.00F, "organ"},
+    {0.75F, 1.000F, 60,  96, 0, 0.00F, "flute"},
+    {0.80F, 1.000F, 40,  84, 0, 0.00F, "voice"},
 };
 // clang-format on
+
+const StartingPoint* Find(const std::string& name) {
+    return std::find_if(std::begin(points), std::end(points),
+                        [&](const StartingPoint& point) { return point.name == name; });
+}
 
 float BarGain(const StartingPoint& point, int note) {
     if (note < point.lowest || note > point.highest) return 0;
@@ -40,9 +45,13 @@ std::string StartingPointNames() {
     return names;
 }
 
+float RefinedThresholdFor(const std::string& name) {
+    const auto* const point = Find(name);
+    return point == std::end(points) ? 0.0F : point->refinedThreshold;
+}
+
 std::vector<ParameterSetting> SettingsFor(const std::string& name) {
-    const auto* const point = std::find_if(std::begin(points), std::end(points),
-                                           [&](const StartingPoint& p) { return p.name == name; });
+    const auto* const point = Find(name);
     if (point == std::end(points))
         throw std::invalid_argument("no settings for '" + name + "'; there are: " + StartingPointNames());
     std::vector<ParameterSetting> settings = {{paramPolyphony, point->polyphony},

@@ -13,11 +13,15 @@ struct StartingPoint {
     float sensitivity;  // parameter 1
     int lowest;         // MIDI notes: the equalizer bars outside are shut
     int highest;
-    int slant;  // dB an octave by which the open bars fall from the lowest note upward
+    int slant;               // dB an octave by which the open bars fall from the lowest note upward
+    float refinedThreshold;  // logits; of a refined ear, for which the reach alone counts besides
     const char* name;
 };
 
 std::span<const StartingPoint> StartingPoints();
+
+// Of a refined ear; 0 if there is none of that name.
+float RefinedThresholdFor(const std::string& name);
 
 // The names, "piano, guitar, ...".
 std::string StartingPointNames();

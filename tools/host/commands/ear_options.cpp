@@ -3,6 +3,8 @@
 #include <charconv>
 #include <utility>
 
+#include "tools/host/starting_points.h"
+
 namespace {
 
 constexpr std::pair<const char*, Ear> ears[] = {
@@ -22,7 +24,7 @@ void AddEarOptions(CLI::App& command, EarTexts& texts, const std::string& usual)
         .add_option("--threshold", texts.threshold, "of the refined ears: fewer notes above 0, more below")
         ->type_name("N")
         ->check(CLI::Range(-10.0, 10.0).description(""))
-        ->capture_default_str();
+        ->default_str("0");
     command
         .add_option("--level", texts.level,
                     "hear the audio louder by so many dB, or auto: brought to full level")
@@ -30,13 +32,13 @@ void AddEarOptions(CLI::App& command, EarTexts& texts, const std::string& usual)
         ->capture_default_str();
 }
 
-EarSettings ParseEar(const EarTexts& texts, const std::string& usual) {
+EarSettings ParseEar(const EarTexts& texts, const std::string& usual, const std::string& instrument) {
     EarSettings settings;
     settings.isRequired = !texts.ear.empty() && texts.ear != "classic";
     const std::string& wanted = texts.ear.empty() ? usual : texts.ear;
     for (const auto& [name, ear] : ears)
         if (wanted == name) settings.ear = ear;
-    settings.threshold = texts.threshold;
+    settings.threshold = texts.threshold.value_or(RefinedThresholdFor(instrument));
     settings.autoLevel = texts.level == "auto";
     if (settings.autoLevel) return settings;
     const char* const end = texts.level.data() + texts.level.size();

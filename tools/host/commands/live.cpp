@@ -219,7 +219,7 @@ int Live(const LiveOptions& options) {
         CheckFolderOf(options.midi);
     }
     const PluginModule module(plugin);
-    const EarSettings ear = ParseEar(options.ear, earOfLive);
+    const EarSettings ear = ParseEar(options.ear, earOfLive, options.parameters.instrument);
     LiveSession session(options, module, ParseParameters(options.parameters, module, ear.ear), ear);
     std::unique_ptr<EditorWindow> window = options.window ? OpenWindow(session) : nullptr;
     std::cout << session.Heading() << std::endl;

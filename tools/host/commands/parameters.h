@@ -12,6 +12,7 @@ struct ParameterTexts {
 void AddParameterOptions(CLI::App& command, ParameterTexts& texts);
 
 // In the order in which they are to be set: the values last. The starting points are made for the classic
-// ear: for another, of an instrument's settings only its reach counts. Errors: UsageError.
+// ear: for another, of an instrument's settings only its reach counts, and a threshold that is no parameter
+// (ParseEar). Errors: UsageError.
 std::vector<ParameterSetting> ParseParameters(const ParameterTexts& texts, const PluginModule& module,
                                               Ear ear);

@@ -208,7 +208,7 @@ int RenderFiles(RenderOptions& options) {
     const std::filesystem::path plugin = FindPlugin(options.plugin);
     GuardFiles(options, plugin);
     const PluginModule module(plugin);
-    options.settings.ear = ParseEar(options.ear, earOfRecordings);
+    options.settings.ear = ParseEar(options.ear, earOfRecordings, options.parameters.instrument);
     options.settings.parameters = ParseParameters(options.parameters, module, options.settings.ear.ear);
     options.settings.followsLevels = FollowsLevels(options);
     UseDevice(options);
