@@ -1,6 +1,5 @@
 #include "delivery/note_recorder.h"
 
-#include <functional>
 #include <future>
 #include <limits>
 #include <memory>
@@ -92,27 +91,6 @@ TEST_F(Recorder, DeletesItsOutputsSilently) {
     dying.reset();
     EXPECT_EQ(deaths, 2);
     EXPECT_EQ(Taken(), Log());  // although each stops itself in its destructor
-}
-
-// A change leaves alone what does not differ; a setter ends the notes and sends in any case.
-TEST_F(Recorder, SettersActEvenWhereNothingChangesAndChangesDoNot) {
-    const std::pair<std::function<void()>, Log> rows[] = {
-        {[this] { recorder.ChangeMapping(0, 0, 100); }, {}},
-        {[this] { recorder.SetProgram(0); }, {}},
-        {[this] { recorder.SetTranspose(0); }, {"a-45"}},
-        {[this] { recorder.SetVelocity(100); }, {"a-45"}},
-        {[this] { recorder.SetMapping(0, 0, 100); }, {"a-45"}},
-        {[this] { recorder.SetChannel(0); }, {"a-45", "a!192"}},  // the program: C0 hex
-    };
-    Add('a')->Start();
-    for (const auto& [call, sent] : rows) {
-        Frame({}), Frame({45});
-        Taken();
-        call();
-        EXPECT_EQ(Taken(), sent) << "row " << &call - &rows[0].first;
-    }
-    recorder.SetMapping(-12, 3, 5);
-    EXPECT_EQ(recorder.messages[45].onMessage, 0x053993U);  // note 69 - 12 = 39 hex
 }
 
 // What waits for the first note gets it twice: as it starts, and as the frame is offered to it.

@@ -1,15 +1,14 @@
 #pragma once
-#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <stdexcept>
 #include <string>
-#include <thread>
 #include <utility>
 #include <vector>
 
 #include "editor/editor_factory.h"
 #include "plugin/gui_plugin_ex.h"
+#include "tests/support/await.h"
 #include "tests/support/display_server.h"
 #include "tests/support/parent_window.h"
 
@@ -45,12 +44,11 @@ public:
 
     // Gives idle time until the condition holds; false if it never does.
     bool Await(const std::function<bool()>& condition) {
-        for (int round = 0; round < 2000; ++round) {
+        return AwaitThat([&] {
             if (condition()) return true;
             Idle();
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        }
-        return condition();
+            return false;
+        });
     }
     // Until the window shows the same for a while: whatever was on its way has been drawn.
     void Settle() {

@@ -169,7 +169,8 @@ TEST_F(Live, ListsPortsReportsWhatIsMissingAndEndsOnASignal) {
     for (const int signal : {SIGINT, SIGHUP}) {
         HostProcess host({"live", "--connect"});  // the first capture port
         EXPECT_TRUE(host.AwaitOut("hearing system:capture_1\n"));
-        EXPECT_NE(jack_port_connected_to(jack_port_by_name(speakers, "system:capture_1"), "orva:in"), 0);
+        const jack_port_t* const capture = jack_port_by_name(speakers, "system:capture_1");
+        EXPECT_TRUE(AwaitThat([&] { return jack_port_connected_to(capture, "orva:in") != 0; }));
         EXPECT_EQ(host.End(signal), 0) << host.Err();
         EXPECT_EQ(host.Err(), "");
     }

@@ -29,7 +29,7 @@ Take Heard(const std::string& path, int blockSize = 512, Ear ear = Ear::classic)
 TEST(Tone, IsOneNoteAtEachRateHoweverTheHostCutsTheAudio) {
     const TempFolder folder;
     const std::string path = folder / "c4.wav";
-    for (const int rate : {8000, 22050, 48000, 96000, 192000, 44100}) {
+    for (const int rate : {8000, 48000, 192000, 44100}) {
         SCOPED_TRACE(rate);
         WriteAudio(path, HeldNote(middleC, rate, 0.5, 1.2, 1.6), rate);
         const Take take = Heard(path);

@@ -54,25 +54,6 @@ protected:
     const std::unique_ptr<EventGatherer> gatherer = std::make_unique<EventGatherer>();
 };
 
-TEST_F(Gatherer, DatesEventsInsideTheRunAndKeepsTheOrderOfEqualDates) {
-    Begin();
-    Send(99, on60);
-    Send(100, on61);  // behind the last frame: clamped to 99
-    Send(-3, off61);  // before the first: clamped to 0
-    Send(0, off60);
-    EXPECT_EQ(End(), (Lv2Events{Out(0, off61), Out(0, off60), Out(99, on60), Out(99, on61)}));
-    Begin();
-    gatherer->BeginBlock(40);
-    Send(-30, on60);  // 40 - 30
-    Send(1, program5);
-    Send(2, 0);  // of a band without a note
-    EXPECT_EQ(End(), (Lv2Events{Out(10, on60), Out(41, program5)}));
-    Begin(0);
-    Send(0, on60);
-    EXPECT_EQ(End(), Lv2Events());  // a run without frames has no place for it
-    EXPECT_EQ(Run(), Lv2Events{Out(0, on60)});
-}
-
 TEST_F(Gatherer, WhatComesFromElsewhereIsOutAtTheNextRunsBeginningAndIsNotOvertaken) {
     Send(7, on60);  // between runs, though by the same thread
     SendFromElsewhere(off60);
