@@ -22,7 +22,7 @@ public:
     void lock();
     void unlock();
     bool try_lock();
-    bool try_lock_for(std::chrono::milliseconds patience);  // by the system's clock
+    bool try_lock_for(std::chrono::milliseconds timeout);  // by the system's clock
 
 private:
     SystemLock mutex;

@@ -1,5 +1,5 @@
 // rooms: module
-// The whole road of a block, as a host drives it: samples in, audio and events out. Times are told as
+// The whole path of a block, as a host drives it: samples in, audio and events out. Times are given as
 // multiples of real time: 100 x means that a second of audio costs 10 ms of one core.
 #include <benchmark/benchmark.h>
 #include <malloc.h>

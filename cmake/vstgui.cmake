@@ -16,7 +16,7 @@ add_library(vstgui STATIC IMPORTED)
 set_target_properties(vstgui PROPERTIES
   IMPORTED_LOCATION ${ORVA_TOOLKIT}/lib/libvstgui.a
   INTERFACE_INCLUDE_DIRECTORIES ${ORVA_TOOLKIT}/include # imported, so its warnings are not ours
-  # DEBUG and the rest as the library itself was built: they change the layout of its classes. The first tells it
+  # DEBUG and the rest as the library itself was built: they change the layout of its classes. The first says
   # that the records of keys come from the plug-in interface: vst2/records.h goes before any of its headers.
   INTERFACE_COMPILE_DEFINITIONS "__aeffectx__;DEBUG=0;VSTGUI_ENABLE_DEPRECATED_METHODS=1;VSTGUI_OPENGL_SUPPORT=1${system_definitions}"
   INTERFACE_LINK_LIBRARIES "${needs}")

@@ -30,7 +30,7 @@ void TNoteOut::StopSteps() {
     running = false;
 }
 
-// Closes what the outputs were told, which is what was playing, and not what the detector hears by now.
+// Ends what the outputs were given, which is what was playing, and not what the detector hears by now.
 void TNoteOut::Silence() {
     if (!running || silenced) return;
     if (const TNoteRecorder* const from = recorder)

@@ -30,7 +30,7 @@ public:
     virtual void Release() { delete this; }
     virtual void AutoStart() {}             // [audio, locked] the first note of all has come
     virtual void Start() { StartSteps(); }  // picks up the bands that are on
-    virtual void Stop() { StopSteps(); }    // closes what it was told
+    virtual void Stop() { StopSteps(); }    // ends the notes that it was given
     virtual void Silence();                 // [any] a note off for each note that plays
     virtual void Update();                  // [audio, locked] a frame
     virtual void Send(std::uint32_t) {}     // [any] a message beside the notes

@@ -24,7 +24,7 @@ TNoteRecorder::~TNoteRecorder() {
 TNoteRecorder::Hold::Hold(TNoteRecorder& held, bool wanted) : recorder(held) {
     if (!wanted) return;
     const bool again = recorder.goesWithout == std::this_thread::get_id();
-    locked = again ? recorder.mutex.try_lock() : recorder.mutex.try_lock_for(patience);
+    locked = again ? recorder.mutex.try_lock() : recorder.mutex.try_lock_for(timeout);
     gaveUp = !locked && !again;
     if (gaveUp) recorder.goesWithout = std::this_thread::get_id();
 }

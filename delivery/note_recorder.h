@@ -17,7 +17,7 @@
 //
 // Threads: OnFrame [audio]. Attach, Activate before the first frame. All others [any].
 // Lock: recursive, held through all delivery in OnFrame, and by Start and Stop of TmtNoteOut, but for a
-// thread that waits in vain (see Hold): it keeps events in order, and is not what keeps memory safe. The
+// thread whose wait times out (see Hold): it keeps events in order, and is not what keeps memory safe. The
 // operations that change messages take it only while the recorder is not active: beside the audio thread they
 // run unlocked, so that a setting never waits for a block. Words that both sides touch are relaxed atomics;
 // what can go wrong is one event with the note or channel from before the change. Errors: none are reported.
@@ -84,7 +84,7 @@ public:
 
     // The lock for the length of a scope, or a patient try at it. A host may hold a lock of its own around a
     // call to us, and take it in its callback, too: then one of its threads stands in a delivery and waits
-    // for the other, which wants our lock, and nobody would ever go on. After `patience` a thread goes on
+    // for the other, which wants our lock, and nobody would ever go on. After `timeout` a thread goes on
     // without, as a change of velocity always does: at worst an event is out of order. Within such a scope of
     // its own a thread does not wait a second time.
     class Hold {
@@ -95,7 +95,7 @@ public:
         Hold& operator=(const Hold&) = delete;
 
         // Many times what a frame takes; with the 100 ms of a suspend, what a host still takes for an answer.
-        static constexpr auto patience = std::chrono::milliseconds(40);
+        static constexpr auto timeout = std::chrono::milliseconds(40);
 
     private:
         TNoteRecorder& recorder;

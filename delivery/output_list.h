@@ -9,7 +9,7 @@ class TNoteOut;
 // an output may add or remove one (itself included) in the middle of a walk: a walk sees each output that
 // was there throughout exactly once, and none after its removal. No walk ever waits.
 //
-// A removed output may still be in the hands of a walk that met it before: it must live until Quiet() has
+// A removed output may still be in the hands of a walk that reached it before: it must live until Quiet() has
 // been true once after its removal.
 //
 // Threads: [any]. Lock: a leaf lock of its own around what changes the list.

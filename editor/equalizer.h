@@ -13,7 +13,7 @@ class CEqualizer : public CBufferedControl {
 public:
     CEqualizer(const VSTGUI::CRect& size, VSTGUI::IControlListener* controlListener, std::int32_t controlTag);
 
-    // Stores the height, makes the bar the control's value, and tells the listener.
+    // Stores the height, makes the bar the control's value, and notifies the listener.
     void setBarHeight(std::int32_t bar, std::int32_t pixels);
 
     // Pixels of a bar of value 1.

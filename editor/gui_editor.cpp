@@ -111,7 +111,7 @@ void guiEditor::CloseNow() {
     if (effect != nullptr) effect->messages.SetWindow(nullptr);
     fileDialog.End();
     fileChosen = nullptr;
-    errands.clear();
+    tasks.clear();
     std::vector<Message> unseen;
     {
         const std::lock_guard locked(messagesGuard);
@@ -123,7 +123,8 @@ void guiEditor::CloseNow() {
     AEffGUIEditor::close();
     try {
         for (const Message& each : unseen) SystemMessageBox().Show(each.text, each.caption);
-    } catch (...) {  // no memory to tell the user with; the editor may be in the middle of its destruction
+    } catch (
+        ...) {  // no memory for a message to the user; the editor may be in the middle of its destruction
     }
 }
 
@@ -136,7 +137,7 @@ void guiEditor::idle() {
             if (isEditorOpen) window->setParameter(index, value);
         });
         PumpEvents();
-        RunErrands();
+        RunTasks();
         PollFileDialog();
         ShowNextMessage();
 
@@ -261,7 +262,7 @@ void guiEditor::ShowNextMessage() {
         messages.erase(messages.begin());
     }
     const auto dismissed = [this] {  // comes from the view itself, which must outlive the call
-        errands.emplace_back([this] {
+        tasks.emplace_back([this] {
             frame->endModalViewSession(messageSession);
             messageIsUp = false;
         });
@@ -275,7 +276,7 @@ void guiEditor::ShowNextMessage() {
 
 void guiEditor::AskForFile(const FileDialogRequest& request,
                            std::function<void(const std::string&)> whenChosen) {
-    errands.emplace_back([this, request, call = std::move(whenChosen)] {
+    tasks.emplace_back([this, request, call = std::move(whenChosen)] {
         if (fileDialog.Poll() == FileDialog::State::running) return;  // the user still has one to answer
         FileDialogRequest above = request;
         above.owner = HostWindow();
@@ -311,21 +312,21 @@ void guiEditor::OwnFileDialog() {
 }
 
 void guiEditor::OpenWebPage(const std::string& address) {
-    errands.emplace_back([this, address] {
+    tasks.emplace_back([this, address] {
         if (!SystemShell().OpenWebPage(address))
             ShowMessage("The web page could not be opened:\n" + address, "Error");
     });
 }
 
 void guiEditor::OpenMail(const std::string& address) {
-    errands.emplace_back([this, address] {
+    tasks.emplace_back([this, address] {
         if (!SystemShell().OpenMail(address))
             ShowMessage("No mail program could be opened. Please write to\n" + address, "Error");
     });
 }
 
 void guiEditor::OpenHelp() {
-    errands.emplace_back([this] {
+    tasks.emplace_back([this] {
         const std::filesystem::path file = ModuleFolder() / "orva_vst.chm";
         if (SystemShell().OpenHelpFile(Utf8(file))) return;
         const std::filesystem::path manual = ManualOf(ModuleFolder());
@@ -334,7 +335,7 @@ void guiEditor::OpenHelp() {
     });
 }
 
-void guiEditor::RunErrands() {
-    auto now = std::exchange(errands, {});
-    for (auto& errand : now) errand();
+void guiEditor::RunTasks() {
+    auto now = std::exchange(tasks, {});
+    for (auto& task : now) task();
 }

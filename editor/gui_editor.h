@@ -76,7 +76,7 @@ private:
 
     bool MakeWindow(void* parent);
     void CloseNow();
-    void RunErrands();
+    void RunTasks();
     void PollFileDialog();
     void OwnFileDialog();
     void ShowNextMessage();
@@ -96,7 +96,7 @@ private:
     BlockWatch blockWatch;           // without blocks the picture is dark
 
     Mailbox mailbox;
-    std::vector<std::function<void()>> errands;  // for the next idle call
+    std::vector<std::function<void()>> tasks;  // for the next idle call
     FileDialog fileDialog;
     int ownedDialog = -1;   // the last whose windows were put above the host's
     int attemptsToOwn = 0;  // for that one

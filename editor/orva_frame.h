@@ -16,7 +16,7 @@ public:
     // Of the size of its picture, `backgroundId`, below the window's strip.
     CORVAFrame(guiEditor* itsEditor, std::int32_t backgroundId);
 
-    // A parameter has a new value, from the host or another page; the controls follow and tell nobody.
+    // A parameter has a new value, from the host or another page; the controls follow and notify nobody.
     virtual void setParameter(std::int32_t /*index*/, float /*value*/) {}
     void valueChanged(VSTGUI::CControl* control) override = 0;
 

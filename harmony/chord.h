@@ -12,7 +12,7 @@
 
 // From notes that sound together to the name of a chord. Every note is scored as a root; above the best one
 // the intervals are marked; the number of pitch classes decides what kinds of chord are looked for; and what
-// was not recognised is tried again without its lowest note, then without its highest one.
+// was not recognised is analysed again without its lowest note, then without its highest one.
 //
 // Threads: one at a time for each TChord. There is no state between or beside the objects: chords on several
 // threads do not know of each other.
@@ -27,7 +27,7 @@ struct TChordInfo {
     bool chordIsPartial = false;   // third and seventh without the fifth
     bool noThird = false;
     bool bothThirds = false;       // minor and major
-    bool majorBelowMinor = false;  // of both thirds, the major one is met first
+    bool majorBelowMinor = false;  // of both thirds, the major one comes first
     bool isTriad = false;          // the form that was recognised
     bool isSeventh = false;
     bool isNinth = false;

@@ -62,7 +62,7 @@ constexpr std::uint16_t wholeChords[] = {
 };
 
 // The distance of a tone above the root, `place` tones from it, as an interval of at most a ninth. A second
-// directly above the root is one; met higher up in the chord it counts as a ninth.
+// directly above the root is one; higher up in the chord it counts as a ninth.
 std::int32_t FoldUpward(std::int32_t distance, std::int32_t place, std::int32_t previous) {
     const std::int32_t cls = distance % classCount;
     if (distance >= classCount && (cls == 1 || cls == 2)) return cls + classCount;
@@ -129,14 +129,14 @@ std::int32_t TChord::scoreAsRoot(std::int32_t candidate) {
 }
 
 std::int32_t TChord::findRoot() {
-    std::array<bool, classCount> tried{};
+    std::array<bool, classCount> seen{};
     scores = {};
     std::int32_t root = 0, highest = 0;
     for (std::int32_t candidate = 0; candidate < noteCount; ++candidate) {
         const auto index = static_cast<std::size_t>(candidate);
-        bool& classTried = tried[tones[index].pitch % classCount];
-        if (!classTried) scores[index] = scoreAsRoot(candidate);
-        classTried = true;
+        bool& classSeen = seen[tones[index].pitch % classCount];
+        if (!classSeen) scores[index] = scoreAsRoot(candidate);
+        classSeen = true;
         if (scores[index] <= highest) continue;
         highest = scores[index];
         root = candidate;
@@ -145,7 +145,7 @@ std::int32_t TChord::findRoot() {
     return root;
 }
 
-// True if a minor third is met while a major one is marked already.
+// True if a minor third is found while a major one is marked already.
 bool TChord::markIntervals(std::int32_t root) {
     clearDegrees();
     semitonePresent = {};

@@ -26,7 +26,7 @@ struct TInterval {
 };
 static_assert(sizeof(TInterval) == 4);
 
-// The types of chord that the analysis tells apart, numbered as the rows of ChordSuffixes. The numbers left
+// The types of chord that the analysis distinguishes, numbered as the rows of ChordSuffixes. The numbers left
 // out belong to rows that nothing produces.
 enum TChordType : std::uint32_t {
     ctNone = 0,  // not recognised

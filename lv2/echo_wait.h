@@ -1,9 +1,9 @@
 #pragma once
 #include <cstdint>
 
-// A value was changed from within and told to the host. Until the host hands that value back, what it hands
-// over is older than the change and does not count; a host that never hands it back is right again after a
-// while.
+// A value was changed from within and reported to the host. Until the host hands that value back, what it
+// hands over is older than the change and does not count; a host that never hands it back is right again
+// after a while.
 //
 // Threads: one. Times are in any unit, as long as it is the same one.
 class EchoWait {

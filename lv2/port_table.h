@@ -25,7 +25,7 @@ enum Lv2Port : std::uint32_t {
 // Bytes that a host is asked to offer for the notes of one run: 682 events of 24 bytes each.
 constexpr std::uint32_t midiPortBytes = 16384;
 
-// What a host is told of a control port.
+// What a host learns of a control port.
 struct ControlPort {
     std::string symbol;
     std::string name;

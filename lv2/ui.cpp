@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr std::int64_t patience = 500;  // ms that the host may take for an echo
+constexpr std::int64_t timeout = 500;  // ms that the host may take for an echo
 
 std::int64_t Milliseconds() {
     const auto now = std::chrono::steady_clock::now().time_since_epoch();
@@ -86,7 +86,7 @@ bool Ui::Idle() {
 void Ui::TellHost() {
     instance->ChangesForHost().drain([this](std::int32_t index, float value) {
         const auto at = static_cast<std::size_t>(index);
-        echoes[at].Await(value, Milliseconds() + patience);
+        echoes[at].Await(value, Milliseconds() + timeout);
         shownOver[at] = false;
         if (write != nullptr)
             write(controller, portFirstControl + static_cast<std::uint32_t>(index), sizeof value, 0, &value);

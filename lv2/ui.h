@@ -13,9 +13,9 @@
 // the desktop. It is the editor of the plug-in object, so it needs the instance itself, in one process with
 // it, and an instance has one window.
 //
-// Whatever is changed in it has reached the object; the host is told at the end of the idle call, the newest
-// value of each parameter. What the host tells of a port is shown where the object has not heard it by a run.
-// After the host has cleaned up the instance, the window closes at its next idle call.
+// Whatever is changed in it has reached the object; the host is notified at the end of the idle call, the
+// newest value of each parameter. What the host reports of a port is shown where the object has not heard it
+// by a run. After the host has cleaned up the instance, the window closes at its next idle call.
 //
 // Threads: [ui].
 class Ui {

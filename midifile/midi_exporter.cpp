@@ -128,7 +128,7 @@ void TMidiExporter::PrepareBars() {
         score->RemoveBar(second->first);
 }
 
-// Each note's begin moves by `distance`, those that lead first, so that none is met twice as they change
+// Each note's begin moves by `distance`, those that lead first, so that none is visited twice as they change
 // places. The first bar goes, and the others move along. The time line ends where it ends: begins stay on it,
 // and a bar past the last tick is dropped.
 void TMidiExporter::ShiftScore(std::int64_t distance) {

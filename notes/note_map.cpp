@@ -26,7 +26,7 @@ struct BeginOrder {
 
 using AddressOrder = std::less<>;
 
-// Index of the first element that does not stand before `item`. The ends are tried first: a score that is
+// Index of the first element that does not stand before `item`. The ends are compared first: a score that is
 // filled in order of time ends there.
 template <typename Vector, typename Item, typename Order>
 std::size_t Place(const Vector& sorted, const Item& item, Order before) {

@@ -16,7 +16,7 @@ constexpr bool IsPlain(std::size_t alignment) {
 class FreeStore : public std::pmr::memory_resource {
     void* do_allocate(std::size_t bytes, std::size_t alignment) override {
         MemoryBudget::Charge(MemoryBudget::BlockSize(bytes));
-        try {  // an alignment that any block has is not asked for, which would cost a slower road
+        try {  // an alignment that any block has is not asked for, which would take a slower path
             return IsPlain(alignment) ? ::operator new(bytes)
                                       : ::operator new (bytes, std::align_val_t{alignment});
         } catch (...) {

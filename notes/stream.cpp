@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::int32_t lastPosition = std::numeric_limits<std::int32_t>::max();
 
-// The state of `file` without the mark that a read has met the end, which would stop the next write.
+// The state of `file` without the mark that a read has reached the end, which would stop the next write.
 void ForgetEnd(std::fstream& file) {
     file.clear(file.rdstate() & ~std::ios_base::eofbit);
 }

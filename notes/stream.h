@@ -55,7 +55,7 @@ public:
     std::int32_t GetSize() override;  // of the file; bytes that await writing are not counted
     std::int32_t SeekToEnd() override;
     void Rewind() override;
-    bool IsAtEnd() override;  // a read has met the end of the file, and no byte is held any more
+    bool IsAtEnd() override;  // a read has reached the end of the file, and no byte is held any more
 
     bool IsOpen() const { return file.is_open(); }
     bool Failed() const { return file.fail(); }  // as far as the system has been asked yet

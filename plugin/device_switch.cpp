@@ -27,15 +27,15 @@ void DeviceSwitch::SetEnabled(bool enabled) {
     Ask({paramDeviceEnabled, enabled ? 1.0F : 0.0F});
 }
 
-void DeviceSwitch::Ask(Wish wish) {
+void DeviceSwitch::Ask(Request request) {
     {
         const std::lock_guard<std::mutex> held(guard);
-        wishes.push_back(wish);
+        requests.push_back(request);
         if (busy) return;
         busy = true;
     }
     try {
-        for (Wish next; NextWish(next);) Fulfil(next);
+        for (Request next; NextRequest(next);) Serve(next);
     } catch (...) {
         const std::lock_guard<std::mutex> held(guard);
         busy = false;
@@ -43,20 +43,20 @@ void DeviceSwitch::Ask(Wish wish) {
     }
 }
 
-bool DeviceSwitch::NextWish(Wish& wish) {
+bool DeviceSwitch::NextRequest(Request& request) {
     const std::lock_guard<std::mutex> held(guard);
-    busy = !wishes.empty();
+    busy = !requests.empty();
     if (!busy) return false;
-    wish = wishes.front();
-    wishes.erase(wishes.begin());
+    request = requests.front();
+    requests.erase(requests.begin());
     return true;
 }
 
-void DeviceSwitch::Fulfil(Wish wish) {
-    if (wish.index == paramDevice)
-        ApplyDevice(wish.value);
+void DeviceSwitch::Serve(Request request) {
+    if (request.index == paramDevice)
+        ApplyDevice(request.value);
     else
-        ApplyEnabled(IsOn(wish.value));
+        ApplyEnabled(IsOn(request.value));
 }
 
 void DeviceSwitch::ApplyDevice(float value) {
@@ -132,13 +132,13 @@ void DeviceSwitch::DeleteRetired() {
 }
 
 // By way of the recorder's list, whose walk keeps a device that is being switched off from being deleted.
-template <typename Deed>
-void DeviceSwitch::WithDevice(Deed deed) {
+template <typename Action>
+void DeviceSwitch::WithDevice(Action action) {
     const TNoteRecorder::Hold held(recorder);
     const TNoteOut* const device = midiDeviceOut;
     if (device == nullptr) return;
     recorder.outputs.ForEach([&](TNoteOut& output) {
-        if (&output == device) deed(output);
+        if (&output == device) action(output);
     });
 }
 

@@ -23,12 +23,12 @@ protected:
     ~IDeviceSwitchOwner() = default;
 };
 
-// Parameters 88 and 89: which MIDI device is wished for, and whether it is open. A device that cannot be
-// opened is told in a message, and the wish falls back to the device that was open, or to none.
+// Parameters 88 and 89: which MIDI device is requested, and whether it is open. A device that cannot be
+// opened is reported in a message, and the request falls back to the device that was open, or to none.
 //
 // Threads: SetDevice and SetEnabled [any], though not for the audio thread's liking: a device takes its time
-// to open. Wishes are fulfilled one after the other, by whoever came first; a wish that comes while another
-// is being fulfilled (from another thread, or from a host that calls back) is left to that one. Start and
+// to open. Requests are served one after the other, by whoever came first; a request that comes while another
+// is being served (from another thread, or from a host that calls back) is left to that one. Start and
 // Stop [audio]. Lock: `midiDeviceOut` is read and replaced under the recorder's lock; devices open and close
 // outside it. Ownership: the recorder owns the output while it is attached.
 class DeviceSwitch {
@@ -48,29 +48,29 @@ public:
     Relaxed<bool> midiDeviceEnabled = false;  // parameter 89: a device is open
 
 private:
-    struct Wish {
+    struct Request {
         std::int32_t index;  // parameter 88 or 89
         float value;
     };
 
-    void Ask(Wish wish);
-    bool NextWish(Wish& wish);
-    void Fulfil(Wish wish);
+    void Ask(Request request);
+    bool NextRequest(Request& request);
+    void Serve(Request request);
     void ApplyDevice(float value);
     void ApplyEnabled(bool enabled);
     bool openMidiDevice(float value);
     void closeMidiDevice();
-    template <typename Deed>
-    void WithDevice(Deed deed);
+    template <typename Action>
+    void WithDevice(Action action);
 
     TNoteRecorder& recorder;
     IMessageBox& messages;
     IDeviceSwitchOwner& owner;
-    // Replaced under the recorder's lock, or where that is waited for in vain; null while none is open.
+    // Replaced under the recorder's lock, or where waiting for it times out; null while none is open.
     std::atomic<TRTMidiOut*> midiDeviceOut{nullptr};
 
     std::mutex guard;                                  // of what follows; held across no call
-    std::vector<Wish> wishes;                          // in the order in which they came
+    std::vector<Request> requests;                     // in the order in which they came
     bool busy = false;                                 // somebody is fulfilling them
     std::vector<std::unique_ptr<TRTMidiOut>> retired;  // detached; to be deleted once no thread is inside one
 };

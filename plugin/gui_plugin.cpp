@@ -29,7 +29,7 @@ CORVAguivst::CORVAguivst(audioMasterCallback host, EditorFactory makeEditor)
     if (makeEditor != nullptr) {
         try {
             editorObject = makeEditor(*this);
-        } catch (...) {  // told by the flag; the entry point refuses the object
+        } catch (...) {  // the flag reports it; the entry point refuses the object
         }
         if (editorObject == nullptr) editorCreationFailed = true;
         setEditor(editorObject.get());

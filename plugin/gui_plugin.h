@@ -14,7 +14,7 @@
 
 class TRTRecording;
 
-// The plug-in object with all that a user meets: the editor, the equalizer bars, the output to a MIDI device,
+// The plug-in object with all that a user sees: the editor, the equalizer bars, the output to a MIDI device,
 // the recording, the chord listener, and parameters 3 to 95. It keeps the further outputs open through short
 // silences, which CORVA_vst alone does not:
 //
@@ -38,7 +38,7 @@ public:
     void getParameterValueDisplay(float value, std::int32_t index, char* text) override;
     bool canParameterBeAutomated(std::int32_t index) override { return IsAutomatable(index); }
 
-    // A change that starts in the editor: applied, and told to the host, whose echo is not applied again.
+    // A change that starts in the editor: applied, and reported to the host, whose echo is not applied again.
     // [ui]
     virtual void setParameterFromEditor(std::int32_t index, float value);
 
@@ -71,7 +71,7 @@ public:
     Relaxed<float> chordsDelayValue = 0.0F;
     Relaxed<float> sendProgramChangeValue = 0.0F;
     Relaxed<bool> outputsIdle = true;     // the device, recording and chord outputs are stopped
-    Relaxed<bool> chordsEnabled = false;  // parameter 93: the editor is told of chords
+    Relaxed<bool> chordsEnabled = false;  // parameter 93: the editor is notified of chords
     MessageBox messages;                  // shown in the editor's window while that is open
     DeviceSwitch device;                  // parameters 88 and 89
 

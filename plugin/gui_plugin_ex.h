@@ -2,8 +2,8 @@
 #include "plugin/gui_plugin.h"
 #include "plugin/registration.h"
 
-// The plug-in object as the host meets it. This level alone reaches the detector: the registration role sits
-// here, on the road of each block, and lets every block through.
+// The plug-in object as the host sees it. This level alone reaches the detector: the registration role sits
+// here, on the path of each block, and lets every block through.
 class CORVAguivstEx : public CORVAguivst {
 public:
     using CORVAguivst::CORVAguivst;

@@ -25,7 +25,7 @@ constexpr float fastestRate = 10'000'000;
 
 // How long a suspend or a new rate waits for a block in flight before it leaves the rest to that block's end.
 // Longer than any block lasts; bounded, since a host may hold a lock of its own that the block waits for.
-constexpr auto patience = std::chrono::milliseconds(100);
+constexpr auto timeout = std::chrono::milliseconds(100);
 
 bool CanDetectAt(float rate) {
     return rate >= slowestRate && rate <= fastestRate;
@@ -100,7 +100,7 @@ CORVA_vst::~CORVA_vst() {
 
 void CORVA_vst::processSamples(const short*, std::size_t) {}
 
-// --- the road of a block ---
+// --- the path of a block ---
 
 template <typename Sample>
 void CORVA_vst::FeedBlock(const Sample* in, std::size_t count) {
@@ -233,7 +233,7 @@ void CORVA_vst::Ask(Request request) {
         return;
     }
     requests.fetch_or(request);
-    const auto until = std::chrono::steady_clock::now() + patience;
+    const auto until = std::chrono::steady_clock::now() + timeout;
     while (!ServeRequests()) {
         if (std::chrono::steady_clock::now() >= until) {
             leftToBlock = true;

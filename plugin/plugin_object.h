@@ -15,7 +15,7 @@
 #include "vst2/vendor_call.h"
 
 // The base of the plug-in object: the detector, the recorder, the output to the host, the three parameters
-// that steer the recognition, and the road of a block of audio. The audio itself passes through untouched.
+// that steer the recognition, and the path of a block of audio. The audio itself passes through untouched.
 //
 // The chain above it adds one concern a level: CORVAguivst the further outputs and parameters 3 to 95,
 // CORVAguivstEx the registration role on the block path. Only the most derived class reaches the detector.
@@ -27,8 +27,8 @@
 //   false     running: notes flow                                 a silent block, or suspend
 //
 // Threads: the process calls [audio]; all else [any]. The object takes no lock: the detector stands behind a
-// gate. A block that meets a suspend or a new rate in flight passes unanalysed. Nothing is allocated on the
-// block path once `samples` has reached the host's block size.
+// gate. A block that comes during a suspend or a change of rate passes unanalysed. Nothing is allocated on
+// the block path once `samples` has reached the host's block size.
 class CORVA_vst : public AudioEffectX, public IVSTMIDIEffect {
 public:
     CORVA_vst(audioMasterCallback host, std::int32_t numParams);
@@ -41,8 +41,9 @@ public:
     virtual void getParameterValueDisplay(float value, std::int32_t index, char* text);  // textRoom bytes
     virtual bool registrationStatus() { return false; }
     virtual bool submitRegistration(const char* /*name*/, const char* /*code*/) { return false; }
-    virtual void logHostInfo();        // writes what the host says of itself to the log
-    virtual void requestHostEvents();  // tells an older host, at the first block, that events are wanted
+    virtual void logHostInfo();  // writes what the host says of itself to the log
+    virtual void
+    requestHostEvents();  // requests of an older host, at the first block, that events are wanted
 
     // The host's calls.
     void open() override;

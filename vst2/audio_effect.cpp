@@ -41,7 +41,7 @@ std::intptr_t Dispatch(AEffect* record, std::int32_t opcode, std::int32_t index,
         if (opcode != effClose) return effect.dispatcher(opcode, index, value, ptr, opt);
         const std::unique_ptr<AudioEffect> last(&effect);
         last->dispatcher(opcode, index, value, ptr, opt);
-        record->object = nullptr;  // a callback on the way out meets no half of an object
+        record->object = nullptr;  // a callback on the way out finds no half of an object
         return 1;
     });
 }
@@ -79,8 +79,8 @@ AudioEffect::AudioEffect(audioMasterCallback host, std::int32_t numPrograms, std
     record.version = 1;
     record.processReplacing = ProcessReplacing;
     record.processDoubleReplacing = ProcessDoubleReplacing;
-    const auto told = static_cast<float>(CallHost(audioMasterGetSampleRate));
-    sampleRate = told >= slowestRate && told < fastestRate ? told : usualRate;
+    const auto answer = static_cast<float>(CallHost(audioMasterGetSampleRate));
+    sampleRate = answer >= slowestRate && answer < fastestRate ? answer : usualRate;
 }
 
 AudioEffect::~AudioEffect() {

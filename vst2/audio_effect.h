@@ -7,7 +7,7 @@
 #include "vst2/aeff_editor.h"
 #include "vst2/records.h"
 
-// The plug-in's side of the published interface, version 1: one AEffect record, the road from its C
+// The plug-in's side of the published interface, version 1: one AEffect record, the path from its C
 // functions to virtual operations, and the calls back to the host.
 //
 // What comes from the host is not believed: null pointers, unknown opcodes and indices out of range are
@@ -51,7 +51,7 @@ public:
 
     virtual void setParameter(std::int32_t index, float value);
     virtual float getParameter(std::int32_t index);
-    virtual void setParameterAutomated(std::int32_t index, float value);  // sets, and tells the host
+    virtual void setParameterAutomated(std::int32_t index, float value);  // sets, and notifies the host
 
     virtual std::int32_t getProgram() { return program; }
     virtual void setProgram(std::int32_t number) { program = number; }

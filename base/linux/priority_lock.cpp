@@ -26,12 +26,12 @@ void PriorityLock::unlock() {
 bool PriorityLock::try_lock() {
     return pthread_mutex_trylock(&mutex) == 0;
 }
-bool PriorityLock::try_lock_for(std::chrono::milliseconds patience) {
+bool PriorityLock::try_lock_for(std::chrono::milliseconds timeout) {
     if (try_lock()) return true;
     timespec until = {};
     clock_gettime(CLOCK_REALTIME, &until);  // the only clock by which such a lock can be awaited
     constexpr long second = 1'000'000'000;  // ns
-    const auto wait = std::chrono::nanoseconds(patience).count() + until.tv_nsec;
+    const auto wait = std::chrono::nanoseconds(timeout).count() + until.tv_nsec;
     until.tv_sec += wait / second;
     until.tv_nsec = wait % second;
     return pthread_mutex_timedlock(&mutex, &until) == 0;

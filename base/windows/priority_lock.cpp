@@ -11,6 +11,6 @@ void PriorityLock::unlock() {
 bool PriorityLock::try_lock() {
     return mutex.try_lock();
 }
-bool PriorityLock::try_lock_for(std::chrono::milliseconds patience) {
-    return mutex.try_lock_for(patience);
+bool PriorityLock::try_lock_for(std::chrono::milliseconds timeout) {
+    return mutex.try_lock_for(timeout);
 }

@@ -39,7 +39,7 @@ void ShowOnStandardError(const std::string& text, const std::string& caption) {
     for (std::string_view rest = line; !rest.empty();) {
         const ssize_t written = write(STDERR_FILENO, rest.data(), rest.size());
         if (written < 0 && errno == EINTR) continue;
-        if (written <= 0) return;  // nobody can be told
+        if (written <= 0) return;  // nobody is left to report it to
         rest.remove_prefix(static_cast<std::size_t>(written));
     }
 }

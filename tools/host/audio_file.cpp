@@ -90,7 +90,7 @@ bool StatesItsLength(const std::string& path) {
 }  // namespace
 
 AudioFile::AudioFile(const std::string& path, Channel newChannel) : channel(newChannel) {
-    std::error_code ignored;  // what cannot be looked at is told by the library in its own words
+    std::error_code ignored;  // the library reports what cannot be looked at
     const auto kind = std::filesystem::status(path, ignored).type();
     if (kind == std::filesystem::file_type::not_found) Fail("no such file");
     if (kind == std::filesystem::file_type::directory)

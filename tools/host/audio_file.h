@@ -40,7 +40,7 @@ private:
     };
 
     bool IsCutShort() const;
-    void CheckEnd() const;  // fails unless the end that was met is the end of the audio
+    void CheckEnd() const;  // fails unless the end that was reached is the end of the audio
 
     Channel channel;
     SF_INFO info{};

@@ -23,7 +23,7 @@ std::string ChordName(TChordNamer& namer, const std::vector<int>& notes) {
     std::sort(pitches.begin(), pitches.end());
     if (pitches.size() > mostNotes) pitches.resize(mostNotes);
     const std::vector<std::uint32_t> same(pitches.size(),
-                                          100);  // velocity, start and duration tell it nothing
+                                          100);  // it ignores velocity, start and duration
     const TChordForm form = namer.chordOfPitches(150, static_cast<std::int32_t>(pitches.size()),
                                                  pitches.data(), same.data(), same.data(), same.data());
     return std::string(chordText(form).view());

@@ -60,7 +60,7 @@ void HostedPlugin::Change(std::int32_t newRate, std::int32_t blockSize) {
 }
 
 void HostedPlugin::Process(const float* samples, std::int32_t count, float* out) {
-    // The interface takes pointers to what is not constant; a plug-in that is not told to work in place only
+    // The interface takes pointers to what is not constant; a plug-in that is not asked to work in place only
     // reads.
     std::fill(inputPointers.begin(), inputPointers.end(), const_cast<float*>(samples));
     effect->processReplacing(effect, inputPointers.data(), outputPointers.data(), count);

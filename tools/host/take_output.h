@@ -13,7 +13,7 @@ std::string NoteTable(const std::string& file, const Take& take);
 // U+FFFD.
 std::string NoteJson(const std::string& file, const Take& take);
 
-// Why little or nothing was heard and what helps, where the sound tells: silence, a silent first channel,
+// Why little or nothing was heard and what helps, where the sound shows it: silence, a silent first channel,
 // channels that cancel each other, a low level. Empty where nothing is wrong with the sound.
 std::string SoundAdvice(const Take& take, bool isMix);
 

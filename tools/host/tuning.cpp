@@ -16,7 +16,7 @@ using Spectrum = std::vector<std::complex<double>>;
 
 constexpr int framesPerSecond = 4;                    // at most; a frame's length is a power of two
 constexpr int heardSeconds = 300;                     // of a long recording
-constexpr double lowestPartial = 110;                 // Hz; below, a frame tells semitones poorly apart
+constexpr double lowestPartial = 110;                 // Hz; below, a frame resolves semitones poorly
 constexpr double highestPartial = 1760;               // Hz; above lie mostly partials that are not in tune
 constexpr double faintest = 0.05;                     // of a frame's strongest partial, 26 dB below it
 constexpr double silence = 1e-4;                      // amplitude, 80 dB under full scale

@@ -172,9 +172,9 @@ private:
     }
 
     template <typename Condition>
-    void AwaitPeriods(Condition met) const {
-        const auto patience = Clock::now() + std::chrono::seconds(1);  // for a server that stands still
-        while (!met() && !client->HasGone() && Clock::now() < patience)
+    void AwaitPeriods(Condition isMet) const {
+        const auto timeout = Clock::now() + std::chrono::seconds(1);  // for a server that stands still
+        while (!isMet() && !client->HasGone() && Clock::now() < timeout)
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
 

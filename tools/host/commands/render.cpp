@@ -357,7 +357,8 @@ void AddRender(CLI::App& program, Job& chosen) {
         ->type_name("NAME");
     command->add_option("--plugin", options->plugin, "the plug-in's file")->type_name("FILE");
     command
-        ->add_option("--host-vendor", options->settings.hostVendor, "the maker that the plug-in is told of")
+        ->add_option("--host-vendor", options->settings.hostVendor,
+                     "the host's maker, as reported to the plug-in")
         ->type_name("TEXT")
         ->capture_default_str();
     command->callback([options, &chosen] {
