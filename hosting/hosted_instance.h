@@ -1,4 +1,5 @@
 #pragma once
+#include <algorithm>
 #include <cstdint>
 
 #include "editor/mailbox.h"
@@ -10,8 +11,9 @@
 class IInstanceListener {
 public:
     virtual void ParameterEdited(std::int32_t index, float value) = 0;  // [ui] in the window; 0 to 95
-    // A device is not available, and the object has `value` instead. False when nobody wants to know. [any]
-    virtual bool FellBack(std::int32_t index, float value) = 0;
+    // A device is not available, and the object has `value` instead of what was requested.
+    virtual bool WantsFallBacks() = 0;                           // [any] false: the request stands
+    virtual void FellBack(std::int32_t index, float value) = 0;  // [any]
 
 protected:
     ~IInstanceListener() = default;
@@ -37,7 +39,17 @@ public:
     }
     // [any] A parameter, from the host; a device's is set a little later.
     void SetFromHost(std::int32_t index, float value);
-    void Process(const float* in, float* out);  // [audio] all frames of the run; pointers may be null
+    // [audio] All frames of the run, float or double; pointers may be null.
+    template <typename Sample>
+    void Process(const Sample* in, Sample* out) {
+        worker.Kick();
+        for (std::uint32_t done = 0; done < frames;) {
+            const std::uint32_t block = std::min(frames - done, HostedObject::longestBlock);
+            gatherer.BeginBlock(done);
+            object.Process(in != nullptr ? in + done : nullptr, out != nullptr ? out + done : nullptr, block);
+            done += block;
+        }
+    }
     // [audio] `write` gets frame and message of each event, and returns false when the host has no space.
     template <typename Write>
     void EndRun(Write write) {

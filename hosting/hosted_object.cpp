@@ -4,6 +4,7 @@
 
 #include "base/truncate.h"
 #include "editor/editor_factory.h"
+#include "parameters/parameters.h"
 #include "plugin/gui_plugin_ex.h"
 
 namespace {
@@ -48,9 +49,27 @@ void HostedObject::SetInputLevel(float dB) {
     object->setInputLevel(dB);
 }
 
+void HostedObject::UsePreferredHearing() {
+    object->usePreferredHearing();
+}
+
+// The equalizer's gains go with the old rate; the bars that were moved keep their values, and bring theirs
+// back.
+void HostedObject::SetRate(double newRate) {
+    rate = TruncateToInt32(newRate);
+    Dispatch(effSetSampleRate, 0, 0, nullptr, static_cast<float>(newRate));
+    for (std::int32_t bar = paramFirstBar; bar <= paramLastBar; ++bar)
+        if (const float value = Parameter(bar); value != ParameterInitialValue(bar)) SetParameter(bar, value);
+}
+
 void HostedObject::Process(const float* in, float* out, std::uint32_t frames) {
     float* input = const_cast<float*>(in);  // the older interface has no const; the input is not written
     effect->processReplacing(effect, &input, &out, static_cast<std::int32_t>(frames));
+}
+
+void HostedObject::Process(const double* in, double* out, std::uint32_t frames) {
+    double* input = const_cast<double*>(in);
+    effect->processDoubleReplacing(effect, &input, &out, static_cast<std::int32_t>(frames));
 }
 
 ERect HostedObject::EditorSize() {

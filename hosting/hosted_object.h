@@ -31,11 +31,14 @@ public:
 
     void Resume() { Dispatch(effMainsChanged, 0, 1); }
     void Suspend() { Dispatch(effMainsChanged, 0, 0); }
+    void SetRate(double newRate);                                     // Hz; not beside Process
     void Process(const float* in, float* out, std::uint32_t frames);  // [audio]; pointers may be null
+    void Process(const double* in, double* out, std::uint32_t frames);
     // How it hears. [audio], and nobody waits: the refined ear is there from construction on.
     void SetRefined(bool refined);
     void SetThreshold(float logits);
     void SetInputLevel(float dB);
+    void UsePreferredHearing();  // of the user, from now on; before the first block, and not [audio]
 
     // The editor. [ui]
     ERect EditorSize();

@@ -152,10 +152,8 @@ void Instance::ParameterEdited(std::int32_t index, float value) {
     forRun.post(index, value);
 }
 
-// Without a window the host keeps its request.
-bool Instance::FellBack(std::int32_t index, float value) {
-    if (windowShows) known[static_cast<std::size_t>(index)] = value;
-    return windowShows;
+void Instance::FellBack(std::int32_t index, float value) {
+    known[static_cast<std::size_t>(index)] = value;
 }
 
 void Instance::WindowShows(bool shows) {

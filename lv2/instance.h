@@ -60,7 +60,8 @@ private:
     void TakePorts();
     void TakeHearing();
     void ParameterEdited(std::int32_t index, float value) override;
-    bool FellBack(std::int32_t index, float value) override;
+    bool WantsFallBacks() override { return windowShows; }  // without a window the host keeps its request
+    void FellBack(std::int32_t index, float value) override;
 
     const std::int64_t echoFrames;  // frames that a port may take for an echo
     std::int64_t clock = 0;         // frames run; of the audio thread
