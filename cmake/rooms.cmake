@@ -68,3 +68,9 @@ function(orva_lv2_bundle)
   add_custom_target(orva_lv2_bundle ALL DEPENDS ${bundle}/manifest.ttl ${bundle}/orva.ttl)
   add_dependencies(orva_lv2_bundle orva_lv2_file)
 endfunction()
+
+# The plug-in for CLAP hosts: one file.
+function(orva_clap_file)
+  orva_plugin_file(orva_clap_file clap/entry/entry_points.cpp clap/exports.map orva_clap)
+  set_target_properties(orva_clap_file PROPERTIES OUTPUT_NAME orva SUFFIX .clap)
+endfunction()

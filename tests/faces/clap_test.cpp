@@ -1,0 +1,124 @@
+// CLAP's own: the file, calls that the interface forbids, and what the window sends to a host that is full.
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+
+#include "parameters/parameters.h"
+#include "tests/faces/clap_host.h"
+#include "tests/support/await.h"
+#include "tests/support/host_window.h"
+#include "tests/support/music.h"
+
+namespace {
+
+TEST(Clap, TheFileHasOnePlugInWithOneMonoPortEachWay) {
+    void* const file = dlopen(ORVA_CLAP, RTLD_NOW | RTLD_LOCAL);
+    ASSERT_NE(file, nullptr) << dlerror();
+    const auto* entry = static_cast<const clap_plugin_entry_t*>(dlsym(file, "clap_entry"));
+    ASSERT_TRUE(entry->init(ORVA_CLAP));
+    EXPECT_EQ(entry->get_factory("anything else"), nullptr);
+    {
+        ClapHost host(44100, entry->get_factory(CLAP_PLUGIN_FACTORY_ID));
+        ASSERT_TRUE(host.Init());
+        clap_audio_port_info_t port;
+        const auto& ports = host.Extension<clap_plugin_audio_ports_t>(CLAP_EXT_AUDIO_PORTS);
+        EXPECT_TRUE(ports.get(host.plugin, 0, false, &port));
+        EXPECT_EQ(port.channel_count, 1U);
+        EXPECT_FALSE(ports.get(host.plugin, 1, false, &port));
+        host.SetActive(true);
+        EXPECT_TRUE(host.Play(Tones({60}, 0.3), 512));
+        EXPECT_FALSE(host.events.empty());
+    }
+    entry->deinit();
+}
+
+TEST(Clap, RefusesCallsInAnOrderOrOnAThreadThatTheInterfaceForbids) {
+    HostWindow desktop;
+    ClapHost host(44100);
+    const clap_plugin_t* const plugin = host.plugin;
+    const clap_process_t block{};
+    EXPECT_EQ(plugin->process(plugin, &block), CLAP_PROCESS_ERROR);  // before init
+    EXPECT_FALSE(plugin->activate(plugin, 44100, 1, 64));
+    EXPECT_FALSE(host.OpenWindow(desktop.parent));
+    ASSERT_TRUE(host.Init());
+    EXPECT_FALSE(host.Init());
+    EXPECT_EQ(plugin->process(plugin, &block), CLAP_PROCESS_ERROR);  // before activate
+    EXPECT_FALSE(plugin->start_processing(plugin));
+    plugin->deactivate(plugin);
+    plugin->reset(plugin);
+    host.SetActive(true);
+    EXPECT_FALSE(plugin->activate(plugin, 48000, 1, 64));  // twice
+    host.Process(nullptr, nullptr, 64);
+    plugin->reset(plugin);
+
+    clap_window_t window{CLAP_WINDOW_API_X11, {}};
+    window.x11 = desktop.parent;
+    EXPECT_FALSE(host.Gui().show(plugin));  // before create
+    EXPECT_FALSE(host.Gui().set_parent(plugin, &window));
+    EXPECT_FALSE(host.Gui().create(plugin, CLAP_WINDOW_API_X11, true));  // floating
+    host.isMainThread = false;
+    EXPECT_FALSE(host.OpenWindow(desktop.parent));
+    host.isMainThread = true;
+    host.hasTimers = false;  // a descriptor is polled in their place
+    ASSERT_TRUE(host.OpenWindow(desktop.parent));
+    EXPECT_FALSE(host.OpenWindow(desktop.parent));
+    EXPECT_GE(host.descriptor, 0);
+    EXPECT_TRUE(host.Gui().hide(plugin));
+    EXPECT_TRUE(desktop.Children().empty());
+    EXPECT_TRUE(host.Gui().show(plugin));
+    EXPECT_EQ(desktop.Children().size(), 1U);  // and destroyed while active, with its window open
+}
+
+TEST(Clap, AFullListOfEventsGetsTheRestInTheNextBlock) {
+    HostWindow desktop;
+    ClapHost host(44100);
+    ASSERT_TRUE(host.Init());
+    host.SetActive(true);
+    const Audio chord = Tones({60, 64, 67}, 0.5);
+    host.space = 0;
+    host.Process(chord.data(), nullptr, static_cast<std::uint32_t>(chord.size()));
+    ASSERT_TRUE(host.OpenWindow(desktop.parent));
+    EXPECT_EQ(::Run({"xdotool", "mousemove", "33", "200", "click", "1"}), 0);  // the first slider
+    ASSERT_TRUE(AwaitThat([&] { return host.IdleWindow(), host.flushRequests > 0; }));
+    for (const std::size_t space : {1U, 2U}) {  // a gesture is not torn: it begins anew
+        host.space = space;
+        host.Process(nullptr, nullptr, 64);
+    }
+    EXPECT_TRUE(host.events.empty());
+    host.space = 5;
+    host.Process(nullptr, nullptr, 64);
+    ASSERT_FALSE(host.changed.empty());
+    EXPECT_EQ(host.changed.back().param_id, 0U);
+    EXPECT_EQ(static_cast<float>(host.changed.back().value), host.Get(0));
+    EXPECT_EQ(host.events.size(), 2U);
+    host.space = 100;
+    host.Process(nullptr, nullptr, 64);
+    EXPECT_GE(host.events.size(), 4U);  // the program and the chord
+}
+
+TEST(Clap, EachParameterIsShownAndReadByItsText) {
+    ClapHost host(44100);
+    ASSERT_TRUE(host.Init());
+    host.Set(paramChannel, 1);
+    host.Flush();
+    EXPECT_EQ(host.Get(paramChannel), 1.0F);
+    clap_param_info_t info;
+    for (std::uint32_t i = 0; i < 96; ++i) {
+        ASSERT_TRUE(host.Params().get_info(host.plugin, i, &info));
+        EXPECT_EQ(info.name, ParameterName(static_cast<std::int32_t>(i)));
+        if (i == 0 || i == 88 || i == 92)
+            continue;  // typed as a threshold; a device's name; pages share texts
+        char text[64], again[64];
+        double value = -1;
+        for (const double part : {0.25, 1.0}) {
+            const double plain = std::trunc(part * info.max_value * 4) / 4;
+            const double stepped = (info.flags & CLAP_PARAM_IS_STEPPED) != 0 ? std::trunc(plain) : plain;
+            ASSERT_TRUE(host.Params().value_to_text(host.plugin, i, stepped, text, sizeof text));
+            ASSERT_TRUE(host.Params().text_to_value(host.plugin, i, text, &value)) << i << text;
+            ASSERT_TRUE(host.Params().value_to_text(host.plugin, i, value, again, sizeof again));
+            EXPECT_STREQ(again, text) << i;
+        }
+    }
+    EXPECT_FALSE(host.Params().get_info(host.plugin, 96, &info));
+}
+
+}  // namespace

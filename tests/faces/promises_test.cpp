@@ -1,0 +1,151 @@
+// What every face promises its host, as one table: a row a face, a test a promise.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <filesystem>
+#include <functional>
+#include <thread>
+
+#include "parameters/parameters.h"
+#include "tests/faces/face.h"
+#include "tests/support/host_window.h"
+#include "tests/support/music.h"
+#include "tests/support/trial.h"
+#include "tests/support/watch.h"
+
+namespace {
+
+struct Row {
+    const char* name;
+    std::unique_ptr<Face> (*make)(double rate);
+    friend void PrintTo(const Row& row, std::ostream* out) { *out << row.name; }
+};
+
+class Faces : public testing::TestWithParam<Row> {
+protected:
+    static std::unique_ptr<Face> Active(std::unique_ptr<Face> (*make)(double), double rate = 44100) {
+        std::unique_ptr<Face> face = make(rate);
+        face->SetActive(true);
+        return face;
+    }
+    std::unique_ptr<Face> Active(double rate = 44100) const { return Active(GetParam().make, rate); }
+};
+
+// LV2 has tests of its own for these.
+using LaterFaces = Faces;
+
+// Program changes, a loud velocity, a part without output, and a pause of the host's.
+std::vector<Host::Event> EventsOf(Face& face, const Audio& music, std::size_t block) {
+    face.Set(paramVelocity, 1);
+    face.Set(paramInstrument, 40.0F / 127);
+    face.Set(paramSendProgramChange, 1);
+    EXPECT_TRUE(face.Play(music, block));
+    face.SetActive(false);
+    face.SetActive(true);
+    face.Set(paramChannel, 3.0F / 15);
+    EXPECT_TRUE(face.Play(music, block));
+    face.Set(paramOutputToHost, 0);
+    EXPECT_TRUE(face.Play(music, block));
+    return face.events;
+}
+
+TEST_P(Faces, SendTheEventsOfVst2HoweverTheHostCutsTheAudio) {
+    std::minstd_rand random(5);
+    for (const double rate : {44100.0, 48000.0, 96000.0}) {
+        const Audio music = RandomMusic(random, rate, 1.5);
+        for (const std::size_t block : {17U, 441U, 1024U, 40000U}) {
+            const auto expected = EventsOf(*Active(MakeVst2, rate), music, block);
+            EXPECT_GT(expected.size(), 8U);
+            EXPECT_EQ(EventsOf(*Active(rate), music, block), expected) << rate << " in " << block;
+        }
+    }
+}
+
+TEST_P(Faces, TakeAnyBlockInPlaceWithoutBuffersAndConstant) {
+    const auto face = Active();
+    const Audio tone = Tones({69}, 0.5);
+    Audio audio = tone;
+    face->Process(audio.data(), audio.data(), static_cast<std::uint32_t>(audio.size()));
+    EXPECT_EQ(audio, tone);
+    EXPECT_EQ(face->events.size(), 2U);  // the program and the note
+    face->Process(nullptr, audio.data(), 100);
+    EXPECT_EQ(Audio(audio.begin(), audio.begin() + 100), Audio(100, 0.0F));
+    face->Process(tone.data(), nullptr, 100);
+    face->Process(nullptr, nullptr, 100);
+    face->Process(nullptr, nullptr, 0);
+    EXPECT_TRUE(face->Play(Audio(1000, 0.25F), 100));
+}
+
+TEST_P(LaterFaces, AllocateNothingOnceWarm) {
+    const auto face = Active();
+    Audio audio = Tones({60, 64, 67}, 1);
+    std::uint64_t requested = 0;
+    for (const std::uint32_t frames : {64U, 0U, 1000U, 20000U, 64U, 5000U}) {
+        for (std::int32_t i = 0; i < parameterCount; ++i)
+            if (i != paramDevice && i != paramDeviceEnabled) face->Set(i, frames % 128 == 0 ? 0.75F : 0.5F);
+        const std::uint64_t before = Allocations::Requested();
+        face->Process(audio.data(), audio.data(), frames);
+        requested += Allocations::Requested() - before;
+    }
+    EXPECT_EQ(requested, 0U);
+}
+
+TEST_P(Faces, SaveTheirStateWhileTheyProcess) {
+    const auto face = Active(), other = Active();
+    for (std::int32_t i = 0; i < parameterCount; ++i)
+        if (i != paramDeviceEnabled) face->Set(i, static_cast<float>(i % 16) / 15);
+    face->Play(Audio(100), 100);
+    const std::string state = face->Save();
+    EXPECT_EQ(state.size(), 4U * 96U);
+    std::atomic<bool> ends{false};
+    std::thread audio([&] {
+        while (!ends) face->Play(Tones({60}, 0.05), 64);
+    });
+    for (int i = 0; i < 200; ++i) EXPECT_EQ(face->Save(), state);
+    ends = true;
+    audio.join();
+    EXPECT_TRUE(other->Load(state));
+    EXPECT_EQ(other->Save(), state);
+    for (std::int32_t i = 0; i < parameterCount; ++i) EXPECT_FLOAT_EQ(other->Get(i), face->Get(i)) << i;
+    EXPECT_FALSE(other->Load(state.substr(1)));
+    EXPECT_FALSE(other->Load(state + "x"));
+    EXPECT_EQ(other->Save(), state);
+}
+
+TEST_P(Faces, LiveAThousandLivesAndTwoAtATime) {
+    const Audio music = Tones({60, 67}, 0.3);
+    const auto alone = Active();
+    alone->Play(music, 512);
+    const auto threads = [] {
+        const std::filesystem::directory_iterator all("/proc/self/task");
+        return std::distance(begin(all), end(all));
+    };
+    const auto before = threads();
+    for (int life = 0; life < 1000; ++life) GetParam().make(life % 2 == 0 ? 44100 : 48000)->SetActive(true);
+    EXPECT_EQ(threads(), before);
+    const auto one = Active(), two = Active();
+    Audio out(music.size());
+    for (std::uint32_t at = 0; at + 512 <= music.size(); at += 512)
+        for (const auto& face : {one.get(), two.get()}) face->Process(&music[at], &out[at], 512);
+    EXPECT_EQ(one->events, alone->events);
+    EXPECT_EQ(two->events, alone->events);
+}
+
+TEST_P(LaterFaces, OpenTheirWindowAgainAndAgain) {
+    HostWindow desktop;
+    const auto face = Active();
+    for (int i = 0; i < 200; ++i) {
+        ASSERT_TRUE(face->OpenWindow(desktop.parent)) << i;
+        EXPECT_EQ(desktop.Children().size(), 1U);
+        face->IdleWindow();
+        face->CloseWindow();
+        EXPECT_TRUE(desktop.Children().empty());
+    }
+}
+
+const auto name = [](const auto& row) { return std::string(row.param.name); };
+const Row clap{"CLAP", MakeClap};
+INSTANTIATE_TEST_SUITE_P(Of, Faces, testing::Values(Row{"LV2", MakeLv2}, clap), name);
+INSTANTIATE_TEST_SUITE_P(Of, LaterFaces, testing::Values(clap), name);
+
+}  // namespace
