@@ -59,9 +59,9 @@ TEST_F(Gatherer, WhatComesFromElsewhereIsOutAtTheNextRunsBeginningAndIsNotOverta
     SendFromElsewhere(off60);
     EXPECT_EQ(Run(), (Lv2Events{Out(0, on60), Out(0, off60)}));
     Begin();
-    Send(20, on60);
+    Send(100, on60);  // behind the last frame
     SendFromElsewhere(off60);
-    EXPECT_EQ(End(), Lv2Events{Out(20, on60)});
+    EXPECT_EQ(End(), Lv2Events{Out(99, on60)});
     EXPECT_EQ(Run(), Lv2Events{Out(0, off60)});
     Begin();
     SendFromElsewhere(on60);
