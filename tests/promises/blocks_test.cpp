@@ -1,5 +1,5 @@
 // Blocks of audio of any length, at any address, with any content: the audio passes bit for bit, nothing
-// beside the block is touched, and no signal sticks.
+// beside the block is touched, and neither cut nor signal changes the notes.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -52,6 +52,24 @@ TEST(Blocks, AnyLengthAtAnyAddressPassesAndNothingElseIsTouched) {
     RunTrials({6000, 500}, [](Trial& trial) {
         const Way way = ways[trial.number % 3];
         way == Way::doubleReplacing ? PlayAnywhere<double>(trial, way) : PlayAnywhere<float>(trial, way);
+    });
+}
+
+TEST(Blocks, HowTheHostCutsTheAudioChangesNoNote) {
+    RunTrials({40, 10}, [](Trial& trial) {
+        // A constant, half of a 16-bit step off a whole one, keeps each cut from summing to zero.
+        Audio audio = RandomMusic(trial.random, 48000, 2);
+        for (float& sample : audio) sample = (std::floor(15000 * (sample + 0.9F)) + 3.5F) / 30000;
+        Host whole(48000), cut(48000);
+        ASSERT_TRUE(whole.Open(OpenPlugin) && cut.Open(OpenPlugin));
+        whole.Play(audio, audio.size());
+        for (std::size_t at = 0, length = 0; at < audio.size(); at += length) {
+            length = std::min<std::size_t>(1 + trial.Below(1ULL << trial.Below(16)), audio.size() - at);
+            const auto from = audio.begin() + static_cast<std::ptrdiff_t>(at);
+            cut.Play({from, from + static_cast<std::ptrdiff_t>(length)}, length, ways[trial.Below(3)]);
+        }
+        ASSERT_GT(whole.events.size(), 5U);
+        ASSERT_EQ(cut.events, whole.events);
     });
 }
 
