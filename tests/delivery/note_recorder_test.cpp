@@ -36,6 +36,8 @@ TEST_F(Recorder, AnAttachedDetectorStartsAFreshClockWithAllItsBandsUpTo128) {
     recorder.Attach(&wide);
     EXPECT_EQ(recorder.GetTime(), 0);
     EXPECT_EQ(TNoteRecorder().BandDelaySamples(0), 0);  // no detector
+    wide.delay = 82.517F;  // ms; 3638.9997 samples, which in single precision, x 0.001 first, are 3639
+    EXPECT_EQ(recorder.BandDelaySamples(0), 3639);
 }
 
 // Changes the list of outputs while it is being notified.
