@@ -1,6 +1,7 @@
 #pragma once
 #include <cstdint>
 
+#include "base/relaxed.h"
 #include "listening/net_kernels.h"
 
 // Turns two outputs of the net, a frame at a time, into flags: a note begins where its onset rises through a
@@ -10,7 +11,7 @@
 // frames. Ends are held back until no earlier onset can come any more, so that the notes of a band never
 // overlap. A note that is struck again while it sounds is off for one frame and then on again.
 //
-// Threads: as its owner. Nothing is allocated.
+// Threads: as its owner; FramesBack [any]. Nothing is allocated.
 class NotePicker {
 public:
     static constexpr std::int32_t refractory = 5;  // frames after an onset in which there is no other
@@ -31,12 +32,12 @@ public:
 
 private:
     struct Band {
-        std::int32_t before;         // onset output of the last frame
-        std::int32_t sinceOnset;     // frames, up to `long ago`
-        std::int32_t framesBack;     // see FramesBack
-        std::int32_t framesWithout;  // sound, in a row
-        std::int32_t framesToEnd;    // 0: no end has been seen
-        bool on, again;              // again: off for this frame only
+        std::int32_t before;               // onset output of the last frame
+        std::int32_t sinceOnset;           // frames, up to `long ago`
+        Relaxed<std::int32_t> framesBack;  // see FramesBack; an output may begin on any thread
+        std::int32_t framesWithout;        // sound, in a row
+        std::int32_t framesToEnd;          // 0: no end has been seen
+        bool on, again;                    // again: off for this frame only
     };
     void StepBand(Band& band, std::int32_t onset, std::int32_t threshold, bool sounds) const;
 

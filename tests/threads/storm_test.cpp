@@ -153,6 +153,7 @@ void UseWindow(Random& random, const HostWindow& window, const std::string& take
             break;
         case 7: object.currentChordText(); break;
         case 8: object.buildLevels(levels); break;
+        case 9: object.setHearing({static_cast<Ear>(Below(random, 3)), AnyValue(random), 0}); break;
         default: host.Call(effEditIdle);
     }
 }
