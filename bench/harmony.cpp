@@ -2,17 +2,13 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
-#include <array>
 #include <cstdint>
-#include <memory>
 #include <random>
 #include <vector>
 
-#include "harmony/chord_namer.h"
+#include "harmony/chord.h"
 
 namespace {
-
-constexpr std::array<std::uint32_t, 11> alike = {100, 100, 100, 100, 100, 100, 100, 100, 100, 100, 100};
 
 // Sets of bands as they may sound together: different ones out of the detector's 84, in ascending order.
 std::vector<std::vector<std::uint32_t>> Bands(std::size_t count) {
@@ -26,14 +22,11 @@ std::vector<std::vector<std::uint32_t>> Bands(std::size_t count) {
 
 // One update of the chord listener: from the bands that are on to the text.
 void Naming(benchmark::State& state) {
-    const auto namer = std::make_unique<TChordNamer>();
     const auto sets = Bands(static_cast<std::size_t>(state.range(0)));
     std::size_t next = 0;
     for (auto _ : state) {
         const auto& set = sets[next++ % sets.size()];
-        benchmark::DoNotOptimize(
-            chordText(namer->chordOfPitches(150, static_cast<std::int32_t>(set.size()), set.data(),
-                                            alike.data(), alike.data(), alike.data())));
+        benchmark::DoNotOptimize(chordText(chordOfPitches(set)));
     }
 }
 BENCHMARK(Naming)->Arg(1)->Arg(3)->Arg(4)->Arg(7)->Arg(11)->Unit(benchmark::kMicrosecond);

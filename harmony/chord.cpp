@@ -26,50 +26,26 @@ std::int32_t ClassDistance(std::uint32_t from, std::uint32_t to) {
 
 }  // namespace
 
-void TScoreDeleter::operator()(TNotes* score) const {
-    std::pmr::polymorphic_allocator<>(memory).delete_object(score);
+TChord::TChord(std::span<const std::uint32_t> chordPitches, std::pmr::memory_resource* memory)
+    : pitches(chordPitches.begin(), chordPitches.end(), memory),
+      tones(memory),
+      intervalRows(memory),
+      longText(memory),
+      shortText(memory) {
+    dropRepeats();
+    valid = !chordPitches.empty();
 }
 
-TScorePtr makeScore(std::pmr::memory_resource* memory) {
-    return {std::pmr::polymorphic_allocator<>(memory).new_object<TNotes>(memory), TScoreDeleter{memory}};
-}
-
-TChord::TChord(TScorePtr score, bool forRetry)
-    : notes(std::move(score)),
-      pitches(memory()),
-      tones(memory()),
-      intervalRows(memory()),
-      longText(memory()),
-      shortText(memory()),
-      isRetry(forRetry) {}
-
-TChord::TChord(const TNoteList& list, std::int32_t limit, std::pmr::memory_resource* source)
-    : TChord(makeScore(source), false) {
+TChord::TChord(const TNoteList& list, std::int32_t limit) : TChord({}, NoteMemory()) {
     const std::size_t size = limit < 0 ? list.size() : std::min(list.size(), static_cast<std::size_t>(limit));
+    notes = std::make_unique<TNotes>();
     notes->ReserveNotes(size);
-    for (std::size_t index = 0; index < size; ++index) notes->AddCopy(*list[index]);
-    takePitches(list, size);
+    for (std::size_t index = 0; index < size; ++index) {
+        notes->AddCopy(*list[index]);
+        pitches.push_back(list[index]->pitch);
+    }
+    dropRepeats();
     valid = !list.empty();
-}
-
-TChord::TChord(TScorePtr score) : TChord(std::move(score), false) {
-    takePitches(notes->notes, notes->notes.size());
-    valid = noteCount > 0;
-}
-
-TChord::TChord(const TChord& whole, std::int32_t first, std::int32_t count)
-    : TChord(TScorePtr(nullptr, {whole.memory()}), true) {
-    pitches.reserve(static_cast<std::size_t>(count));
-    for (std::int32_t tone = first; tone < first + count; ++tone)
-        pitches.push_back(whole.tones[static_cast<std::size_t>(tone)].pitch);
-    dropRepeats();
-    valid = noteCount > 0;
-}
-
-void TChord::takePitches(const TNoteList& list, std::size_t size) {
-    pitches.reserve(size);
-    for (std::size_t index = 0; index < size; ++index) pitches.push_back(list[index]->pitch);
-    dropRepeats();
 }
 
 void TChord::dropRepeats() {
@@ -132,11 +108,17 @@ void TChord::countInterval(std::uint32_t value, bool adjacent) {
 }
 
 TChordInfo TChord::analyse() {
-    if (!valid) return {};
+    if (!valid || !recognise()) return {};
+    if (!analysed) writeTexts();
+    analysed = true;
+    return info;
+}
+
+bool TChord::recognise() {
     prepare();
     computeIntervals();
-    if (analysed) return info;
-    if (noteCount > mostTones || noteCount < 1 || pitchClassCount == classCount) return {};
+    if (info.ok) return true;
+    if (noteCount > mostTones || noteCount < 1 || pitchClassCount == classCount) return false;
 
     TChordInfo result;
     result.rootIndex = findRoot();
@@ -151,9 +133,7 @@ TChordInfo TChord::analyse() {
     result.ok = true;
     info = result;
     knownChord = info.knownChord;
-    writeTexts();
-    analysed = true;
-    return info;
+    return true;
 }
 
 void TChord::findBassDegree(TChordInfo& result) const {
@@ -179,9 +159,36 @@ bool TChord::mayRetryWithoutHighest(const TChordInfo& result) const {
 
 // Analyses all tones but one, beginning with `first`. Only the type is taken over: the root stays.
 void TChord::retry(TChordInfo& result, std::int32_t first) const {
-    const TChordType type = TChord(*this, first, noteCount - 1).analyse().type;
-    if (type == ctNone) return;
-    result.type = type;
+    std::array<std::uint32_t, mostTones> others{};
+    for (std::int32_t tone = 0; tone < noteCount - 1; ++tone)
+        others[static_cast<std::size_t>(tone)] = tones[static_cast<std::size_t>(first + tone)].pitch;
+    TChord reduced({others.data(), static_cast<std::size_t>(noteCount - 1)},
+                   pitches.get_allocator().resource());
+    reduced.isRetry = true;
+    if (!reduced.recognise() || reduced.info.type == ctNone) return;
+    result.type = reduced.info.type;
     result.fromReducedSet[0] = true;
     result.fromReducedSet[1] = true;
+}
+
+TChordForm chordOfPitches(std::uint32_t, std::int32_t count, const std::uint32_t* pitches,
+                          const std::uint32_t* velocities, const std::uint32_t* starts,
+                          const std::uint32_t* durations) {
+    constexpr std::uint8_t program = 0, layer = 1, channel = 0;
+    const auto score = std::make_unique<TNotes>();
+    score->ReserveNotes(static_cast<std::size_t>(std::max(count, 0)));  // which keeps their order
+    for (std::int32_t i = 0; i < count; ++i)
+        score->AddNote(starts[i], starts[i] + durations[i], static_cast<std::uint8_t>(pitches[i]),
+                       static_cast<std::int32_t>(velocities[i]), program, layer, channel);
+    TChord chord(score->notes, -1);
+    chord.analyse();
+    return chordFormOf(std::move(chord));
+}
+
+TChordForm chordOfPitches(std::span<const std::uint32_t> pitches) {
+    std::array<std::byte, 2048> area;  // of which twelve notes with both retries take half
+    std::pmr::monotonic_buffer_resource memory(area.data(), area.size());
+    TChord chord(pitches, &memory);
+    chord.recognise();
+    return chordFormOf(std::move(chord));
 }

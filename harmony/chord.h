@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <memory>
 #include <memory_resource>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -62,30 +63,22 @@ struct TChordTone {
     std::uint32_t sortedPosition = 0;  // in tones[i]: where the tone of pitches[i] has come to stand
 };
 
-// A score that lives in a memory resource, which must outlive it.
-struct TScoreDeleter {
-    std::pmr::memory_resource* memory;
-    void operator()(TNotes* score) const;
-};
-using TScorePtr = std::unique_ptr<TNotes, TScoreDeleter>;
-TScorePtr makeScore(std::pmr::memory_resource* memory);
-
-// The notes of a chord and what is found out about them. The object is small; its score takes some 21 KB of
-// `memory`, which must outlive it.
+// The notes of a chord and what is found out about them.
 class TChord {
 public:
     static constexpr std::int32_t mostTones = 12;  // more give no result
 
     // Takes a list's first `limit` notes, all with a limit of -1 or above its size. A pitch that equals its
     // direct predecessor counts once.
-    TChord(const TNoteList& list, std::int32_t limit, std::pmr::memory_resource* memory = NoteMemory());
-    // Takes a whole score over instead of copying it; all its notes are taken.
-    explicit TChord(TScorePtr score);
+    TChord(const TNoteList& list, std::int32_t limit);
+    // Takes pitches alone and has no score. The memory must outlive the chord.
+    TChord(std::span<const std::uint32_t> chordPitches, std::pmr::memory_resource* memory);
     TChord(const TChord&) = delete;
     TChord& operator=(const TChord&) = delete;
 
     // A second call returns the stored result. Not ok: no notes, more than mostTones, or all twelve classes.
     TChordInfo analyse();
+    bool recognise();  // the same without the texts; false where there is no result
 
     // Its first two steps.
     void prepare();           // tones and the counts of pitches; nothing the second time
@@ -97,14 +90,14 @@ public:
         return intervalRows[static_cast<std::size_t>(row + high - low - 1)];
     }
 
-    TScorePtr notes;              // copies of the list's notes; none in the chord of a retry
-    bool valid = false;           // there is a note
-    bool hasIntervals = false;    // computeIntervals has run
-    bool pitchClassMode = false;  // all below 12: classes, neither sorted nor measured as pitches
-    bool sorted = false;          // prepare has run
+    std::unique_ptr<TNotes> notes;  // copies of the list's notes; none in a chord of pitches alone
+    bool valid = false;             // there is a note
+    bool hasIntervals = false;      // computeIntervals has run
+    bool pitchClassMode = false;    // all below 12: classes, neither sorted nor measured as pitches
+    bool sorted = false;            // prepare has run
     bool prepared = false;
     bool knownChord = false;  // as in `info`
-    bool analysed = false;    // `info` is a result
+    bool analysed = false;    // analyse has run
     bool rootIsBass = false;  // the root is the lowest note
     std::int32_t noteCount = 0;
     std::int32_t distinctPitchCount = 0;
@@ -129,13 +122,6 @@ public:
     std::array<std::int32_t, mostTones> scores{};  // of each tone as a root; a repeated class scores 0
 
 private:
-    // What a retry analyses: `count` tones of another chord from `first` on. It has no score and makes no
-    // retry of its own.
-    TChord(const TChord& whole, std::int32_t first, std::int32_t count);
-    TChord(TScorePtr score, bool forRetry);  // has no pitches yet
-
-    std::pmr::memory_resource* memory() const { return notes.get_deleter().memory; }
-    void takePitches(const TNoteList& list, std::size_t size);
     void dropRepeats();
     void sortTones();
     void countPitches();
@@ -157,7 +143,7 @@ private:
     void retry(TChordInfo& result, std::int32_t first) const;
     void writeTexts();
 
-    bool isRetry;  // fixed after construction
+    bool isRetry = false;  // makes no retry of its own
 };
 
 // Adds a tone at `value` semitones above a candidate root to those collected in `mask` (bit 0 the root, then
@@ -173,10 +159,9 @@ TChordName chordText(const TChordForm& form);
 
 // The chord of `count` notes that sound together: each begins at its `starts` and lasts its `durations`, in
 // ticks; its velocity serves as its level. The first argument is not read. Throws as chordFormOf; up to 11
-// different pitches always have a form.
-//
-// Threads: [any]. Memory: that of a TChordNamer, which waits here for the next call; threads that call at the
-// same time make one each. An audio thread has one of its own.
+// different pitches always have a form. Threads: [any].
 TChordForm chordOfPitches(std::uint32_t ignored, std::int32_t count, const std::uint32_t* pitches,
                           const std::uint32_t* velocities, const std::uint32_t* starts,
                           const std::uint32_t* durations);
+// The same from pitches alone; up to mostTones of them are named without an allocation.
+TChordForm chordOfPitches(std::span<const std::uint32_t> pitches);  // [audio]

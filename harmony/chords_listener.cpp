@@ -1,21 +1,12 @@
 #include "harmony/chords_listener.h"
 
 #include <algorithm>
-#include <array>
 
 #include "base/truncate.h"
 #include "delivery/note_recorder.h"
+#include "harmony/chord.h"
 
 namespace {
-
-constexpr std::uint32_t ignoredByNaming = 150;
-
-// Velocity, start and duration of every note: no name depends on them.
-constexpr std::array<std::uint32_t, TChordsListener::mostNotes> alike = [] {
-    std::array<std::uint32_t, TChordsListener::mostNotes> values{};
-    values.fill(100);
-    return values;
-}();
 
 // The ring holds longestDelay and one entry more. At rates from updatesPerSecond on, the samples of an update
 // are cut to a whole number, at worst to half and a little more, which makes up to twice as many entries.
@@ -28,8 +19,7 @@ constexpr std::size_t RingCapacity(std::int32_t updatesPerSecond) {
 TChordsListener::TChordsListener(IChordOwner* chordOwner, std::int32_t updates)
     : owner(chordOwner),
       updatesPerSecond(std::clamp(updates, 1, mostUpdates)),
-      delayRing(RingCapacity(updatesPerSecond)),
-      namer(std::make_unique<TChordNamer>()) {
+      delayRing(RingCapacity(updatesPerSecond)) {
     activeBands.reserve(TNoteRecorder::maxBands);
 }
 
@@ -97,11 +87,9 @@ void TChordsListener::findActiveBands(const TNoteRecorder& from) {
         if (from.BandSounds(band)) activeBands.push_back(static_cast<std::uint32_t>(band));
 }
 
-TChordName TChordsListener::nameActiveBands() {
+TChordName TChordsListener::nameActiveBands() const {
     if (activeBands.empty()) return {};
-    const auto count = static_cast<std::int32_t>(std::min(activeBands.size(), mostNotes));
-    return chordText(namer->chordOfPitches(ignoredByNaming, count, activeBands.data(), alike.data(),
-                                           alike.data(), alike.data()));
+    return chordText(chordOfPitches({activeBands.data(), std::min(activeBands.size(), mostNotes)}));
 }
 
 // The entry that was shown is wiped, so that a delay made longer later does not bring it back.

@@ -2,11 +2,10 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <vector>
 
 #include "delivery/note_out.h"
-#include "harmony/chord_namer.h"
+#include "harmony/chord_name.h"
 #include "harmony/name_ring.h"
 
 // What the chord listener needs of the plug-in object.
@@ -71,11 +70,10 @@ private:
     void computeReadOffset();
     void blankIfStopped();
     void findActiveBands(const TNoteRecorder& from);
-    TChordName nameActiveBands();
+    TChordName nameActiveBands() const;
     void push(const TChordName& name);
     std::size_t shownIndex(std::size_t size) const;
 
-    std::unique_ptr<TChordNamer> namer;       // [audio]
     TChordName shown;                         // [audio] what currentChord refers to
     std::atomic<std::uint64_t> stops{0};      // [any] how often Stop was called
     std::atomic<std::uint64_t> stopsDone{0};  // [audio] writes; how many of them have blanked the ring

@@ -4,8 +4,6 @@
 
 #include "tools/host/take.h"
 
-class TChordNamer;
-
 // From when on which chord sounds.
 struct ChordChange {
     double time = 0;   // seconds from the start of the audio, a multiple of 0.1
@@ -18,4 +16,4 @@ std::vector<ChordChange> ChordLine(const Take& take);
 
 // The name of the chord that these MIDI notes make, in any order: the eleven lowest from C1 up count. Empty
 // for no notes.
-std::string ChordName(TChordNamer& namer, const std::vector<int>& notes);
+std::string ChordName(const std::vector<int>& notes);

@@ -9,7 +9,7 @@
 #include "tools/host/chord_line.h"
 #include "tools/host/note_list.h"
 
-LiveView::LiveView() : namer(std::make_unique<TChordNamer>()), isTerminal(isatty(STDOUT_FILENO) != 0) {}
+LiveView::LiveView() : isTerminal(isatty(STDOUT_FILENO) != 0) {}
 
 LiveView::~LiveView() {
     ClearLine();
@@ -31,7 +31,7 @@ std::string LiveView::Text() {
             }
     std::string text;
     for (const int note : notes) text += (text.empty() ? "" : " ") + NoteName(note);
-    const std::string chord = ChordName(*namer, notes);
+    const std::string chord = ChordName(notes);
     return chord.empty() ? text : text + "   " + chord;
 }
 

@@ -1,11 +1,9 @@
 #pragma once
 #include <array>
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <vector>
 
-#include "harmony/chord_namer.h"
 #include "tools/host/take.h"
 
 // What sounds, and the chord that it makes, in a terminal: one line that follows the music, or where standard
@@ -26,7 +24,6 @@ public:
 
 private:
     std::array<std::array<bool, 128>, 16> sounding{};  // by channel and MIDI note
-    const std::unique_ptr<TChordNamer> namer;
     const bool isTerminal;
     std::string shown;
 };
