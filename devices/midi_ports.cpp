@@ -1,7 +1,5 @@
 #include "devices/midi_ports.h"
 
-#include <algorithm>
-#include <bit>
 #include <new>
 
 #include "devices/midi_backend.h"
@@ -43,124 +41,78 @@ void Clear(TMidiPort& port) {
 
 }  // namespace
 
-// Segment s begins at place 8 << s of a sequence in which port p has place p + 8.
-struct MidiPortTable::Place {
-    explicit Place(std::uint32_t port) {
-        const std::uint64_t place = std::uint64_t{port} + firstSegment;
-        segment =
-            static_cast<std::size_t>(std::countl_zero(std::uint64_t{firstSegment}) - std::countl_zero(place));
-        offset = place - Length(segment);
-    }
-    static std::size_t Length(std::size_t segment) { return std::size_t{firstSegment} << segment; }
-
-    std::size_t segment = 0;
-    std::size_t offset = 0;
-};
-
 MidiPortTable::~MidiPortTable() {
     Unload();
-    for (std::atomic<TMidiPort*>& segment : ports) delete[] segment.load();
+    for (const std::atomic<TMidiPort*>& port : ports) delete port.load();
 }
 
 TMidiPort* MidiPortTable::At(std::uint32_t port) const {
-    if (port >= portCount.load(std::memory_order_acquire)) return nullptr;
-    const Place place(port);
-    return &ports[place.segment].load(std::memory_order_acquire)[place.offset];
+    return port < portCount.load(std::memory_order_acquire) ? ports[port].load(std::memory_order_relaxed)
+                                                            : nullptr;
 }
 
 TMidiPort* MidiPortTable::Usable(std::uint32_t port) const {
     return tableClosed == 0 ? At(port) : nullptr;
 }
 
-bool MidiPortTable::MakeRoom() {
-    const Place place(portCount.load());
-    if (place.segment >= segmentCount) return false;
-    std::atomic<TMidiPort*>& segment = ports[place.segment];
-    if (segment.load() == nullptr) segment.store(new (std::nothrow) TMidiPort[Place::Length(place.segment)]);
-    return segment.load() != nullptr;
+// The number of a free port, or of one that is ready to stand behind the last. Under lock.
+std::uint32_t MidiPortTable::FindFree() {
+    const std::uint32_t count = portCount.load();
+    std::uint32_t number = 0;
+    while (number < count && At(number)->isFree == 0) ++number;
+    if (number == maxPorts) throw std::bad_alloc();
+    if (number == count) {
+        if (ports[number].load() == nullptr) ports[number] = new TMidiPort;
+        Clear(*ports[number]);
+    }
+    return number;
 }
 
-// The device's handle, with one user more. The lock is released while the layer opens it.
-std::uint32_t MidiPortTable::Acquire(std::unique_lock<std::mutex>& hold, std::uint32_t index,
-                                     MidiOutHandle& handle) {
-    auto found = openDevices.find(index);
-    while (found != openDevices.end() && found->second.busy) {
-        busyEnded.wait(hold);
-        found = openDevices.find(index);
-    }
+std::uint32_t MidiPortTable::OpenPort(std::uint32_t& port, std::uint32_t index) try {
+    const std::lock_guard<std::mutex> hold(lock);
     if (tableClosed != 0) return MMSYSERR_ERROR;
-    if (found == openDevices.end()) {
-        found = openDevices.try_emplace(index).first;
-        found->second.busy = true;
-        hold.unlock();
+    const std::uint32_t number = FindFree();
+    const auto [found, isNew] = openDevices.try_emplace(index);
+    OpenDevice& device = found->second;
+    if (isNew) {
         const std::uint32_t result =
-            Ask([&] { return MidiOut().midiOutOpen(handle, MidiOutDeviceId(index)); });
-        hold.lock();
-        busyEnded.notify_all();
+            Ask([&device, index] { return MidiOut().midiOutOpen(device.handle, MidiOutDeviceId(index)); });
         if (result != MMSYSERR_NOERROR) {
             openDevices.erase(found);
             return result;
         }
-        found->second.busy = false;
-        found->second.handle = handle;
     }
-    ++found->second.useCount;
-    handle = found->second.handle;
-    return MMSYSERR_NOERROR;
-}
-
-std::uint32_t MidiPortTable::OpenPort(std::uint32_t& port, std::uint32_t index) try {
-    std::unique_lock<std::mutex> hold(lock);
-    if (tableClosed != 0) return MMSYSERR_ERROR;
-    MidiOutHandle handle = 0;
-    const std::uint32_t result = Acquire(hold, index, handle);
-    if (result != MMSYSERR_NOERROR) return result;
-
-    const std::uint32_t count = portCount.load();
-    std::uint32_t number = 0;
-    while (number < count && At(number)->isFree == 0) ++number;
-    if (number == count) {
-        if (!MakeRoom()) {
-            Release(hold, count, index);
-            return MMSYSERR_NOMEM;
-        }
-        portCount.store(count + 1, std::memory_order_release);
-        Clear(*At(number));
-    }
-    TMidiPort& entry = *At(number);
-    entry.handle = handle;
+    ++device.useCount;
+    TMidiPort& entry = *ports[number];
+    entry.handle = device.handle;
     entry.deviceIndex = index;
     entry.isFree = 0;
+    if (number == portCount.load()) portCount.store(number + 1, std::memory_order_release);
     port = number;
     return MMSYSERR_NOERROR;
 } catch (const std::bad_alloc&) {
     return MMSYSERR_NOMEM;
 }
 
-// One user less. The last one's notes are ended and the device is closed, with the lock released meanwhile.
-// False where that is under way already.
-bool MidiPortTable::Release(std::unique_lock<std::mutex>& hold, std::uint32_t port, std::uint32_t index) {
-    const auto found = openDevices.find(index);
-    if (found == openDevices.end() || found->second.busy) return false;
-    if (--found->second.useCount > 0) return true;
-    found->second.busy = true;
-    hold.unlock();
-    SilencePort(port);
-    CloseDevice(found->second.handle);
-    hold.lock();
-    openDevices.erase(found);
-    busyEnded.notify_all();
-    return true;
-}
-
+// The notes are ended with the lock released: meanwhile the device may find another user, or the table end.
 void MidiPortTable::ClosePort(std::uint32_t port) {
     std::unique_lock<std::mutex> hold(lock);
     TMidiPort* const entry = Usable(port);
-    if (entry == nullptr || entry->isFree != 0 || !Release(hold, port, entry->deviceIndex)) return;
-    if (port + 1 == portCount.load())
-        portCount.store(port);
-    else
-        entry->isFree = 1;
+    if (entry == nullptr || entry->isFree != 0) return;
+    const std::uint32_t index = entry->deviceIndex;
+    if (--openDevices[index].useCount == 0) {
+        hold.unlock();
+        SilencePort(port);
+        hold.lock();
+        if (tableClosed != 0) return;
+        const auto device = openDevices.find(index);
+        if (device != openDevices.end() && device->second.useCount == 0) {
+            CloseDevice(device->second.handle);
+            openDevices.erase(device);
+        }
+    }
+    entry->isFree = 1;
+    if (port + 1 == portCount.load()) portCount.store(port);
 }
 
 std::uint32_t MidiPortTable::SendShort(std::uint32_t port, std::uint32_t message) {
@@ -196,21 +148,16 @@ void MidiPortTable::SilencePort(std::uint32_t port) {
     if (TMidiPort* const entry = At(port)) Silence(*entry);
 }
 
-bool MidiPortTable::AnyBusy() const {
-    return std::any_of(openDevices.begin(), openDevices.end(), [](const auto& d) { return d.second.busy; });
-}
-
-// Once the flag is set nobody begins anything, and who has begun is awaited: after that the table is ours
-// alone, but for senders that looked at the flag before. Those find the handle closed, and the layer refuses
-// them.
+// Once the flag is set nobody begins anything, and an open or close under way ends before the lock is free.
+// Senders that looked at the flag before find the handle closed, and the layer refuses them.
 void MidiPortTable::Unload() {
     {
-        std::unique_lock<std::mutex> hold(lock);
+        const std::lock_guard<std::mutex> hold(lock);
         tableClosed = 1;
-        busyEnded.wait(hold, [this] { return !AnyBusy(); });
     }
     const std::uint32_t count = portCount.load();
     for (std::uint32_t port = 0; port < count; ++port) SilencePort(port);
+    const std::lock_guard<std::mutex> hold(lock);
     for (const auto& [index, device] : openDevices) CloseDevice(device.handle);
     openDevices.clear();
     portCount.store(0);

@@ -1,7 +1,5 @@
 #pragma once
-#include <array>
 #include <atomic>
-#include <condition_variable>
 #include <cstdint>
 #include <map>
 #include <mutex>
@@ -24,13 +22,13 @@ struct TMidiPort {
 // MMSYSERR_ERROR for a closed table or a port number out of range, MMSYSERR_INVALHANDLE for a free port, and
 // MMSYSERR_NOMEM where it cannot grow. A layer that throws counts as having given MMSYSERR_ERROR.
 //
-// Threads: SendShort [audio], others [any]. Ports lie in segments that never move and are not given back, so
-// a send needs no lock and its work does not depend on the number of ports. A lock guards opening and
-// closing, but only their work on the table: while a layer opens, closes or sends, nothing is locked, and a
-// device that is just being opened or closed is marked as busy, for which only those wait who want the same
-// device.
+// Threads: SendShort [audio], others [any]. Ports never move and are not given back, so a send needs no lock
+// and its work does not depend on the number of ports. A lock makes one of all openings and closings after
+// the other; it is not held while a message is sent.
 class MidiPortTable {
 public:
+    static constexpr std::uint32_t maxPorts = 4096;
+
     MidiPortTable() = default;
     ~MidiPortTable();  // Unload; nobody may be using the table
     MidiPortTable(const MidiPortTable&) = delete;
@@ -55,25 +53,16 @@ private:
     struct OpenDevice {
         MidiOutHandle handle = 0;
         std::uint32_t useCount = 0;  // ports
-        bool busy = false;           // being opened or closed, with the lock released
     };
-    // Segment s holds 8 << s ports: the ports are numbered on from segment to segment.
-    static constexpr std::uint32_t firstSegment = 8;
-    static constexpr std::size_t segmentCount = 28;
 
-    struct Place;
     TMidiPort* At(std::uint32_t port) const;      // null: out of range
     TMidiPort* Usable(std::uint32_t port) const;  // null: out of range, or the table is closed
-    std::uint32_t Acquire(std::unique_lock<std::mutex>& hold, std::uint32_t index, MidiOutHandle& handle);
-    bool Release(std::unique_lock<std::mutex>& hold, std::uint32_t port, std::uint32_t index);
-    bool MakeRoom();  // for one port more; under lock
-    bool AnyBusy() const;
+    std::uint32_t FindFree();
 
-    std::atomic<TMidiPort*> ports[segmentCount] = {};  // segments; grows under lock
-    std::atomic<std::uint32_t> portCount{0};  // ports below it are in use or free; changes under lock
-    Relaxed<std::uint32_t> tableClosed = 0;   // set at unload, under lock
+    std::atomic<TMidiPort*> ports[maxPorts] = {};  // made as needed, under lock
+    std::atomic<std::uint32_t> portCount{0};       // ports below it are in use or free; changes under lock
+    Relaxed<std::uint32_t> tableClosed = 0;        // set at unload, under lock
     std::mutex lock;
-    std::condition_variable busyEnded;
     std::map<std::uint32_t, OpenDevice> openDevices;  // by device index; under lock
 };
 
