@@ -1,48 +1,24 @@
 #include "delivery/output_list.h"
 
+#include <algorithm>
 #include <mutex>
+#include <stdexcept>
 
-OutputList::~OutputList() {
-    FreeRetired();
-    for (Entry* entry = first.load(); entry != nullptr;) {
-        Entry* const gone = entry;
-        entry = entry->next.load();
-        delete gone;
-    }
-}
-
+// Behind the last one, so that the order of attachment stays; a gap before it is left.
 void OutputList::Append(TNoteOut* output) {
     const std::lock_guard<PriorityLock> held(changing);
-    if (Quiet()) FreeRetired();
-    auto* const added = new Entry{output};
-    std::atomic<Entry*>* link = &first;
-    while (Entry* const entry = link->load()) link = &entry->next;
-    link->store(added);
+    std::size_t end = capacity;
+    while (end > 0 && slots[end - 1].load() == nullptr) --end;
+    if (end == capacity) throw std::length_error("too many outputs");
+    slots[end].store(output);
 }
 
 void OutputList::Remove(const TNoteOut* output) {
     const std::lock_guard<PriorityLock> held(changing);
-    for (std::atomic<Entry*>* link = &first; Entry* const entry = link->load(); link = &entry->next) {
-        if (entry->output.load() != output) continue;
-        entry->output.store(nullptr);
-        link->store(entry->next.load());
-        entry->retired = retired;
-        retired = entry;
-        break;
-    }
-    if (Quiet()) FreeRetired();
+    const auto found = std::find(slots.begin(), slots.end(), output);
+    if (found != slots.end()) found->store(nullptr);
 }
 
 bool OutputList::Contains(const TNoteOut* output) const {
-    bool found = false;
-    ForEach([&](const TNoteOut& each) { found |= &each == output; });
-    return found;
-}
-
-void OutputList::FreeRetired() {
-    while (retired != nullptr) {
-        Entry* const gone = retired;
-        retired = gone->retired;
-        delete gone;
-    }
+    return std::find(slots.begin(), slots.end(), output) != slots.end();
 }
