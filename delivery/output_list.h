@@ -4,6 +4,7 @@
 #include <cstddef>
 
 #include "base/priority_lock.h"
+#include "base/scoped.h"
 
 class TNoteOut;
 
@@ -29,7 +30,7 @@ public:
 
     template <typename Visit>
     void ForEach(Visit visit) const {
-        const Walk walk(*this);
+        const ScopedCount walk(walks);
         for (const std::atomic<TNoteOut*>& slot : slots)
             if (TNoteOut* const output = slot.load()) visit(*output);
     }
@@ -37,14 +38,6 @@ public:
     bool Quiet() const { return walks.load() == 0; }
 
 private:
-    struct Walk {
-        explicit Walk(const OutputList& walked) : list(walked) { list.walks.fetch_add(1); }
-        ~Walk() { list.walks.fetch_sub(1); }
-        Walk(const Walk&) = delete;
-        Walk& operator=(const Walk&) = delete;
-        const OutputList& list;
-    };
-
     PriorityLock changing;
     // All accesses keep one total order: a walk that starts after Quiet() was true cannot reach an output
     // that was removed before it.

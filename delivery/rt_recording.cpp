@@ -4,6 +4,7 @@
 #include <cmath>
 #include <mutex>
 
+#include "base/scoped.h"
 #include "base/truncate.h"
 #include "delivery/note_recorder.h"
 
@@ -194,16 +195,9 @@ void TRTRecording::StopNow() {
 
 // What other threads flush while this one is at it is moved here, too.
 void TRTRecording::Stop() {
-    struct Moves {
-        explicit Moves(Relaxed<bool>& lent) : word(lent) { word = true; }
-        ~Moves() { word = false; }
-        Moves(const Moves&) = delete;
-        Moves& operator=(const Moves&) = delete;
-        Relaxed<bool>& word;
-    };
     MoveFlushed();  // so that the flush under the recorder's lock finds none before it
     {
-        const Moves later(stopMoves);
+        const ScopedValue later(stopMoves, true);
         TmtNoteOut::Stop();
     }
     MoveFlushed();

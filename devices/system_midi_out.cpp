@@ -6,6 +6,7 @@
 #include <thread>
 #include <utility>
 
+#include "base/scoped.h"
 #include "base/wide_text.h"
 #include "devices/midi_device_list.h"
 
@@ -176,16 +177,10 @@ MidiOutHandle SystemMidiOut::Admit(std::unique_ptr<MidiDevice> device, std::size
 // All accesses keep one total order: either the sender sees the handle gone, or the close sees the sender.
 template <typename Use>
 std::uint32_t SystemMidiOut::With(MidiOutHandle handle, Use use) {
-    struct Inside {
-        explicit Inside(Slot& entered) : slot(entered) { slot.inside.fetch_add(1); }
-        ~Inside() { slot.inside.fetch_sub(1); }
-        Inside(const Inside&) = delete;
-        Inside& operator=(const Inside&) = delete;
-        Slot& slot;
-    };
-    const Inside inside(slots[handle % maxOpen]);
-    if (handle == 0 || inside.slot.handle.load() != handle) return MMSYSERR_INVALHANDLE;
-    return use(*inside.slot.device);
+    Slot& slot = slots[handle % maxOpen];
+    const ScopedCount inside(slot.inside);
+    if (handle == 0 || slot.handle.load() != handle) return MMSYSERR_INVALHANDLE;
+    return use(*slot.device);
 }
 
 std::uint32_t SystemMidiOut::midiOutClose(MidiOutHandle handle) {

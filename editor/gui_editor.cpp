@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "base/file_path.h"
+#include "base/scoped.h"
 #include "desktop/module_folder.h"
 #include "desktop/shell.h"
 #include "devices/midi_device_list.h"
@@ -45,18 +46,6 @@ std::uint32_t Ticks() {
     return static_cast<std::uint32_t>(std::chrono::duration_cast<std::chrono::milliseconds>(now).count());
 }
 
-// Counts an entry of ours on the stack.
-class Busy {
-public:
-    explicit Busy(int& itsCount) : count(itsCount) { ++count; }
-    ~Busy() { --count; }
-    Busy(const Busy&) = delete;
-    Busy& operator=(const Busy&) = delete;
-
-private:
-    int& count;
-};
-
 }  // namespace
 
 guiEditor::guiEditor(CORVAguivst* plugin)
@@ -72,7 +61,7 @@ bool guiEditor::open(void* parent) {
     if (busy > 0) return false;
     CloseNow();
     {
-        const Busy now(busy);  // the pages ask the host what it can do, and it may call back
+        const ScopedCount now(busy);  // the pages ask the host what it can do, and it may call back
         if (!MakeWindow(parent)) return false;
     }
     if (closeLater) CloseNow();
@@ -132,7 +121,7 @@ void guiEditor::idle() {
     const std::lock_guard locked(ToolkitLock());
     if (busy > 0) return;
     {
-        const Busy now(busy);
+        const ScopedCount now(busy);
         mailbox.drain([this](std::int32_t index, float value) {
             if (isEditorOpen) window->setParameter(index, value);
         });
@@ -167,7 +156,7 @@ bool guiEditor::onKeyDown(const VstKeyCode& key) {
     }
     bool used = false;
     {
-        const Busy now(busy);
+        const ScopedCount now(busy);
         used = AEffGUIEditor::onKeyDown(key);
     }
     if (closeLater) CloseNow();

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "base/relaxed.h"
+#include "base/scoped.h"
 #include "vst2/records.h"
 
 // The host's side of the VST 2 interface for one instance, whether it was linked or loaded: it answers what
@@ -40,11 +41,7 @@ protected:
     // `make` gets the callback and returns the record of a new instance, which may ask from inside it.
     template <typename Make>
     void Construct(Make make) {
-        struct Construction {
-            explicit Construction(PluginHost* host) { underConstruction = host; }
-            ~Construction() { underConstruction = nullptr; }
-        };
-        const Construction now(this);
+        const ScopedValue now(underConstruction, this);
         effect = make(&PluginHost::Callback);
         if (effect != nullptr) effect->resvd1 = reinterpret_cast<std::intptr_t>(this);
     }

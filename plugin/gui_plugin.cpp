@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "base/scoped.h"
 #include "base/text.h"
 #include "base/truncate.h"
 #include "delivery/rt_recording.h"
@@ -66,15 +67,7 @@ void CORVAguivst::setParameter(std::int32_t index, float value) {
 
 void CORVAguivst::setParameterFromEditor(std::int32_t index, float value) {
     applyParameter(index, value);
-    struct Change {
-        explicit Change(Relaxed<std::thread::id>& thread) : word(thread) {
-            word = std::this_thread::get_id();
-        }
-        ~Change() { word = std::thread::id(); }
-        Change(const Change&) = delete;
-        Change& operator=(const Change&) = delete;
-        Relaxed<std::thread::id>& word;
-    } const change(inEditorChange);
+    const ScopedValue change(inEditorChange, std::this_thread::get_id());
     setParameterAutomated(index, value);
 }
 

@@ -1,7 +1,6 @@
 #include "desktop/file_dialog.h"
 
 #include <fcntl.h>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -72,41 +71,6 @@ std::string NameOf(const std::string& path) {
     return path.substr(path.rfind('/') + 1);
 }
 
-// Runs the command with its standard output in the pipe, in a process group of its own, with no signal
-// blocked or ignored that the host blocks or ignores. False when it cannot be run.
-bool Spawn(const std::vector<std::string>& command, int output, pid_t* program) {
-    std::vector<char*> arguments;
-    arguments.reserve(command.size() + 1);
-    for (const std::string& each : command)
-        arguments.push_back(
-            const_cast<char*>(each.c_str()));  // NOLINT(cppcoreguidelines-pro-type-const-cast)
-    arguments.push_back(nullptr);
-
-    posix_spawn_file_actions_t files;
-    if (posix_spawn_file_actions_init(&files) != 0) return false;
-    posix_spawn_file_actions_addopen(&files, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-    posix_spawn_file_actions_adddup2(&files, output, STDOUT_FILENO);
-    posix_spawn_file_actions_addopen(&files, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-    posix_spawn_file_actions_addclosefrom_np(&files, STDERR_FILENO + 1);
-
-    posix_spawnattr_t attributes;
-    posix_spawnattr_init(&attributes);
-    sigset_t none, all;
-    sigemptyset(&none);
-    sigfillset(&all);
-    posix_spawnattr_setsigmask(&attributes, &none);
-    posix_spawnattr_setsigdefault(&attributes, &all);
-    posix_spawnattr_setpgroup(&attributes, 0);
-    posix_spawnattr_setflags(&attributes,
-                             POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETPGROUP);
-
-    const int result = posix_spawn(program, arguments[0], &files, &attributes, arguments.data(),
-                                   ProgramEnvironment().data());
-    posix_spawnattr_destroy(&attributes);
-    posix_spawn_file_actions_destroy(&files);
-    return result == 0;
-}
-
 bool HasExtension(const std::string& path) {
     const std::size_t dot = path.rfind('.');
     const std::size_t slash = path.rfind('/');
@@ -173,10 +137,10 @@ bool FileDialog::Work::Run(const Command& command) {
     int ends[2];
     if (pipe2(ends, O_CLOEXEC | O_NONBLOCK) != 0) return false;
     fcntl(ends[1], F_SETFL, 0);  // the program may wait when it writes; we never wait when we read
-    const bool runs = Spawn(command, ends[1], &program);
+    program = SpawnProgram(command, ends[1]);
     close(ends[1]);
     answerEnd = ends[0];
-    if (!runs) {
+    if (program == 0) {
         CloseAnswer();
         program = -1;
         return false;

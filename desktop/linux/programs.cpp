@@ -21,10 +21,13 @@ bool IsExecutable(const std::string& path) {
 
 // What a program is started with, freed at the end of the scope.
 struct Attributes {
-    Attributes() {
+    explicit Attributes(int output) {
         posix_spawn_file_actions_init(&files);
         posix_spawn_file_actions_addopen(&files, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-        posix_spawn_file_actions_addopen(&files, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+        if (output >= 0)
+            posix_spawn_file_actions_adddup2(&files, output, STDOUT_FILENO);
+        else
+            posix_spawn_file_actions_addopen(&files, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
         posix_spawn_file_actions_addopen(&files, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
         posix_spawn_file_actions_addclosefrom_np(&files, STDERR_FILENO + 1);
         posix_spawnattr_init(&settings);
@@ -33,8 +36,9 @@ struct Attributes {
         posix_spawnattr_setsigdefault(&settings, &signals);
         sigemptyset(&signals);
         posix_spawnattr_setsigmask(&settings, &signals);
+        posix_spawnattr_setpgroup(&settings, 0);
         posix_spawnattr_setflags(&settings,
-                                 static_cast<short>(POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK));
+                                 POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETPGROUP);
     }
     ~Attributes() {
         posix_spawnattr_destroy(&settings);
@@ -46,20 +50,6 @@ struct Attributes {
     posix_spawn_file_actions_t files;
     posix_spawnattr_t settings;
 };
-
-// 0 where it cannot be started.
-pid_t Spawn(const std::vector<std::string>& arguments) {
-    std::vector<char*> words;
-    words.reserve(arguments.size() + 1);
-    for (const std::string& argument : arguments) words.push_back(const_cast<char*>(argument.c_str()));
-    words.push_back(nullptr);
-    std::vector<char*> environment = ProgramEnvironment();
-    const Attributes with;
-    pid_t child = 0;
-    const int fault =
-        posix_spawn(&child, words[0], &with.files, &with.settings, words.data(), environment.data());
-    return fault == 0 ? child : 0;
-}
 
 // Children whose end nobody has seen yet; only where they had to be our own.
 class OwnChildren {
@@ -82,9 +72,8 @@ OwnChildren& Children() {
     return children;
 }
 
-}  // namespace
-
-std::vector<char*> ProgramEnvironment() {
+// Ours, without what a host that brings its own libraries sets for itself; ended by a null.
+std::vector<char*> Environment() {
     std::vector<char*> variables;
     for (char** variable = environ; variable != nullptr && *variable != nullptr; ++variable) {
         const std::string_view text = *variable;
@@ -93,6 +82,20 @@ std::vector<char*> ProgramEnvironment() {
     }
     variables.push_back(nullptr);
     return variables;
+}
+
+}  // namespace
+
+pid_t SpawnProgram(const std::vector<std::string>& arguments, int output) {
+    std::vector<char*> words;
+    words.reserve(arguments.size() + 1);
+    for (const std::string& argument : arguments) words.push_back(const_cast<char*>(argument.c_str()));
+    words.push_back(nullptr);
+    const Attributes with(output);
+    pid_t child = 0;
+    const int fault =
+        posix_spawn(&child, words[0], &with.files, &with.settings, words.data(), Environment().data());
+    return fault == 0 ? child : 0;
 }
 
 std::string FindProgram(const std::string& name) {
@@ -119,7 +122,7 @@ bool StartProgram(const std::vector<std::string>& arguments) {
         if (!IsExecutable(starter)) continue;
         std::vector<std::string> all = {starter, "--fork", "--"};
         all.insert(all.end(), arguments.begin(), arguments.end());
-        const pid_t child = Spawn(all);
+        const pid_t child = SpawnProgram(all);
         if (child == 0) return false;
         int status = 0;
         pid_t ended;
@@ -128,7 +131,7 @@ bool StartProgram(const std::vector<std::string>& arguments) {
         // Where the host lets the kernel forget all children there is no status, and nothing to complain of.
         return ended == -1 || (WIFEXITED(status) && WEXITSTATUS(status) == 0);
     }
-    const pid_t child = Spawn(arguments);
+    const pid_t child = SpawnProgram(arguments);
     if (child != 0) Children().Add(child);
     return child != 0;
 }

@@ -1,4 +1,6 @@
 #pragma once
+#include <sys/types.h>
+
 #include <string>
 #include <vector>
 
@@ -15,6 +17,6 @@ std::string FindProgram(const std::string& name);
 // when it comes.
 bool StartProgram(const std::vector<std::string>& arguments);
 
-// The environment for such a program, ended by a null: ours, without what a host that brings its own
-// libraries sets for itself. Points into it, so it stands until somebody changes it.
-std::vector<char*> ProgramEnvironment();
+// The same as a child of ours, which the caller awaits, in a process group of its own. Its output goes to the
+// open file `output`, if there is one. 0 where it cannot be started.
+pid_t SpawnProgram(const std::vector<std::string>& arguments, int output = -1);
