@@ -2,17 +2,16 @@
 
 #include <atomic>
 
+#include "base/lasting.h"
 #include "devices/system_midi_out.h"
 
 namespace {
 
 std::atomic<MidiOutDevices*> substitute{nullptr};
 
-// Never destroyed: devices are closed while the process ends, by others' destructors, in an order that only
-// the loader knows. It holds nothing then.
 SystemMidiOut& System() {
-    static SystemMidiOut& devices = *new SystemMidiOut;
-    return devices;
+    static Lasting<SystemMidiOut> devices;
+    return devices.value;
 }
 
 }  // namespace

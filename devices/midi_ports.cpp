@@ -2,6 +2,7 @@
 
 #include <new>
 
+#include "base/lasting.h"
 #include "devices/midi_backend.h"
 #include "devices/midi_device_list.h"
 
@@ -165,35 +166,35 @@ void MidiPortTable::Unload() {
 
 namespace {
 
-MidiPortTable& table = *new MidiPortTable;
+Lasting<MidiPortTable> table;
 
 // Closes the table when the program ends, where its devices are still ours to close.
 struct ProgramEnd {
     ~ProgramEnd() {
-        if (DevicesAreOurs()) table.Unload();
+        if (DevicesAreOurs()) table.value.Unload();
     }
 } programEnd;
 
 }  // namespace
 
 std::uint32_t OpenPort(std::uint32_t& port, std::uint32_t index) {
-    return table.OpenPort(port, index);
+    return table.value.OpenPort(port, index);
 }
 void ClosePort(std::uint32_t port) {
-    table.ClosePort(port);
+    table.value.ClosePort(port);
 }
 std::uint32_t SendShort(std::uint32_t port, std::uint32_t message) {
-    return table.SendShort(port, message);
+    return table.value.SendShort(port, message);
 }
 std::uint32_t SendLong(std::uint32_t port, const MidiLongMessage& message) {
-    return table.SendLong(port, message);
+    return table.value.SendLong(port, message);
 }
 void ResetPort(std::uint32_t port) {
-    table.ResetPort(port);
+    table.value.ResetPort(port);
 }
 void SilencePort(std::uint32_t port) {
-    table.SilencePort(port);
+    table.value.SilencePort(port);
 }
 bool IsPortValid(std::uint32_t port) {
-    return table.IsPortValid(port);
+    return table.value.IsPortValid(port);
 }

@@ -8,6 +8,7 @@
 
 #include <lv2/midi/midi.h>
 
+#include "base/lasting.h"
 #include "lv2/features.h"
 
 namespace {
@@ -20,15 +21,15 @@ std::int64_t EchoFrames(double rate) {
     return static_cast<std::int64_t>(echoSeconds * (rate > slowest && rate < fastest ? rate : slowest));
 }
 
-// The instances that hosts hold. Never destroyed: a host may clean up while the process already ends.
+// The instances that hosts hold.
 struct Instances {
     std::mutex guard;
     std::map<LV2_Handle, std::shared_ptr<Instance>> held;
 };
 
 Instances& All() {
-    static Instances& all = *new Instances;
-    return all;
+    static Lasting<Instances> all;
+    return all.value;
 }
 
 DeviceWorker::Schedule ScheduleOf(const LV2_Worker_Schedule* schedule) {

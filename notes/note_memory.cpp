@@ -36,8 +36,6 @@ class FreeStore : public std::pmr::memory_resource {
     }
 };
 
-// There from the begin: the audio thread names chords in it, and must not be the one that builds it, nor wait
-// for another that does.
 constinit Lasting<FreeStore> store;
 
 }  // namespace

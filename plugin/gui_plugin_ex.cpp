@@ -4,7 +4,6 @@
 #include "plugin/sample_conversion.h"
 
 void CORVAguivstEx::processSamples(const short* block, std::size_t count) {
-    if (!registration.LetsThrough(block, count)) return;
     const bool silent = !CanDetect() || SumIsZero(block, count);
     silentSamples = silent ? silentSamples + count : 0;
     if (silent && !(CanDetect() && HearsThroughSilence())) return stopDetection();

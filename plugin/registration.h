@@ -1,17 +1,14 @@
 #pragma once
-#include <cstddef>
 #include <string>
 
-// The registration role: it stands on the block path and lets every block through, keeps the user's name and
+// The registration role: it lets every block through, keeps the user's name and
 // code in the per-user store, and says whether both were there when the module was first loaded. There is no
 // check of the code, and nothing is ever asked of the user.
 //
-// Threads: LetsThrough [audio]; the others [ui] or at construction, never [audio].
+// Threads: [ui] or at construction, never [audio].
 class Registration {
 public:
     Registration();  // reads the store once per process; a later change counts from the next load on
-
-    bool LetsThrough(const short* block, std::size_t count) const { return block != nullptr || count == 0; }
 
     bool Registered() const;   // both name and code were stored at load
     std::string Name() const;  // as stored at load

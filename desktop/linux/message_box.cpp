@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/lasting.h"
 #include "desktop/linux/programs.h"
 
 namespace {
@@ -54,6 +55,6 @@ public:
 }  // namespace
 
 IMessageBox& DesktopMessageBox() {
-    static IMessageBox& own = *new DialogOrLine;  // outlives all callers
-    return own;
+    static Lasting<DialogOrLine> own;
+    return own.value;
 }

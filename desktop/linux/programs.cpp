@@ -12,6 +12,8 @@
 #include <mutex>
 #include <string_view>
 
+#include "base/lasting.h"
+
 namespace {
 
 bool IsExecutable(const std::string& path) {
@@ -68,8 +70,8 @@ private:
     std::vector<pid_t> children;
 };
 OwnChildren& Children() {
-    static OwnChildren& children = *new OwnChildren;  // outlives all callers
-    return children;
+    static Lasting<OwnChildren> children;
+    return children.value;
 }
 
 // Ours, without what a host that brings its own libraries sets for itself; ended by a null.

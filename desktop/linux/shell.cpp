@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include "base/lasting.h"
 #include "desktop/linux/programs.h"
 
 namespace {
@@ -33,6 +34,6 @@ private:
 }  // namespace
 
 IShell& DesktopShell() {
-    static IShell& own = *new XdgShell;  // outlives all callers
-    return own;
+    static Lasting<XdgShell> own;
+    return own.value;
 }

@@ -1,5 +1,6 @@
 #include "desktop/message_box.h"
 
+#include "base/lasting.h"
 #include "base/windows/wide.h"
 #include "desktop/windows/module.h"
 
@@ -17,6 +18,6 @@ public:
 }  // namespace
 
 IMessageBox& DesktopMessageBox() {
-    static IMessageBox& own = *new SystemBox;  // outlives all callers
-    return own;
+    static Lasting<SystemBox> own;
+    return own.value;
 }

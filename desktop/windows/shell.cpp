@@ -7,6 +7,7 @@
 
 #include <cstdint>
 
+#include "base/lasting.h"
 #include "base/windows/wide.h"
 
 namespace {
@@ -42,6 +43,6 @@ public:
 }  // namespace
 
 IShell& DesktopShell() {
-    static IShell& own = *new WindowsShell;  // outlives all callers
-    return own;
+    static Lasting<WindowsShell> own;
+    return own.value;
 }

@@ -12,6 +12,7 @@
 #include <cerrno>
 #include <mutex>
 
+#include "base/lasting.h"
 #include "devices/message_ring.h"
 
 namespace {
@@ -52,14 +53,14 @@ private:
 
 class JackLink;
 
-// Under jackAttempts. Never destroyed: devices may be closed while the process ends.
+// Under jackAttempts.
 struct Links {
     std::vector<JackLink*> open;                  // with a client that we still have to close
     std::vector<std::unique_ptr<JackLink>> dead;  // whose server has died
 };
 Links& AllLinks() {
-    static Links& links = *new Links;
-    return links;
+    static Lasting<Links> links;
+    return links.value;
 }
 
 jack_client_t* OpenClient();
