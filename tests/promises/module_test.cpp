@@ -72,7 +72,7 @@ void Live(const HostWindow* window) {
         ASSERT_TRUE(host.Play(Tones({57, 64}, 0.1)));
         if (window != nullptr) {
             ASSERT_NE(host.Call(effEditOpen, 0, 0, window->Handle()), 0);
-            for (int i = 0; i < 3; ++i) host.Call(effEditIdle);
+            host.Call(effEditIdle);
             host.Call(effEditClose);
         }
     }
@@ -83,10 +83,10 @@ TEST(Module, ManyLivesLeaveTheProcessAsItWas) {
     InChild(
         [](Trial&) {
             static const HostWindow& window = *new HostWindow;  // outlives the check for leaks
-            for (int i = 0; i < 3; ++i) Live(&window);
+            for (int i = 0; i < 10; ++i) Live(&window);
             const ProcessState before = StateAtRest();
             for (std::uint64_t life = Scaled(100); life > 0 && !testing::Test::HasFailure(); --life)
-                Live(life % 3 == 0 ? &window : nullptr);
+                Live(life % 10 == 0 ? &window : nullptr);
             AwaitThat([&] { return StateNow() == before; }, std::chrono::seconds(10));
             EXPECT_EQ(StateNow(), before);
             EXPECT_TRUE(window.Children().empty());
