@@ -4,12 +4,8 @@ target_link_libraries(test_host PRIVATE nlohmann_json::nlohmann_json orva_notes 
 target_compile_definitions(test_host PRIVATE
   ORVA_HOST_PROGRAM="$<TARGET_FILE:orva-host>"
   ORVA_MODULE="$<TARGET_FILE:orva_vst>"
-  ORVA_COMPLETION="${PROJECT_SOURCE_DIR}/packaging/orva-host.bash"
   ORVA_GOLDEN="${CMAKE_CURRENT_SOURCE_DIR}/host/golden"
   ORVA_RECORDINGS="${PROJECT_SOURCE_DIR}/recordings")
 # A JACK server of its own receives notes.
 pkg_check_modules(JACK_TEST REQUIRED IMPORTED_TARGET jack)
 target_link_libraries(test_host PRIVATE PkgConfig::JACK_TEST)
-# What a desktop sees of its window.
-pkg_check_modules(XCB_TEST_HOST REQUIRED IMPORTED_TARGET xcb)
-target_link_libraries(test_host PRIVATE PkgConfig::XCB_TEST_HOST)

@@ -6,7 +6,6 @@
 #include "tools/host/audio_folder.h"
 #include "tools/host/file_list.h"
 #include "tools/host/output_file.h"
-#include "tools/host/printable.h"
 
 namespace {
 
@@ -35,10 +34,6 @@ TEST(FileList, HasANameALineOrUpToEachZeroByte) {
     EXPECT_EQ(SplitFileList(std::string("a\nb.wav\0c.wav\0", 14)), (Names{"a\nb.wav", "c.wav"}));
     EXPECT_EQ(SplitFileList("\xEF\xBB\xBF#EXTM3U\r\n#EXTINF:1\r\na.wav\r\n"), Names{"a.wav"});
     EXPECT_EQ(SplitFileList("#1.wav\r\n"), Names{"#1.wav"});
-    EXPECT_EQ(SplitFileList(""), Names{});
-    EXPECT_THROW(ReadFileList("/"), std::runtime_error);
-    EXPECT_EQ(Printable("a\x1b[2Jb\n\xc2\x9b\xff \xc3\xa9\\"), "a\\x1b[2Jb\\x0a\\xc2\\x9b\\xff \xc3\xa9\\");
-    EXPECT_EQ(Printable("\xed\xa0\x80"), "\\xed\\xa0\\x80");  // a surrogate
 }
 
 TEST(OutputFile, ReplacesTheOldOneWholeOrNotAtAllAndKeepsItsPermissions) {
@@ -51,46 +46,19 @@ TEST(OutputFile, ReplacesTheOldOneWholeOrNotAtAllAndKeepsItsPermissions) {
     EXPECT_TRUE(fs::is_symlink(link));
     EXPECT_EQ(ReadAll(real), "new");
     EXPECT_EQ(fs::status(real).permissions(), static_cast<fs::perms>(0640));
-    fs::create_directory(folder / "taken");
-    for (const std::string& impossible :
-         {folder / "no/folder.csv", std::string("/dev/full"), folder / "taken"})
-        EXPECT_THROW(WriteWhole(impossible, "x"), std::runtime_error);
-    EXPECT_EQ(folder.Files(), 3U);  // no draft is left
-
-    const fs::path sound = folder / "a.wav", notes = folder / "a.mid";
-    WriteAll(notes, "notes");
-    EXPECT_FALSE(IsUpToDate(notes, sound));  // there is no recording to compare it with
-    WriteAll(sound, "sound");
-    for (const int later : {0, 1}) {  // s
-        fs::last_write_time(sound, fs::last_write_time(notes) + std::chrono::seconds(later));
-        EXPECT_EQ(IsUpToDate(notes, sound), later == 0);
-    }
+    EXPECT_THROW(WriteWhole("/dev/full", "x"), std::runtime_error);
+    EXPECT_EQ(folder.Files(), 2U);  // no draft is left
 }
 
 TEST(OutputFile, EachRecordingHasItsOwnAndNoneIsReplaced) {
     const TempFolder folder;
     const fs::path inside = folder.path;
-    WriteAll(folder / "a.wav", "sound");
-    const struct {
-        Names recordings;
-        fs::path target;
-        std::vector<fs::path> paths;  // none: refused
-    } rows[] = {
-        {{"x/a.wav"}, "out.csv", {"out.csv"}},
-        {{"x/a.wav", "y/b.c.ogg"}, inside, {inside / "a.csv", inside / "b.c.csv"}},
-        {{"x/a.wav", "c.flac", "/d/{dir}.wav"},
-         "out/{dir}/{name}-{name}.mid",
-         {"out/x/a-a.mid", "out/./c-c.mid", "out//d/{dir}-{dir}.mid"}},
-        {{"a.wav", "b.wav"}, "out.csv", {}},
-        {{"x/a.wav", "y/a.ogg"}, inside, {}},
-        {{"a.wav", "./a.ogg"}, "{dir}/{name}.mid", {}},
-        {{folder / "a.wav"}, inside / "." / "a.wav", {}},
-    };
-    for (const auto& [recordings, target, paths] : rows)
-        if (paths.empty())
-            EXPECT_THROW(OutputPaths(recordings, target, ".csv"), std::invalid_argument) << target;
-        else
-            EXPECT_EQ(OutputPaths(recordings, target, ".csv"), paths);
+    EXPECT_EQ(OutputPaths({"x/a.wav", "y/b.c.ogg"}, inside, ".csv"),
+              (std::vector<fs::path>{inside / "a.csv", inside / "b.c.csv"}));
+    EXPECT_EQ(OutputPaths({"x/a.wav", "c.flac"}, "out/{dir}/{name}-{name}.mid", ".csv"),
+              (std::vector<fs::path>{"out/x/a-a.mid", "out/./c-c.mid"}));
+    EXPECT_THROW(OutputPaths({"a.wav", "b.wav"}, "out.csv", ".csv"), std::invalid_argument);
+    EXPECT_THROW(OutputPaths({"x/a.wav", "y/a.ogg"}, inside, ".csv"), std::invalid_argument);
 }
 
 TEST(OutputFile, WhatWouldBeLostByMistakeIsRefused) {
@@ -104,8 +72,6 @@ TEST(OutputFile, WhatWouldBeLostByMistakeIsRefused) {
     } rows[] = {{{midi, folder / "new.mid", "/dev/null", "/dev/null"}, false, false},
                 {{sound}, true, false},
                 {{list}, true, true},
-                {{""}, true, true},
-                {{"-"}, true, true},
                 {{"new.mid", "./new.mid"}, true, true}};
     for (const auto& row : rows)
         for (const bool force : {false, true}) {

@@ -47,9 +47,6 @@ public:
     }
     std::string Out() const { return ReadAll(folder / "out"); }
     std::string Err() const { return ReadAll(folder / "err"); }
-    bool AwaitOut(const std::string& text) const {
-        return AwaitThat([&] { return Out().find(text) != std::string::npos; });
-    }
     bool AwaitErr(const std::string& text) const {
         return AwaitThat([&] { return Err().find(text) != std::string::npos; });
     }
