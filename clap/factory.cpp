@@ -101,8 +101,8 @@ bool DescribeParameter(std::uint32_t number, clap_param_info_t& info) {
     if (FindParameter(index)->kind == ParameterKind::page) info.flags |= CLAP_PARAM_IS_HIDDEN;
     if (IsAutomatable(index)) info.flags |= CLAP_PARAM_IS_AUTOMATABLE;
     CopyText(info.name, sizeof info.name, ParameterName(index));
-    info.max_value = PlainScale(index);
-    info.default_value = static_cast<double>(ParameterInitialValue(index)) * PlainScale(index);
+    info.max_value = PlainMaximum(index);
+    info.default_value = static_cast<double>(ParameterInitialValue(index)) * PlainMaximum(index);
     return true;
 }
 

@@ -25,7 +25,7 @@ bool IdleSource::Begin() {
     timer = CLAP_INVALID_ID;
     if (descriptors == nullptr) return false;
     descriptor = timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK | TFD_CLOEXEC);
-    const timespec step = {0, period * 1'000'000};
+    const timespec step = {0, 1'000'000L * period};
     const itimerspec times = {step, step};
     if (descriptor >= 0 && timerfd_settime(descriptor, 0, &times, nullptr) == 0 &&
         descriptors->register_fd(host, descriptor, CLAP_POSIX_FD_READ))

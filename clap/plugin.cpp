@@ -27,10 +27,6 @@ bool IsParameter(clap_id id) {
 
 }  // namespace
 
-double PlainScale(std::int32_t index) {
-    return std::max(1, ParameterSteps(index));
-}
-
 ClapPlugin::ClapPlugin(const clap_plugin_t& calls, const clap_host_t& newHost)
     : record([&] {
           clap_plugin_t made = calls;
@@ -98,14 +94,14 @@ clap_process_status ClapPlugin::Process(const clap_process_t& block) {
 bool ClapPlugin::GetParameter(clap_id id, double& value) {
     if (!IsParameter(id)) return false;
     const auto index = static_cast<std::int32_t>(id);
-    value = session->Scaled(index, session->Parameter(index)) * PlainScale(index);
+    value = session->Scaled(index, session->Parameter(index)) * PlainMaximum(index);
     return true;
 }
 
 bool ClapPlugin::ShowParameter(clap_id id, double value, char* text, std::uint32_t size) {
     if (!IsParameter(id)) return false;
     const auto index = static_cast<std::int32_t>(id);
-    CopyText(text, size, ParameterDisplay(index, session->Unscaled(index, value / PlainScale(index))));
+    CopyText(text, size, ParameterDisplay(index, session->Unscaled(index, value / PlainMaximum(index))));
     return true;
 }
 
@@ -113,7 +109,7 @@ bool ClapPlugin::ReadParameter(clap_id id, const char* text, double& value) {
     const auto index = static_cast<std::int32_t>(id);
     float read = 0;
     if (!IsParameter(id) || text == nullptr || !ReadParameterText(index, text, read)) return false;
-    value = session->Scaled(index, read) * PlainScale(index);
+    value = session->Scaled(index, read) * PlainMaximum(index);
     return true;
 }
 
@@ -132,7 +128,7 @@ void ClapPlugin::TakeParameters(const clap_input_events_t* events) {
         const auto& event = *reinterpret_cast<const clap_event_param_value_t*>(head);
         if (!IsParameter(event.param_id)) continue;
         const auto index = static_cast<std::int32_t>(event.param_id);
-        session->Set(index, session->Unscaled(index, event.value / PlainScale(index)));
+        session->Set(index, session->Unscaled(index, event.value / PlainMaximum(index)));
     }
 }
 
@@ -144,7 +140,7 @@ void ClapPlugin::GiveParameters(const clap_output_events_t* events) {
         auto change = MakeEvent<clap_event_param_value_t>(CLAP_EVENT_PARAM_VALUE);
         begin.param_id = change.param_id = static_cast<clap_id>(index);
         change.note_id = change.port_index = change.channel = change.key = -1;
-        change.value = session->Scaled(index, value) * PlainScale(index);
+        change.value = session->Scaled(index, value) * PlainMaximum(index);
         auto end = begin;
         end.header.type = CLAP_EVENT_PARAM_GESTURE_END;
         for (const clap_event_header_t* event : {&begin.header, &change.header, &end.header})
@@ -152,7 +148,7 @@ void ClapPlugin::GiveParameters(const clap_output_events_t* events) {
     });
 }
 
-void ClapPlugin::ChangedInside() {
+void ClapPlugin::ChangedInside(std::int32_t, float) {
     if (hostParams != nullptr) hostParams->request_flush(&host);
 }
 

@@ -47,7 +47,7 @@ public:
     bool MayTouchWindow() const;  // as far as the host says which thread this is
 
 private:
-    void ChangedInside() override;
+    void ChangedInside(std::int32_t index, float value) override;
     void TakeParameters(const clap_input_events_t* events);
     void GiveParameters(const clap_output_events_t* events);
     template <typename Extension>
@@ -64,6 +64,3 @@ private:
     IdleSource idle;
     std::unique_ptr<SessionInstance> session;  // from Init on
 };
-
-// From 0 to 1, to a plain value.
-double PlainScale(std::int32_t index);

@@ -74,3 +74,10 @@ function(orva_clap_file)
   orva_plugin_file(orva_clap_file clap/entry/entry_points.cpp clap/exports.map orva_clap)
   set_target_properties(orva_clap_file PROPERTIES OUTPUT_NAME orva SUFFIX .clap)
 endfunction()
+
+# The plug-in for VST 3 hosts: a folder as they want it.
+function(orva_vst3_bundle)
+  orva_plugin_file(orva_vst3_file vst3/entry/entry_points.cpp vst3/exports.map orva_vst3)
+  set_target_properties(orva_vst3_file PROPERTIES OUTPUT_NAME orva
+    LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/orva.vst3/Contents/${CMAKE_SYSTEM_PROCESSOR}-linux)
+endfunction()

@@ -1,5 +1,6 @@
 #include "hosting/parameter_scale.h"
 
+#include <algorithm>
 #include <array>
 #include <sstream>
 
@@ -35,6 +36,10 @@ std::array<std::int32_t, parameterCount> CountSteps() {
 std::int32_t ParameterSteps(std::int32_t index) {
     static const std::array<std::int32_t, parameterCount> steps = CountSteps();
     return index >= 0 && index < parameterCount ? steps[static_cast<std::size_t>(index)] : 0;
+}
+
+double PlainMaximum(std::int32_t index) {
+    return std::max(1, ParameterSteps(index));
 }
 
 bool ReadParameterText(std::int32_t index, const std::string& text, float& value) {

@@ -8,6 +8,8 @@
 
 // The equal steps from 0 to its maximum; 0: it is continuous.
 std::int32_t ParameterSteps(std::int32_t index);
+// The most of what hosts call its plain value, which counts steps where there are some.
+double PlainMaximum(std::int32_t index);
 // The value that has this display, or that a user means who typed it. False, with the value as it was, where
 // there is none.
 bool ReadParameterText(std::int32_t index, const std::string& text, float& value);

@@ -60,7 +60,7 @@ float SessionInstance::Parameter(std::int32_t index) {
 
 void SessionInstance::ParameterEdited(std::int32_t index, float value) {
     if (DeviceWorker::Takes(index)) Requested(index) = value;
-    listener.ChangedInside();
+    listener.ChangedInside(index, value);
 }
 
 SessionInstance::State SessionInstance::Save() {

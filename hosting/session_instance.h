@@ -11,7 +11,7 @@
 // never [audio].
 class ISessionListener {
 public:
-    virtual void ChangedInside() = 0;
+    virtual void ChangedInside(std::int32_t index, float value) = 0;
 
 protected:
     ~ISessionListener() = default;

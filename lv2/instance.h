@@ -9,7 +9,7 @@
 
 #include "base/relaxed.h"
 #include "hosting/hosted_instance.h"
-#include "lv2/echo_wait.h"
+#include "hosting/echo_wait.h"
 #include "lv2/midi_port.h"
 #include "lv2/port_table.h"
 

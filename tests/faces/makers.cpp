@@ -5,6 +5,7 @@
 #include "parameters/parameters.h"
 #include "tests/faces/clap_host.h"
 #include "tests/faces/face.h"
+#include "tests/faces/vst3_host.h"
 #include "tests/lv2/lv2_host.h"
 
 namespace {
@@ -70,6 +71,11 @@ std::unique_ptr<Face> MakeLv2(double rate) {
 }
 std::unique_ptr<Face> MakeClap(double rate) {
     auto made = std::make_unique<ClapHost>(rate);
+    EXPECT_TRUE(made->Init());
+    return made;
+}
+std::unique_ptr<Face> MakeVst3(double rate) {
+    auto made = std::make_unique<Steinberg::Vst::Vst3Host>(rate);
     EXPECT_TRUE(made->Init());
     return made;
 }

@@ -3,14 +3,12 @@
 
 #include <atomic>
 #include <filesystem>
-#include <functional>
 #include <thread>
 
 #include "parameters/parameters.h"
 #include "tests/faces/face.h"
 #include "tests/support/host_window.h"
 #include "tests/support/music.h"
-#include "tests/support/trial.h"
 #include "tests/support/watch.h"
 
 namespace {
@@ -131,6 +129,18 @@ TEST_P(Faces, LiveAThousandLivesAndTwoAtATime) {
     EXPECT_EQ(two->events, alone->events);
 }
 
+TEST_P(LaterFaces, GiveAFullHostTheRestInTheNextBlock) {
+    const auto face = Active();
+    const Audio chord = Tones({60, 64, 67}, 0.5);
+    face->space = 0;
+    face->Process(chord.data(), nullptr, static_cast<std::uint32_t>(chord.size()));
+    for (std::size_t all = 0; face->space = 1, all < 4; ++all) {  // the program and three notes
+        EXPECT_EQ(face->events.size(), all);
+        face->Process(nullptr, nullptr, 64);
+    }
+    EXPECT_EQ(face->events.size(), 4U);
+}
+
 TEST_P(LaterFaces, OpenTheirWindowAgainAndAgain) {
     HostWindow desktop;
     const auto face = Active();
@@ -144,8 +154,8 @@ TEST_P(LaterFaces, OpenTheirWindowAgainAndAgain) {
 }
 
 const auto name = [](const auto& row) { return std::string(row.param.name); };
-const Row clap{"CLAP", MakeClap};
-INSTANTIATE_TEST_SUITE_P(Of, Faces, testing::Values(Row{"LV2", MakeLv2}, clap), name);
-INSTANTIATE_TEST_SUITE_P(Of, LaterFaces, testing::Values(clap), name);
+const Row clap{"CLAP", MakeClap}, vst3{"VST3", MakeVst3};
+INSTANTIATE_TEST_SUITE_P(Of, Faces, testing::Values(Row{"LV2", MakeLv2}, clap, vst3), name);
+INSTANTIATE_TEST_SUITE_P(Of, LaterFaces, testing::Values(clap, vst3), name);
 
 }  // namespace

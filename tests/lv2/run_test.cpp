@@ -1,50 +1,13 @@
 // The plug-in's runs, as the bundle's file does them.
 #include <cmath>
-#include <random>
 
-#include "module/plugin_entry.h"
 #include "tests/lv2/lv2_host.h"
-#include "tests/support/host.h"
 #include "tests/support/music.h"
 #include "tests/support/watch.h"
 
 namespace {
 
 const std::string on69("\x90\x45\x64", 3), off69("\x80\x45\x00", 3);
-
-// What a VST host is sent for the same audio is the model for an LV2 host's sequence. The first part is
-// longer than what is processed in one piece; it ends within the second chord, since a piece of silence would
-// end the notes.
-TEST(Lv2Run, GivesTheNotesThatAVstHostGetsDatedInsideTheRun) {
-    const Audio music = Joined({Tones({60, 64, 67}, 0.37), Tones({62, 65, 69}, 0.3), Silence(3000),
-                                Tones({57, 72, 76, 81}, 0.7), Silence(5000)});
-    Lv2Host host(FileDescriptor());
-    ASSERT_NE(host.handle, nullptr);
-    host.Activate();
-    Host model;
-    ASSERT_TRUE(model.Open(OpenPlugin));
-    std::minstd_rand random(1);
-    std::size_t count = 0;
-    for (std::size_t at = 0; at < music.size();) {
-        const std::size_t length =
-            at == 0 ? 20000 : std::min<std::size_t>(1 + random() % 700, music.size() - at);
-        const Audio part(music.data() + at, music.data() + at + length);
-        model.Play(part, length);
-        Lv2Events expected;
-        for (const Host::Event& event : model.TakenEvents())
-            expected.push_back({std::clamp<std::int64_t>(event.at - static_cast<std::int64_t>(at), 0,
-                                                         static_cast<std::int64_t>(length) - 1),
-                                event.data.substr(0, event.data[0] == '\xC0' ? 2 : 3)});
-        std::stable_sort(expected.begin(), expected.end(),
-                         [](const Lv2Event& a, const Lv2Event& b) { return a.frame < b.frame; });
-        EXPECT_EQ(host.Run({}), Lv2Events());  // a block of length 0 would count as silent and end all notes
-        EXPECT_EQ(host.Run(part), expected);
-        EXPECT_EQ(host.out, part);
-        count += expected.size();
-        at += length;
-    }
-    EXPECT_GE(count, 20U);  // ten notes begin and end
-}
 
 TEST(Lv2Run, PortsAndDeactivationReachTheNotes) {
     Lv2Host host(FileDescriptor());
