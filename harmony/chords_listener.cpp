@@ -41,7 +41,7 @@ void TChordsListener::prepareRing() {
     const std::uint64_t rate = Rate();
     const std::uint64_t step =
         std::max<std::uint64_t>(rate / static_cast<std::uint64_t>(updatesPerSecond), 1);
-    const std::uint64_t size = rate * longestDelay / step / 1000 + 1;
+    const auto size = static_cast<std::size_t>(rate * longestDelay / step / 1000 + 1);
     {
         const NameRing::Change change(delayRing);
         samplesPerUpdate = step;
@@ -98,7 +98,7 @@ void TChordsListener::push(const TChordName& name) {
     const std::size_t size = delayRing.size();
     const NameRing::Change change(delayRing);
     delayRing.Set(shownIndex(size), TChordName());
-    delayRing.Set(writeIndex, name);
+    delayRing.Set(static_cast<std::size_t>(writeIndex), name);
     writeIndex = (writeIndex + 1) % size;
 }
 
@@ -111,7 +111,7 @@ void TChordsListener::blankIfStopped() {
 }
 
 std::size_t TChordsListener::shownIndex(std::size_t size) const {
-    return (readOffset + writeIndex) % size;
+    return static_cast<std::size_t>((readOffset + writeIndex) % size);
 }
 
 const TChordName& TChordsListener::currentChord() {
