@@ -44,7 +44,8 @@ std::string readRegistryString(std::string_view subKey) try {
     if (!IsName(subKey) ||
         RegOpenKeyExW(HKEY_CURRENT_USER, PathOf(subKey).c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS)
         return {};
-    wchar_t wide[maxTextLength] = {};  // a text of so many bytes has no more units
+    wchar_t wide[maxTextLength + 1] =
+        {};  // a text of so many bytes has no more units; its end may be stored too
     DWORD bytes = sizeof wide, type = 0;
     const LSTATUS result =
         RegQueryValueExW(key, nullptr, nullptr, &type, reinterpret_cast<BYTE*>(wide), &bytes);
