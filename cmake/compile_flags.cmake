@@ -28,7 +28,7 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
 endif()
 if(WIN32)
   target_compile_definitions(orva_flags INTERFACE UNICODE _UNICODE WIN32_LEAN_AND_MEAN NOMINMAX)
-  target_link_options(orva_flags INTERFACE -fstack-protector-strong)
+  target_link_options(orva_flags INTERFACE -fstack-protector-strong -static) # nothing but the system is needed
   if(CMAKE_SIZEOF_VOID_P EQUAL 4)
     # Arithmetic as with 64 bits, and hosts that align the stack to 4 bytes.
     target_compile_options(orva_flags INTERFACE -msse2 -mfpmath=sse -mstackrealign)

@@ -34,7 +34,7 @@ function(orva_plugin_file target entry exports room)
   if(WIN32)
     string(REPLACE .map .def definitions ${exports})
     target_sources(${target} PRIVATE ${definitions})
-    target_link_options(${target} PRIVATE -static -s -Wl,--no-insert-timestamp)
+    target_link_options(${target} PRIVATE -s -Wl,--no-insert-timestamp)
     return()
   endif()
   target_link_options(${target} PRIVATE
