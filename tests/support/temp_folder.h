@@ -1,10 +1,9 @@
 #pragma once
-#include <sys/stat.h>
-
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <stdexcept>
 #include <string>
 
@@ -21,9 +20,9 @@ inline void WriteAll(const std::filesystem::path& path, const std::string& conte
 class TempFolder {
 public:
     TempFolder() {
-        std::string name = (std::filesystem::temp_directory_path() / "orva-test-XXXXXX").string();
-        if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary folder");
-        path = name;
+        path =
+            std::filesystem::temp_directory_path() / ("orva-test-" + std::to_string(std::random_device()()));
+        if (!std::filesystem::create_directory(path)) throw std::runtime_error("no temporary folder");
     }
     ~TempFolder() {
         std::error_code ignored;
@@ -42,12 +41,14 @@ public:
     // A program that runs the lines of `script`, in the place of one of the desktop's.
     void Program(const std::string& name, const std::string& script) const {
         WriteAll(path / name, "#!/bin/sh\n" + script + "\n");
-        chmod((path / name).c_str(), 0700);
+        std::filesystem::permissions(path / name, std::filesystem::perms::owner_all);
     }
+#ifndef _WIN32  // whose C library has no setenv
     // Programs are found here and nowhere else but in the system's own folders, if at all.
     void BecomePath(bool withSystem) const {
         setenv("PATH", (path.string() + (withSystem ? ":/usr/bin:/bin" : "")).c_str(), 1);
     }
+#endif
 
     std::filesystem::path path;
 };

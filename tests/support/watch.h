@@ -5,7 +5,8 @@
 // Watches what a thread asks of the system and the allocator. The functions in question are defined by the
 // program that links this, so that all of its libraries bind to them; under a sanitizer, which has such
 // functions of its own, and on other processors nothing is watched, and counts are 0.
-#if defined(__x86_64__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+#if defined(__linux__) && defined(__x86_64__) && !defined(__SANITIZE_ADDRESS__) && \
+    !defined(__SANITIZE_THREAD__)
 #define ORVA_WATCHES 1
 #else
 #define ORVA_WATCHES 0

@@ -1,0 +1,1 @@
+target_link_libraries(test_windows PRIVATE orva_desktop orva_notes)
