@@ -24,7 +24,6 @@ private:
 
     void RefreshLabel(std::int32_t index);
     void RefreshRecordingButtons();
-    void StopRecording();
     void SaveRecording();
 
     VSTGUI::CVerticalSlider* sliders[sliderCount];

@@ -31,7 +31,6 @@ public:
     void ShowHearing(const Hearing& hearing);               // nothing where it is what a plug-in begins with
 
     void showPage(std::int32_t page);
-    std::int32_t ActivePage() const { return activePage; }
 
     void valueChanged(VSTGUI::CControl* control) override;
     using CViewContainer::onKeyboardEvent;

@@ -1,20 +1,12 @@
 // The last step of a frame: peaks and levels against the thresholds, and a hysteresis of three frames that
 // turns them into notes.
 #include <atomic>
-#include <cstring>
 
 #include "engine/real_time_detector.h"
 
 namespace {
 
 constexpr std::int32_t eight = 8;  // flags that are looked at together; arrays are padded to a multiple
-
-// Whether any of eight flags is set. Most bands of most frames have none, and are passed over so.
-bool AnyOfEight(const bool* flags) {
-    std::uint64_t bytes;
-    std::memcpy(&bytes, flags, sizeof bytes);
-    return bytes != 0;
-}
 
 }  // namespace
 
@@ -45,27 +37,19 @@ float TRealTimeTS107::StrongestAmplitude() {
 }
 
 void TRealTimeTS107::WeighByEqualizer() {
-    for (std::int32_t first = 0; first < numBands; first += eight) {
-        if (!AnyOfEight(&peakNow[first]) && !AnyOfEight(&noteOn[first])) continue;
-        for (std::int32_t j = first; j < first + eight; ++j)
-            if (peakNow[j] || noteOn[j]) separated[j] = separated[j] * eqGainSq[j];
-    }
+    for (std::int32_t j = 0; j < numBands; ++j)
+        if (peakNow[j] || noteOn[j]) separated[j] = separated[j] * eqGainSq[j];
 }
 
 // A peak that failed the threshold moves on as no peak, and so counts against the note for two more frames.
 // Band 0 and the top band have no flag, ever.
 void TRealTimeTS107::ApplyHysteresis() {
-    for (std::int32_t first = 0; first < numBands; first += eight) {
-        if (!AnyOfEight(&peakNow[first]) && !AnyOfEight(&peakOld[first]) && !AnyOfEight(&peakOlder[first]) &&
-            !AnyOfEight(&noteOn[first]))
-            continue;
-        for (std::int32_t j = first; j < first + eight; ++j) {
-            if (peakNow[j] && separated[j] < threshold) peakNow[j] = false;
-            if (!noteOn[j] && peakOlder[j] && peakOld[j] && peakNow[j])
-                SetNote(j, true);
-            else if (noteOn[j] && !peakOlder[j] && !peakOld[j] && !peakNow[j])
-                SetNote(j, false);
-        }
+    for (std::int32_t j = 0; j < numBands; ++j) {
+        if (peakNow[j] && separated[j] < threshold) peakNow[j] = false;
+        if (!noteOn[j] && peakOlder[j] && peakOld[j] && peakNow[j])
+            SetNote(j, true);
+        else if (noteOn[j] && !peakOlder[j] && !peakOld[j] && !peakNow[j])
+            SetNote(j, false);
     }
 }
 

@@ -67,7 +67,6 @@ public:
     virtual std::int32_t setChunk(void* data, std::int32_t bytes, bool isPreset);
 
     float getSampleRate() const { return sampleRate; }
-    std::int32_t getBlockSize() const { return blockSize; }
     std::int32_t getMasterVersion();  // of the interface that the host speaks; 1 for the oldest
 
 protected:
