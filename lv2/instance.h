@@ -8,8 +8,8 @@
 #include <lv2/worker/worker.h>
 
 #include "base/relaxed.h"
-#include "hosting/hosted_instance.h"
 #include "hosting/echo_wait.h"
+#include "hosting/hosted_instance.h"
 #include "lv2/midi_port.h"
 #include "lv2/port_table.h"
 

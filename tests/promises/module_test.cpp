@@ -72,7 +72,11 @@ void Live(const HostWindow* window) {
         ASSERT_TRUE(host.Play(Tones({57, 64}, 0.1)));
         if (window != nullptr) {
             ASSERT_NE(host.Call(effEditOpen, 0, 0, window->Handle()), 0);
-            host.Call(effEditIdle);
+            EXPECT_TRUE(AwaitThat([&] {  // texts make fonts, which stay
+                host.Call(effEditIdle);
+                const std::vector<std::uint8_t> bytes = window->Pixels(0, 0, 400, 320);
+                return std::set<std::uint8_t>(bytes.begin(), bytes.end()).size() > 32;
+            }));
             host.Call(effEditClose);
         }
     }
