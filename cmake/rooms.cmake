@@ -78,6 +78,11 @@ endfunction()
 # The plug-in for VST 3 hosts: a folder as they want it.
 function(orva_vst3_bundle)
   orva_plugin_file(orva_vst3_file vst3/entry/entry_points.cpp vst3/exports.map orva_vst3)
+  set(folder ${CMAKE_SYSTEM_PROCESSOR}-linux)
+  if(WIN32)
+    set(folder ${CMAKE_SYSTEM_PROCESSOR}-win)
+    set_target_properties(orva_vst3_file PROPERTIES SUFFIX .vst3)
+  endif()
   set_target_properties(orva_vst3_file PROPERTIES OUTPUT_NAME orva
-    LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/orva.vst3/Contents/${CMAKE_SYSTEM_PROCESSOR}-linux)
+    LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/orva.vst3/Contents/${folder})
 endfunction()

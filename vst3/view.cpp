@@ -1,37 +1,30 @@
 #include "vst3/view.h"
 
 #include <cstring>
+#include <utility>
 
 using namespace Steinberg;  // NOLINT(google-build-using-namespace)
 
-namespace {
-
-constexpr Linux::TimerInterval period = 20;  // ms; the mouse is followed at this pace
-
-}  // namespace
-
 tresult Vst3View::isPlatformTypeSupported(FIDString type) {
-    return type != nullptr && std::strcmp(type, kPlatformTypeX11EmbedWindowID) == 0 ? kResultTrue
-                                                                                    : kResultFalse;
+    return type != nullptr && std::strcmp(type, WindowClock::PlatformType()) == 0 ? kResultTrue
+                                                                                  : kResultFalse;
 }
 
 tresult Vst3View::attached(void* parent, FIDString type) {
     SessionInstance* const session = plugin->Session();
     if (session == nullptr || session->WindowIsOpen() || isPlatformTypeSupported(type) != kResultTrue)
         return kResultFalse;
-    FUnknownPtr<Linux::IRunLoop> offered(frame);
-    if (offered == nullptr) return kResultFalse;
-    if (!session->OpenWindow(static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(parent))))
+    auto started = WindowClock::Start(frame, [this] { Idle(); });
+    if (!started ||
+        !session->OpenWindow(static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(parent))))
         return kResultFalse;
-    runLoop = offered;
-    runLoop->registerTimer(this, period);
+    clock = std::move(started);
     return kResultOk;
 }
 
 tresult Vst3View::removed() {
-    if (runLoop == nullptr) return kResultFalse;
-    runLoop->unregisterTimer(this);
-    runLoop = nullptr;
+    if (!clock) return kResultFalse;
+    clock.reset();
     if (plugin->Session() != nullptr) plugin->Session()->CloseWindow();
     return kResultOk;
 }
@@ -48,8 +41,8 @@ tresult Vst3View::setFrame(IPlugFrame* newFrame) {
     return kResultOk;
 }
 
-void Vst3View::onTimer() {
-    if (runLoop == nullptr || plugin->Session() == nullptr) return;
+void Vst3View::Idle() {
+    if (!clock || plugin->Session() == nullptr) return;
     plugin->Session()->IdleWindow();
     plugin->ReportEdits();
 }

@@ -2,13 +2,13 @@
 #include "pluginterfaces/base/funknownimpl.h"
 #include "pluginterfaces/gui/iplugview.h"
 #include "vst3/plugin.h"
+#include "vst3/window_clock.h"
 
-// The window of an instance, inside one of the host's: it is the editor of the plug-in object. Its idle comes
-// from a timer in the host's run loop. It has one size.
+// The window of an instance, inside one of the host's: it is the editor of the plug-in object. It has one
+// size.
 //
 // Threads: [ui].
-class Vst3View final : public Steinberg::U::Implements<
-                           Steinberg::U::Directly<Steinberg::IPlugView, Steinberg::Linux::ITimerHandler>> {
+class Vst3View final : public Steinberg::U::Implements<Steinberg::U::Directly<Steinberg::IPlugView>> {
 public:
     using tresult = Steinberg::tresult;
 
@@ -31,10 +31,11 @@ public:
     tresult PLUGIN_API setFrame(Steinberg::IPlugFrame* newFrame) override;
     tresult PLUGIN_API canResize() override { return Steinberg::kResultFalse; }
     tresult PLUGIN_API checkSizeConstraint(Steinberg::ViewRect* size) override { return getSize(size); }
-    void PLUGIN_API onTimer() override;
 
 private:
+    void Idle();
+
     const Steinberg::IPtr<Vst3Plugin> plugin;
-    Steinberg::IPlugFrame* frame = nullptr;               // the host's, between two calls of setFrame
-    Steinberg::IPtr<Steinberg::Linux::IRunLoop> runLoop;  // while attached
+    Steinberg::IPlugFrame* frame = nullptr;  // the host's, between two calls of setFrame
+    std::unique_ptr<WindowClock> clock;      // while attached
 };
