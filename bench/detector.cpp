@@ -1,5 +1,5 @@
 // rooms: engine
-// The detector alone, on one core, as a multiple of real time.
+// The detector alone, on one core, as a multiple of real time, and its plain restatement beside it.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -9,6 +9,7 @@
 #endif
 
 #include "engine/real_time_detector.h"
+#include "tests/engine/plain_detector.h"
 #include "tests/engine/signals.h"
 
 namespace {
@@ -16,9 +17,11 @@ namespace {
 constexpr std::size_t blockSamples = 512;
 
 // One second of sound per iteration, in blocks of a usual host.
+template <typename Detector>
 void Run(benchmark::State& state, const Pcm& audio, int rate, const DetectorKernels* kernels = nullptr) {
-    TRealTimeTS107 detector(rate, 45, 84);
-    if (kernels != nullptr) detector.kernels = *kernels;
+    Detector detector(rate, 45, 84);
+    if constexpr (requires { detector.kernels; })
+        if (kernels != nullptr) detector.kernels = *kernels;
     detector.SetTuningEnabled(false);  // as the plug-in has it
     detector.SetEqualizerEnabled(true);
     detector.SetFloorDb(-35);
@@ -34,14 +37,16 @@ void Run(benchmark::State& state, const Pcm& audio, int rate, const DetectorKern
         benchmark::Counter(seconds, benchmark::Counter::kIsIterationInvariantRate);
 }
 
+template <typename Detector>
 void OnMusic(benchmark::State& state) {
     const int rate = static_cast<int>(state.range(0));
-    Run(state, Music(rate, 1), rate);
+    Run<Detector>(state, Music(rate, 1), rate);
 }
 
+template <typename Detector>
 void OnNoise(benchmark::State& state) {
     const int rate = static_cast<int>(state.range(0));
-    Run(state, Shorts(Noise(rate, 1)), rate);
+    Run<Detector>(state, Shorts(Noise(rate, 1)), rate);
 }
 
 // The inner loops of each instruction set that this machine has.
@@ -50,7 +55,7 @@ void OnNoise(benchmark::State& state) {
         for (const int rate : {44100, 48000, 96000})
             benchmark::RegisterBenchmark(
                 ("set/" + std::string(kernels.name) + "/" + std::to_string(rate)).c_str(),
-                [=](benchmark::State& state) { Run(state, Music(rate, 1), rate, &kernels); });
+                [=](benchmark::State& state) { Run<TRealTimeTS107>(state, Music(rate, 1), rate, &kernels); });
     return true;
 }();
 
@@ -76,5 +81,7 @@ BENCHMARK(Peak)->Name("peak/AVX2");
 
 }  // namespace
 
-BENCHMARK(OnMusic)->Name("detector/music")->Arg(44100)->Arg(48000)->Arg(96000);
-BENCHMARK(OnNoise)->Name("detector/noise")->Arg(44100)->Arg(48000)->Arg(96000);
+BENCHMARK(OnMusic<TRealTimeTS107>)->Name("detector/music")->Arg(44100)->Arg(48000)->Arg(96000);
+BENCHMARK(OnNoise<TRealTimeTS107>)->Name("detector/noise")->Arg(44100)->Arg(48000)->Arg(96000);
+BENCHMARK(OnMusic<PlainDetector>)->Name("plain/music")->Arg(44100)->Arg(48000)->Arg(96000);
+BENCHMARK(OnNoise<PlainDetector>)->Name("plain/noise")->Arg(44100)->Arg(48000)->Arg(96000);

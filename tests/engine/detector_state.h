@@ -1,13 +1,15 @@
 #pragma once
+#include <algorithm>
 #include <cstring>
 #include <sstream>
 #include <string>
 #include <vector>
 
 #include "engine/real_time_detector.h"
+#include "tests/engine/plain_detector.h"
 
 // Everything that a detector holds, as bits, so that two detectors can be compared and the first difference
-// be named, and so that many states can be kept as one number.
+// be named. Works for both detectors, which share their fields' names.
 struct StateWord {
     const char* name;
     std::int32_t index;
@@ -15,8 +17,19 @@ struct StateWord {
 };
 using DetectorState = std::vector<StateWord>;
 
+// The running block's accumulators, the real ones before the others; the detector keeps samples and folds
+// them later.
+inline void FoldedSoFar(const TRealTimeTS107& d, std::int32_t* re, std::int32_t* im) {
+    d.FoldedSoFar(re, im);
+}
+inline void FoldedSoFar(const PlainDetector& d, std::int32_t* re, std::int32_t* im) {
+    std::copy_n(d.accRe.values.data(), d.numBands, re);
+    std::copy_n(d.accIm.values.data(), d.numBands, im);
+}
+
 // The tables of the resonators are not among it: whatever they hold shows in the states at the next block.
-inline DetectorState StateOf(const TRealTimeTS107& d) {
+template <typename Detector>
+DetectorState StateOf(const Detector& d) {
     DetectorState state;
     const auto add = [&](const char* name, std::int32_t index, const auto& value) {
         const auto number = +value;  // out of its wrapper, if it has one; a flag becomes 0 or 1
@@ -25,7 +38,7 @@ inline DetectorState StateOf(const TRealTimeTS107& d) {
         state.push_back({name, index, bits});
     };
     std::vector<std::int32_t> folded(static_cast<std::size_t>(2 * d.numBands));
-    d.FoldedSoFar(folded.data(), folded.data() + d.numBands);
+    FoldedSoFar(d, folded.data(), folded.data() + d.numBands);
     for (const std::int32_t sum : folded) add("accRe and accIm", 0, sum);
 #define FIELD(name) add(#name, 0, d.name)
 #define BANDS(name) add(#name, i, d.name[i])
@@ -42,25 +55,16 @@ inline DetectorState StateOf(const TRealTimeTS107& d) {
     return state;
 }
 
-// States one after the other as one number.
-struct StateDigest {
-    void Add(const DetectorState& state) {
-        for (const StateWord& word : state) {
-            value = (value ^ word.bits) * 1099511628211U;  // FNV-1a, a word at a time
-            value ^= value >> 32;
-        }
-    }
-    std::uint64_t value = 14695981039346656037U;
-};
-
-// Empty if the states are the same bit for bit, or else the first field and element that differ.
-inline std::string Difference(const DetectorState& one, const DetectorState& other) {
-    if (one.size() != other.size()) return "unlike numbers of bands";
-    for (std::size_t word = 0; word < one.size(); ++word) {
-        const auto& [name, index, bits] = one[word];
-        if (bits == other[word].bits) continue;
+// Empty if the detectors are the same bit for bit, or else the first field and element that differ.
+template <typename One, typename Other>
+std::string Difference(const One& one, const Other& other) {
+    const DetectorState state = StateOf(one), otherState = StateOf(other);
+    if (state.size() != otherState.size()) return "unlike numbers of bands";
+    for (std::size_t word = 0; word < state.size(); ++word) {
+        const auto& [name, index, bits] = state[word];
+        if (bits == otherState[word].bits) continue;
         std::ostringstream text;
-        text << name << '[' << index << "]: " << std::hex << bits << " and " << other[word].bits;
+        text << name << '[' << index << "]: " << std::hex << bits << " and " << otherState[word].bits;
         return text.str();
     }
     return {};

@@ -1,0 +1,158 @@
+// The detector against its plain restatement: the whole state, bit for bit.
+#include <gtest/gtest.h>
+
+#include <random>
+#include <string>
+
+#include "engine/real_time_detector.h"
+#include "tests/engine/detector_state.h"
+#include "tests/engine/signals.h"
+
+namespace {
+
+struct Settings {
+    const char* name;
+    std::int32_t bands;
+    bool tuning, mono, equalizer;
+};
+
+template <typename Detector>
+void Apply(const Settings& settings, Detector& detector) {
+    detector.SetTuningEnabled(settings.tuning);
+    detector.SetMonoEnabled(settings.mono);
+    detector.SetEqualizerEnabled(settings.equalizer);
+    detector.SetFloorDb(-35);
+    detector.SetRelativeThreshold(0.13F);
+    std::minstd_rand random(7);
+    for (int band = 0; band < detector.numBands; ++band)
+        detector.SetBandGain(band, static_cast<float>(random() % 9) / 4);  // 0 to 2, 0 among them
+}
+
+// One frame on whatever stands in `energy`: a sample of silence within a block is folded in and steps
+// nothing.
+template <typename Detector>
+void RunFrame(Detector& detector) {
+    detector.blockCountdown = detector.blockLength;
+    detector.frameCountdown = 1;
+    Play(detector, {0});
+}
+
+// Every rate with the inner loops of every instruction set that this machine has.
+class SameAsPlain : public testing::TestWithParam<std::tuple<int, DetectorKernels>> {};
+
+}  // namespace
+
+// Blocks of any length, compared after each. 64 bands fill whole vectors, so that nothing lies behind them.
+TEST_P(SameAsPlain, WholeStateIsTheSameAtEachCutOfTheAudio) {
+    static constexpr Settings all[] = {{"as in the plug-in", 84, false, false, true},
+                                       {"tuning", 84, true, false, false},
+                                       {"mono", 84, false, true, false},
+                                       {"49 bands, all on", 49, true, true, true},
+                                       {"64 bands, all off", 64, false, false, false}};
+    const auto& [rate, kernels] = GetParam();
+    const Pcm audio = Everything(rate);
+    for (const Settings& settings : all) {
+        SCOPED_TRACE(settings.name);
+        TRealTimeTS107 detector(rate, settings.bands - 39, settings.bands);
+        detector.kernels = kernels;
+        PlainDetector plain(rate, settings.bands - 39, settings.bands);
+        Apply(settings, detector);
+        Apply(settings, plain);
+        ASSERT_EQ(Difference(detector, plain), "");
+
+        std::minstd_rand random(1);
+        int notesSeen = 0;
+        for (std::size_t at = 0; at < audio.size();) {
+            const std::size_t wanted = 1 + random() % Samples(rate, random() % 8 == 0 ? 0.001 : 0.03);
+            const std::size_t length = std::min(wanted, audio.size() - at);
+            const unsigned oddByte = random() % 2;  // which is ignored
+            detector.Process(&audio[at], Bytes(length) + oddByte);
+            plain.Process(&audio[at], Bytes(length) + oddByte);
+            at += length;
+            ASSERT_EQ(Difference(detector, plain), "") << "after sample " << at;
+            for (int band = 0; band < detector.numBands; ++band) notesSeen += detector.noteOn[band] ? 1 : 0;
+        }
+        EXPECT_GT(notesSeen, 20);
+        EXPECT_EQ(detector.tune != 0, settings.tuning);
+        EXPECT_EQ(detector.energy[detector.numBands - 1], 0);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Rates, SameAsPlain,
+                         testing::Combine(testing::Values(8000, 11025, 16000, 22050, 32000, 44100, 48000,
+                                                          88200, 96000, 176400, 192000),
+                                          testing::ValuesIn(AllKernels())),
+                         [](const auto& given) {
+                             return std::to_string(std::get<0>(given.param)) + "_" +
+                                    std::get<1>(given.param).name;
+                         });
+
+// Spectra that no sound makes: ties, zeros, partials stronger than their note, and templates of
+// any shape.
+TEST(SameAsPlainByFrame, AnySpectrumAndTemplateGiveTheSameDecision) {
+    static constexpr std::int32_t templates[][4] = {
+        {1000, 750, 500, 250}, {0, 750, 500, 250}, {1000, -5, 1200, 300}, {4, 0, 0, 0}, {10, 9, 14, 20}};
+    static constexpr float tunes[] = {0, 0.74F, -0.74F, 0};
+    static constexpr float steps[] = {0, 0.01F, 0.5F, 0.9F, 1, 1, 1, 1, 1.1F, 2, 30};
+    std::minstd_rand random(3);
+    for (int run = 0; run < 200; ++run) {
+        // Half the time the number for which there are loops of its own. 49 at least are given.
+        const std::int32_t wanted = run % 2 == 0 ? 84 : 39 + static_cast<std::int32_t>(random() % 90);
+        TRealTimeTS107 detector(44100, 45, wanted);
+        PlainDetector plain(44100, 45, wanted);
+        const std::int32_t bands = plain.numBands;
+        const auto& partials = templates[random() % 5];
+        const auto set = [&, switches = random()](auto& d) {
+            Apply({"", bands, (switches & 1) != 0, (switches & 2) != 0, (switches & 4) != 0}, d);
+            d.SetHarmonics(partials[0], partials[1], partials[2], partials[3]);
+            d.retriggerEnabled = (switches & 0x40) != 0;
+            d.peakSlack = (switches & 0x80) != 0 ? 0.5F : 1.0F;
+            const float tune = tunes[switches >> 8 & 3];
+            d.SetBandwidthAndTune(0.02F, tune);
+            d.tuneLeft *= tune < 0 ? 9.0F : 1.0F;  // past the end of the grid in a few frames
+            d.tuneRight *= tune > 0 ? 9.0F : 1.0F;
+            d.SetFloorDb((switches & 0x400) != 0 ? -20.0F : -1000.0F);
+        };
+        set(detector), set(plain);
+        for (std::int32_t band = 0; band < bands; ++band)
+            plain.energy[band] = static_cast<float>(random() % 100) / 64;
+        for (int frame = 0; frame < 30; ++frame) {
+            for (std::int32_t band = 0; band < bands; ++band) {
+                float& power = plain.energy[band];
+                power = std::min(power * steps[random() % 11], 4.0F);
+                if (random() % 40 == 0) power = static_cast<float>(random() % 5);
+                detector.energy[band] = power;
+            }
+            RunFrame(detector), RunFrame(plain);
+            ASSERT_EQ(Difference(detector, plain), "") << "run " << run << ", frame " << frame;
+            detector.harmonicsEnabled = plain.harmonicsEnabled = run % 8 != 0;  // from the second frame
+        }
+    }
+}
+
+// Setters in the middle of the sound, of the block and of the frame.
+TEST(SameAsPlainOnTheWay, SettingsTakeHoldWithoutDisturbingTheAnalysis) {
+    TRealTimeTS107 detector(44100, 45, 84);
+    PlainDetector plain(44100, 45, 84);
+    const Pcm audio = Music(44100, 0.103, -40);
+    std::minstd_rand random(5);
+    for (int step = 0; step < 200; ++step) {
+        constexpr std::int32_t rates[] = {48000, 22050, 99, 30};  // below 100 Hz no frame ever comes
+        const std::int32_t rate = rates[random() % 4];
+        const auto change = [=, choice = random() % 9, on = random() % 2 == 0](auto& d) {
+            switch (choice) {
+                case 0: d.SetBandwidthAndTune(0.03F, 0.3F); break;
+                case 1: d.SetMonoEnabled(on); break;
+                case 2: d.SetHarmonics(on ? 1000 : 0, 750, 500, 250); break;
+                case 3: d.Reset(); break;
+                case 4: d.SetSampleRate(rate); break;
+                case 5: d.SetBandGain(45, on ? 0.5F : 1.0F); break;
+                case 6: d.SetEqualizerEnabled(on); break;
+                default: d.SetTuningEnabled(on);
+            }
+        };
+        change(detector), change(plain);
+        Play(detector, audio), Play(plain, audio);
+        ASSERT_EQ(Difference(detector, plain), "") << "step " << step;
+    }
+}
