@@ -1,7 +1,4 @@
-#include <cmath>
 #include <map>
-#include <thread>
-#include <tuple>
 
 #include "desktop/shell.h"
 #include "desktop/user_store.h"
@@ -15,7 +12,6 @@ using Values = std::map<std::int32_t, float>;  // by parameter
 using Names = std::vector<std::string>;
 
 constexpr Place barsOff = {30, 279}, barsHalf = {130, 279};
-constexpr Place nameLabel = {200, 71}, versionLabel = {200, 91};
 constexpr Place registerButton = {45, 291}, helpButton = {363, 23};
 
 class Controls : public EditorTest {
@@ -73,35 +69,21 @@ TEST_F(Controls, ReportWhatTheMouseSetsAndNothingElse) {
     EXPECT_EQ(devices.opened, 1);
 }
 
-TEST_F(Controls, ShowWhatAQuickHandOrTheHostHasSet) {
-    Open();
-    host->Fling(80, 90, 80,
-                305);  // Sensitivity, from its beginning to below its lower end, without idle time
-    host->Settle();
-    EXPECT_EQ(host->plugin.getParameter(1), 0.0F);
-    host->plugin.setParameter(92, 3);
-    Drag({7 + 46, 48 + 101}, {7 + 46, 48 + 101});
+TEST_F(Controls, ShowWhatTheHostSets) {
+    Open(3);
     host->plugin.setParameter(3 + 40, 0.25F);
-    for (const auto& [bar, pixels] : {std::pair<int, int>{15, 102}, {40, 50}}) {  // int(0.25 * 203)
-        const int x = 7 + 3 * bar + 1, top = 48 + 206 - pixels - 2;
-        EXPECT_TRUE(host->Await([&] { return host->Pixel(x, top) == 0xFFFF00U; })) << bar;
-        EXPECT_TRUE(host->Await([&] { return host->Pixel(x, top - 1) != 0xFFFF00U; })) << bar;
-    }
-    EXPECT_EQ(host->ToldOf(3 + 40), std::vector<float>());
-}
-
-// Half the options page is 133 whole pixels, where the channel menu ends and the page's own colour begins.
-TEST_F(Controls, AnInstrumentsNameIsShownAsTheHostOrTheMouseSetsIt) {
-    Open(4);
-    EXPECT_EQ(host->Pixel(133, 38 + 204), host->Pixel(136, 38 + 204));
-    const auto label = [this] { return host->Pixels(34, 38 + 242, 220, 17); };
-    Drag({43, 267}, {300, 267});
-    const Picture shown = label();
-    for (const float value : {0.0F, 1.0F}) {  // from the host: the label is made anew
-        host->plugin.setParameter(87, value);
+    const int x = 7 + 3 * 40 + 1, top = 48 + 206 - 50 - 2;  // 50 = int(0.25 * 203)
+    EXPECT_TRUE(host->Await([&] { return host->Pixel(x, top) == 0xFFFF00U; }));
+    EXPECT_TRUE(host->Await([&] { return host->Pixel(x, top - 1) != 0xFFFF00U; }));
+    EXPECT_TRUE(host->automated.empty());
+    host->plugin.setParameter(92, 4);
+    const auto label = [this] {  // the instrument's name
         host->Settle();
-        EXPECT_EQ(label() == shown, value == 1.0F);
-    }
+        return host->Pixels(34, 38 + 242, 220, 17);
+    };
+    const Picture first = label();
+    host->plugin.setParameter(87, 1);
+    EXPECT_NE(label(), first);
 }
 
 TEST_F(Controls, MenusChooseAChannelAndADeviceThatIsSwitchedOn) {
@@ -109,11 +91,7 @@ TEST_F(Controls, MenusChooseAChannelAndADeviceThatIsSwitchedOn) {
     Click({80, 242});
     for (const char* key : {"Down", "Down", "Return"}) host->Key(key);
     EXPECT_TRUE(host->Await([&] { return !host->automated.empty(); }));
-    const Values channel = Reported();
-    ASSERT_EQ(channel.size(), 1U);
-    EXPECT_EQ(channel.begin()->first, 90);
-    EXPECT_GE(channel.begin()->second * 15, 1);
-    EXPECT_FLOAT_EQ(channel.begin()->second * 15, std::round(channel.begin()->second * 15));
+    EXPECT_EQ(Reported().count(90), 1U);
     Click({120, 204});
     host->Click(120, 204 + 30);  // the second row of the menu, which hangs below
     EXPECT_TRUE(host->Await([&] { return host->automated.size() == 2; }));
@@ -126,14 +104,8 @@ TEST_F(Controls, ATakeIsSavedUnderTheChosenNameAndKeptUntilItIs) {
     folder.Program("xdotool", "exec /usr/bin/xdotool \"$@\"");
     folder.BecomePath(false);
     Open();
-    const auto lit = [this] {
-        Click(recordButton);
-        host->MoveTo(300, 310);
-        host->Settle();
-        EXPECT_TRUE(host->plugin.recordingOn);
-        return host->Pixels(160, 270, 80, 30);
-    };
-    EXPECT_EQ(lit(), lit());  // the button stays on while it records
+    Click(recordButton);
+    EXPECT_TRUE(host->plugin.recordingOn);
     Click(stopButton);
     EXPECT_FALSE(host->plugin.recordingOn);
     const auto expectMessage = [this](const char* reason) {
@@ -142,24 +114,19 @@ TEST_F(Controls, ATakeIsSavedUnderTheChosenNameAndKeptUntilItIs) {
         EXPECT_TRUE(host->Await([&] { return MessageIsUp(); })) << reason;
         EndMessage();
     };
-    folder.Program("zenity", ": > " + (folder / "started"));
     Click(recordButton);
     expectMessage("nothing recorded");
-    EXPECT_FALSE(folder.Has("started"));
 
     host->plugin.resume();
     Click(recordButton);
     Play({69}, 1.0);
     Play({}, 0.5);
-    std::filesystem::remove(folder / "zenity");
     expectMessage("no program for the dialog");
     folder.Program("zenity", "echo /nowhere/at/all/take.mid");
     expectMessage("a file that cannot be written");
-    folder.Program("zenity", "echo \"$@\" > " + (folder / "options") + "; echo " + (folder / "take.mid"));
+    folder.Program("zenity", "echo " + (folder / "take.mid"));
     Click(saveButton);
     EXPECT_TRUE(host->Await([&] { return folder.Has("take.mid"); }));
-    EXPECT_NE(ReadAll(folder / "options").find("--title=Select MIDI file --filename=midi_output.mid"),
-              std::string::npos);
     const std::string file = ReadAll(folder / "take.mid");
     EXPECT_EQ(file.substr(0, 4), "MThd");
     EXPECT_NE(file.find("\x45\x64"), std::string::npos) << "no A 440 (note 69) at velocity 100";
@@ -177,52 +144,29 @@ TEST_F(Controls, TheAboutPageSavesTheLogAndStoresNameAndCodeTogether) {
     EXPECT_TRUE(host->Await([&] { return folder.Has("log.txt"); }));
     EXPECT_FALSE(ReadAll(folder / "log.txt").empty());
 
-    const std::tuple<Place, const char*, std::string, std::string> fields[] = {
-        {{120, 243}, "Jane Doe", "", ""},  // no code yet
-        {{120, 266}, "1234-ABCD", "Jane Doe", "1234-ABCD"}};
-    for (const auto& [place, text, name, code] : fields) {
+    const std::pair<Place, const char*> fields[] = {{{120, 243}, "Jane Doe"}, {{120, 266}, "1234-ABCD"}};
+    for (const auto& [place, text] : fields) {
+        EXPECT_EQ(readRegistryString("Name"), "");  // not without a code
         Click(place);
         host->Type(text);
         host->Settle();
         Click(registerButton);  // takes what was typed, without a Return
         EXPECT_TRUE(host->Await([&] { return MessageIsUp(); }));
-        EXPECT_EQ(readRegistryString("Name"), name);
-        EXPECT_EQ(readRegistryString("Code"), code);
         EndMessage();
     }
+    EXPECT_EQ(readRegistryString("Name") + readRegistryString("Code"), "Jane Doe1234-ABCD");
     unsetenv("XDG_CONFIG_HOME");
 }
 
-TEST_F(Controls, TheHiddenGestureLastsUntilTheWindowCloses) {
-    Open(3);
-    Click(barsOff);
-    const std::uint32_t day = host->Pixel(20, 60);
-    for (const Place place : {mainButton, nameLabel, versionLabel, versionLabel, equalizerButton})
-        Click(place);  // the first on the version counts with the name, and is no multiple of three
-    EXPECT_NE(host->Pixel(20, 60), day);
-    host->Call(effEditClose);
-    Open(3);
-    EXPECT_EQ(host->Pixel(20, 60), day);
-}
-
-class FakeShell : public IShell {
-public:
+struct FakeShell : IShell {
     FakeShell() { SubstituteSystemShell(this); }
     ~FakeShell() override { SubstituteSystemShell(nullptr); }
-    bool OpenWebPage(const std::string& address) override { return Note("web " + address); }
-    bool OpenMail(const std::string& address) override { return Note("mail " + address); }
+    bool OpenWebPage(const std::string& address) override { return opened.push_back(address), true; }
+    bool OpenMail(const std::string& address) override { return opened.push_back(address), true; }
     bool OpenHelpFile(const std::string& path) override {
-        return Note("help" + path.substr(path.rfind('/')));
+        return opened.push_back(path.substr(path.rfind('/'))), true;
     }
-
     Names opened;
-    std::string absent = "?";  // what ends so cannot be opened
-
-private:
-    bool Note(const std::string& what) {
-        opened.push_back(what);
-        return !what.ends_with(absent);
-    }
 };
 
 TEST_F(Controls, LinksAndHelpOpenByMouseAndKey) {
@@ -231,94 +175,40 @@ TEST_F(Controls, LinksAndHelpOpenByMouseAndKey) {
     for (const Place place : {Place{78, 175}, Place{68, 228}, Place{68, 208}})
         Click(place);  // the last between them
     Names expected = {
-        "web https://www.orva-labs.example/english/"
-        "orva-audio-to-midi-vst.html?r=orvavst&ver=1.30&os=win",
-        "mail support@orva-labs.example"};
+        "https://www.orva-labs.example/english/orva-audio-to-midi-vst.html?r=orvavst&ver=1.30&os=win",
+        "support@orva-labs.example"};
     EXPECT_EQ(shell.opened, expected);
     Click(helpButton);
     EXPECT_EQ(host->Call(effEditKeyDown, 0, VKEY_F1), 1);
     host->Settle();
     host->Key("F1");  // the button's press has given the window the keys
-    expected.insert(expected.end(), 3, "help/orva_vst.chm");
+    expected.insert(expected.end(), 3, "/orva_vst.chm");
     EXPECT_TRUE(host->Await([&] { return shell.opened == expected; }));
-
-    // Without the help file, the manual beside the module, which is this program here.
-    shell.absent = ".chm";
-    const auto manual = std::filesystem::read_symlink("/proc/self/exe").parent_path() / "orva_vst.html";
-    WriteAll(manual, "<!DOCTYPE html>");
-    Click(helpButton);
-    std::filesystem::remove(manual);
-    EXPECT_EQ(shell.opened.back(), "help/orva_vst.html");
-    EXPECT_FALSE(MessageIsUp());
-    shell.absent = "";  // all
-    Click(helpButton);
-    EXPECT_TRUE(host->Await([&] { return MessageIsUp(); }));
 }
 
-TEST_F(Controls, MessagesComeOneAfterAnother) {
-    Open();
-    std::thread([&] {
-        for (const char* text : {"first", "second"}) host->plugin.messages.Show(text, "Error");
-    }).join();
-    EXPECT_TRUE(host->Await([&] { return MessageIsUp(); }));
-    host->Settle();
-    const Picture first = Page();
-    Click({320, 185});
-    EXPECT_TRUE(MessageIsUp());
-    EXPECT_NE(Page(), first);
-    EndMessage();
-}
-
-// The dialog of the log's button, as a program of ours.
-class SaveDialog : public EditorTest {
-protected:
-    // Its process, once its command line stands in the file "options".
-    std::string Start(xcb_window_t window) {
-        folder.Program("zenity", "cd " + folder.path.string() +
-                                     "; echo $$ > new; mv new pid; printf '%s\\n' \"$@\" > new; mv new "
-                                     "options; exec sleep 1000");
-        folder.BecomePath(true);
-        host->plugin.setParameter(92, 5.0F);
-        EXPECT_TRUE(host->Open(window));
-        host->Settle();
-        host->Click(saveLogButton.x, saveLogButton.y);
-        EXPECT_TRUE(host->Await([&] { return folder.Has("options"); }));
-        return ReadAll(folder / "pid");
-    }
-    ~SaveDialog() override { setenv("PATH", "/usr/local/bin:/usr/bin:/bin", 1); }
-    TempFolder folder;
-};
-
-// Its owner is the window that the manager knows, however deep the editor's parent lies in it.
-TEST_F(SaveDialog, BelongsToTheHostsWindowAndEndsWithOurs) {
-    const xcb_window_t inner = xcb_generate_id(host->connection);
-    xcb_create_window(host->connection, XCB_COPY_FROM_PARENT, inner, host->parent, 0, 0, 400, 320, 0,
+// The dialog's owner is the window that the manager knows, however deep the editor's parent lies in it.
+TEST_F(Controls, ADialogBelongsToTheHostsWindowAndEndsWithOurs) {
+    const TempFolder folder;
+    folder.Program("zenity",
+                   "cd " + folder.path.string() +
+                       "; echo $$ > pid; printf '%s\\n' \"$@\" > new; mv new options; exec sleep 1000");
+    folder.BecomePath(true);
+    const xcb_window_t outer = host->parent, inner = xcb_generate_id(host->connection);
+    xcb_create_window(host->connection, XCB_COPY_FROM_PARENT, inner, outer, 0, 0, 400, 320, 0,
                       XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
     xcb_map_window(host->connection, inner);
     host->Sync();
-    const pid_t dialog = std::stoi(Start(inner));
-    EXPECT_NE(ReadAll(folder / "options").find("\n--attach=" + std::to_string(host->parent) + "\n"),
+    host->parent = inner;
+    Open(5);
+    Click(saveLogButton);
+    EXPECT_TRUE(host->Await([&] { return folder.Has("options"); }));
+    EXPECT_NE(ReadAll(folder / "options").find("\n--attach=" + std::to_string(outer) + "\n"),
               std::string::npos);
+    const pid_t dialog = std::stoi(ReadAll(folder / "pid"));
     EXPECT_EQ(kill(dialog, 0), 0);
     host->Call(effEditClose);
     EXPECT_NE(kill(dialog, 0), 0);  // ended, and reaped
-}
-
-// As zenity's own file dialog: a window with the program's number, which a window manager lists.
-TEST_F(SaveDialog, IsMadeToWhereItsProgramIgnoresItsOwner) {
-    const auto process = static_cast<std::uint32_t>(std::stoul(Start(host->parent)));
-    const xcb_window_t dialog = xcb_generate_id(host->connection);
-    xcb_create_window(host->connection, XCB_COPY_FROM_PARENT, dialog, host->screen->root, 0, 0, 9, 9, 0,
-                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
-    const auto set = [&](xcb_window_t window, const char* property, xcb_atom_t type, std::uint32_t word) {
-        xcb_change_property(host->connection, XCB_PROP_MODE_REPLACE, window, host->Atom(property), type, 32,
-                            1, &word);
-    };
-    set(dialog, "_NET_WM_PID", XCB_ATOM_CARDINAL, process);
-    set(host->screen->root, "_NET_CLIENT_LIST", XCB_ATOM_WINDOW, dialog);
-    host->Sync();
-    const std::string owner(reinterpret_cast<const char*>(&host->parent), sizeof host->parent);
-    EXPECT_TRUE(host->Await([&] { return host->Property(dialog, "WM_TRANSIENT_FOR") == owner; }));
+    setenv("PATH", "/usr/bin:/bin", 1);
 }
 
 }  // namespace

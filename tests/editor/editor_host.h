@@ -36,17 +36,13 @@ public:
         AEffect* effect = plugin.getAeffect();
         return effect->dispatcher(effect, opcode, index, value, ptr, opt);
     }
-    bool Open() { return Open(parent); }
-    bool Open(xcb_window_t window) {
-        return Call(effEditOpen, 0, 0, reinterpret_cast<void*>(static_cast<std::uintptr_t>(window))) != 0;
-    }
-    void Idle() { Call(effEditIdle); }
+    bool Open() { return Call(effEditOpen, 0, 0, Handle()) != 0; }
 
     // Gives idle time until the condition holds; false if it never does.
     bool Await(const std::function<bool()>& condition) {
         return AwaitThat([&] {
             if (condition()) return true;
-            Idle();
+            Call(effEditIdle);
             return false;
         });
     }
@@ -64,11 +60,6 @@ public:
 
     // The mouse from outside, by the display's own means.
     void MoveTo(int x, int y) { Tool({"mousemove", std::to_string(x), std::to_string(y)}); }
-    void Fling(int x, int y, int toX, int toY) {  // drag by a hand that is quicker than the window
-        Tool({"mousemove", std::to_string(x), std::to_string(y), "mousedown", "1", "mousemove",
-              std::to_string((x + toX) / 2), std::to_string((y + toY) / 2), "mousemove", std::to_string(toX),
-              std::to_string(toY), "mouseup", "1"});
-    }
     void Press() { Tool({"mousedown", "1"}); }
     void Release() { Tool({"mouseup", "1"}); }
     void Click(int x, int y) {
@@ -88,16 +79,7 @@ public:
         return p.empty() ? 0U : std::uint32_t{p[2]} << 16 | std::uint32_t{p[1]} << 8 | p[0];
     }
 
-    // The values of a parameter that the plug-in reported, oldest first.
-    std::vector<float> ToldOf(std::int32_t index) const {
-        std::vector<float> values;
-        for (const Automation& each : automated)
-            if (each.index == index) values.push_back(each.value);
-        return values;
-    }
-
     std::vector<Automation> automated;
-    bool receivesMidi = true;
     CORVAguivstEx plugin;
 
 private:
@@ -112,9 +94,7 @@ private:
                 if (host != nullptr) host->automated.push_back({index, opt});
                 return 0;
             case audioMasterVersion: return 2400;
-            case audioMasterCanDo:
-                return host != nullptr && host->receivesMidi &&
-                       std::string(static_cast<const char*>(ptr)) == "receiveVstMidiEvent";
+            case audioMasterCanDo: return std::string(static_cast<const char*>(ptr)) == "receiveVstMidiEvent";
             default: return 0;
         }
     }

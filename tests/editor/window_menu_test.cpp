@@ -38,8 +38,6 @@ TEST_F(WindowMenu, ChoosesTheEarOfThisInstanceAndOfThoseToComeWhereNoHostDoes) {
     EXPECT_TRUE(host->Await([&] { return host->plugin.hearing() == refined; }));
     EXPECT_TRUE(host->Await([&] { return Page() != bare; }));  // it is shown
     EXPECT_EQ(ReadPreferredHearing(), refined);
-    EXPECT_TRUE(StorePreferredHearing({}, {Ear::classic, -1.5F, 12}));
-    EXPECT_EQ(ReadPreferredHearing(), (Hearing{Ear::refinedLive, -1.5F, 12}));  // the ear did not change
     OpenMenu();
     host->Call(effEditClose);  // with a menu beside a menu
     ASSERT_TRUE(host->Open());

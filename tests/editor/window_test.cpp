@@ -43,31 +43,14 @@ TEST_F(Window, ShowsThePageThatUserOrHostChoseLastAndWhatOtherThreadsSet) {
     host->Settle();
     const Picture changed = Page();
     EXPECT_NE(changed, mainPage);
-    host->MoveTo(mainButton.x, mainButton.y);
-    host->Settle();
-    const Picture hovered = Page();
-    Click(mainButton);  // pressed while on, it stays on
-    EXPECT_EQ(Page(), hovered);
     Click(optionsButton);
-    EXPECT_EQ(host->ToldOf(92).back(), 4.0F);  // page 2 plus 2
+    EXPECT_EQ(host->automated.back().value, 4.0F);  // page 2 plus 2
     const Picture options = Page();
     host->Call(effEditClose);
     EXPECT_TRUE(host->Open());
     host->Settle();
     EXPECT_EQ(Page(), options);
     EXPECT_NE(options, changed);
-}
-
-TEST_F(Window, TheChordStandsOnAPlateWhileChordsAreShown) {
-    constexpr Place plate = {280, 60};  // where no letter reaches
-    Open();
-    EXPECT_EQ(host->Pixel(plate.x, plate.y), 0x93BAD8U);  // the palette's first entry: 147, 186, 216
-    host->plugin.setParameter(93, 1.0F);
-    EXPECT_TRUE(host->Await([&] { return host->Pixel(plate.x, plate.y) != 0x93BAD8U; }));
-    // White at 180 / 255 over it: 147 + 108 * 180 / 255 = 223 of red, one more or less by rounding.
-    EXPECT_NEAR(host->Pixel(plate.x, plate.y) >> 16, 223, 1);
-    host->plugin.setParameter(93, 0.5F);  // exactly a half is off
-    EXPECT_TRUE(host->Await([&] { return host->Pixel(plate.x, plate.y) == 0x93BAD8U; }));
 }
 
 // Between two notes nothing is heard, so a column differs from the one before by the running average alone,
