@@ -83,23 +83,8 @@ TEST_F(Description, IsTheOneThatWasReviewed) {
     EXPECT_EQ(rows, ReadAll(ORVA_GOLDEN "/description.txt"));
 }
 
-// A host hands a point's value back as the text says it: it must mean what its label says.
-TEST_F(Description, EachPointIsLabelledWithWhatItsValueMeans) {
-    for (const std::int32_t parameter : {paramInstrument, paramChannel}) {
-        const std::uint32_t port = portFirstControl + static_cast<std::uint32_t>(parameter);
-        LilvScalePoints* const points =
-            lilv_port_get_scale_points(plugin, lilv_plugin_get_port_by_index(plugin, port));
-        LILV_FOREACH(scale_points, each, points) {
-            const LilvScalePoint* const point = lilv_scale_points_get(points, each);
-            EXPECT_EQ(lilv_node_as_string(lilv_scale_point_get_label(point)),
-                      ParameterDisplay(parameter, lilv_node_as_float(lilv_scale_point_get_value(point))));
-        }
-        lilv_scale_points_free(points);
-    }
-}
-
 // In a folder of bundles with ours alone.
-TEST(Lv2Tools, FindNoErrorRunThePlugInAndSeeItsTwoEntryPoints) {
+TEST(Lv2Tools, FindNoErrorAndRunThePlugIn) {
     const TempFolder folder;
     std::filesystem::create_directory_symlink(ORVA_BUNDLE, folder / "orva.lv2");
     setenv("LV2_PATH", (folder.path.string() + ":/usr/lib/lv2").c_str(), 1);
@@ -117,10 +102,6 @@ TEST(Lv2Tools, FindNoErrorRunThePlugInAndSeeItsTwoEntryPoints) {
     const std::string bench = output(std::string("lv2bench ") + pluginUri);  // seconds, and whose
     EXPECT_TRUE(std::regex_search(bench, std::regex("(^|\n)[0-9.]+ http"))) << bench;
 #endif
-    std::istringstream lines(output("nm -D --defined-only " ORVA_BUNDLE "/orva_lv2.so"));
-    std::vector<std::string> names;
-    for (std::string address, kind, name; lines >> address >> kind >> name;) names.push_back(name);
-    EXPECT_EQ(names, (std::vector<std::string>{"lv2_descriptor", "lv2ui_descriptor"}));
     unsetenv("LV2_PATH");
 }
 

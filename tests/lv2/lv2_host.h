@@ -27,9 +27,6 @@ struct Lv2Event {
     bool operator==(const Lv2Event& other) const { return frame == other.frame && data == other.data; }
 };
 using Lv2Events = std::vector<Lv2Event>;
-inline void PrintTo(const Lv2Event& event, std::ostream* out) {
-    *out << event.frame << ": " << testing::PrintToString(event.data);
-}
 
 // All of a sequence, whose events are of that type.
 inline Lv2Events EventsOf(const LV2_Atom_Sequence& sequence, LV2_URID type) {
@@ -55,7 +52,7 @@ inline const LV2_Descriptor* FileDescriptor() {
 // An LV2 host with one plug-in: its features, a buffer for each port, and the work that it was asked for.
 class Lv2Host {
 public:
-    enum Offer { everything, noWorker, noMap, emptyMap };
+    enum Offer { everything, noWorker, noMap };
 
     explicit Lv2Host(const LV2_Descriptor* plugin = PluginDescriptor(), Offer offer = everything,
                      double rate = 44100)
@@ -67,9 +64,9 @@ public:
                         return static_cast<Lv2Host*>(self)->Asked();
                     }};
         const LV2_Feature mapFeature{LV2_URID__map, &map}, workFeature{LV2_WORKER__schedule, &schedule};
-        const LV2_Feature nameless{}, emptyFeature{LV2_URID__map, nullptr};
+        const LV2_Feature nameless{};
         std::vector<const LV2_Feature*> features{&nameless};
-        if (offer != noMap) features.push_back(offer == emptyMap ? &emptyFeature : &mapFeature);
+        if (offer != noMap) features.push_back(&mapFeature);
         if (offer != noWorker) features.push_back(&workFeature);
         features.push_back(nullptr);
         handle = descriptor->instantiate(descriptor, rate, ORVA_BUNDLE, features.data());
@@ -80,17 +77,15 @@ public:
         }
         for (std::uint32_t port = portEar; port < portCount; ++port)
             descriptor->connect_port(handle, port, &hearing[port - portEar]);
-        midi.resize(midiPortBytes / 8 + 2);
+        midi.resize(midiPortBytes / 8 + 1);
         descriptor->connect_port(handle, portMidi, midi.data());
     }
-    ~Lv2Host() { Cleanup(); }
+    ~Lv2Host() {
+        if (handle != nullptr) descriptor->cleanup(handle);
+    }
     Lv2Host(const Lv2Host&) = delete;
     Lv2Host& operator=(const Lv2Host&) = delete;
 
-    void Cleanup() {
-        if (handle != nullptr) descriptor->cleanup(handle);
-        handle = nullptr;
-    }
     void Activate() { descriptor->activate(handle); }
     void Deactivate() { descriptor->deactivate(handle); }
 
@@ -103,13 +98,9 @@ public:
     }
     Lv2Events RunConnected(std::uint32_t frames) {
         auto& sequence = *reinterpret_cast<LV2_Atom_Sequence*>(midi.data());
-        const std::uint64_t guard = 0x0123456789ABCDEF;
-        midi.back() = guard;
         sequence.atom = {midiPortBytes, Urid("chunk")};
         descriptor->run(handle, frames);
-        EXPECT_EQ(midi.back(), guard) << "written past the capacity";
         EXPECT_EQ(sequence.atom.type, Urid(LV2_ATOM__Sequence));
-        EXPECT_EQ(sequence.body.unit, 0U);
         return EventsOf(sequence, Urid(LV2_MIDI__MidiEvent));
     }
     // Does what was asked of its worker. How many times it was asked.

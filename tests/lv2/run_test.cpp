@@ -1,7 +1,10 @@
 // The plug-in's runs, as the bundle's file does them.
 #include <cmath>
+#include <future>
+#include <thread>
 
 #include "tests/lv2/lv2_host.h"
+#include "tests/support/devices.h"
 #include "tests/support/music.h"
 #include "tests/support/watch.h"
 
@@ -34,27 +37,15 @@ TEST(Lv2Run, PortsAndDeactivationReachTheNotes) {
     EXPECT_EQ(host.Run(Tones({72}, 0.5)), Lv2Events());
 }
 
-TEST(Lv2Run, WorksInPlaceWithoutConnectionsAndAtAnyRate) {
+TEST(Lv2Run, WorksWithoutConnectionsAtAnyRateAndNotWithoutAMap) {
     const LV2_Descriptor* const plugin = FileDescriptor();
     Lv2Host host(plugin);
-    const Audio tone = Tones({69}, 0.5);
-    Audio audio = tone;
-    for (const std::uint32_t port : {portAudioIn, portAudioOut})
-        plugin->connect_port(host.handle, port, audio.data());
-    EXPECT_EQ(host.RunConnected(static_cast<std::uint32_t>(audio.size())).size(), 2U);
     for (std::uint32_t port = 0; port < portCount + 1; ++port)
         plugin->connect_port(host.handle, port, nullptr);
     for (const std::uint32_t frames : {512U, 0U}) plugin->run(host.handle, frames);
-    EXPECT_EQ(audio, tone);
-
-    const auto windows = reinterpret_cast<LV2UI_DescriptorFunction>(dlsym(Lv2File(), "lv2ui_descriptor"));
-    EXPECT_EQ(windows(1), nullptr);  // one plug-in, one window, and no other extension
-    EXPECT_EQ(windows(0)->extension_data("anything else"), nullptr);
-    EXPECT_EQ(plugin->extension_data("anything else"), nullptr);
     EXPECT_EQ(Lv2Host(plugin, Lv2Host::noMap).handle, nullptr);
-    EXPECT_EQ(Lv2Host(plugin, Lv2Host::emptyMap).handle, nullptr);
-    EXPECT_EQ(plugin->instantiate(plugin, 44100, "", nullptr), nullptr);
-    for (const double rate : {0.0, -1.0, 192000.0, 1e30, std::nan("")}) {
+    const Audio tone = Tones({69}, 0.5);
+    for (const double rate : {0.0, 192000.0, std::nan("")}) {
         Lv2Host at(plugin, Lv2Host::everything, rate);
         ASSERT_NE(at.handle, nullptr) << rate;
         at.Run(tone);
@@ -78,6 +69,44 @@ TEST(Lv2Run, AllocatesNothing) {
         requested += Allocations::Requested() - before;
     }
     EXPECT_EQ(requested, 0U);
+}
+
+// MIDI devices are never opened by the thread of a run.
+using Lv2Device = DeviceTest;
+using Calls = FakeDevices::Calls;
+
+TEST_F(Lv2Device, TheHostsWorkerOpensItAndTheNewestRequestWins) {
+    Lv2Host host;
+    host.control[paramDevice] = 0.01F;
+    host.control[paramDeviceEnabled] = 1;
+    host.refusesWork = true;  // such a host is asked again
+    host.Run(Silence(64));
+    host.refusesWork = false;
+    host.Run(Silence(64));
+    host.control[paramDevice] = 0.02F;
+    host.Run(Silence(64));
+    EXPECT_EQ(layer.Taken(), Calls());
+    EXPECT_EQ(host.Work(), 2);
+    EXPECT_EQ(layer.Taken(), Calls{"open 2"});
+    host.control[paramDeviceEnabled] = 0;
+    host.Run(Silence(64));
+    host.Work();
+    EXPECT_EQ(layer.Taken(), Calls{"close 1"});
+}
+
+TEST_F(Lv2Device, WithoutAWorkerAThreadOfItsOwnOpensIt) {
+    std::promise<std::thread::id> opened;
+    layer.during = [&opened, first = true](const std::string& call) mutable {
+        if (call == "open 1" && std::exchange(first, false)) opened.set_value(std::this_thread::get_id());
+    };
+    {
+        Lv2Host host(PluginDescriptor(), Lv2Host::noWorker);
+        host.control[paramDevice] = 0.01F;
+        host.control[paramDeviceEnabled] = 1;
+        host.Run(Silence(64));
+        EXPECT_TRUE(opened.get_future().get() != std::this_thread::get_id());
+    }
+    EXPECT_EQ(layer.Taken(), (Calls{"open 1", "close 1"}));  // with the instance
 }
 
 }  // namespace
