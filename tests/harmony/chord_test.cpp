@@ -9,7 +9,6 @@
 #include <utility>
 
 #include "tests/harmony/naming.h"
-#include "tests/support/watch.h"
 
 namespace {
 
@@ -94,48 +93,45 @@ TEST(Chord, AFormShowsEachOfItsParts) {
     EXPECT_EQ(NameOf({64, 67, 72}), "C/Ab");        // the way down, 8 semitones, is shown upward
 }
 
-TEST(Chord, TakesTheFirstNotesOfAListAndDropsDirectRepeats) {
-    const auto score = Together({60, 60, 64, 60, 60, 60});
-    const std::pair<std::int32_t, Pitches> rows[] = {{-1, {60, 64, 60}}, {3, {60, 64}}, {99, {60, 64, 60}}};
-    for (const auto& [limit, taken] : rows) {
-        const TChord chord(score->notes, limit);
-        EXPECT_TRUE(std::ranges::equal(chord.pitches, taken)) << limit;
-        EXPECT_EQ(chord.notes->notes.size(), limit == 3 ? 3U : 6U);  // the score keeps every note
-    }
-}
-
-TEST(Chord, WithoutNotesThereIsNoChord) {
+TEST(Chord, WithoutNotesThereIsNoChordAndTooManyAreRefused) {
     TChord empty(TNoteList(), -1);
     EXPECT_FALSE(empty.analyse().ok);
-    EXPECT_EQ(empty.info.rootIndex, -1);
     const TChordForm form = chordFormOf(std::move(empty));
     EXPECT_TRUE(form.unknown);
     EXPECT_EQ(form.root + form.third + form.bass, 0);
-    const auto score = Together({60});
-    TChord limited(score->notes, 0);  // there was a list, but nothing of it was taken
-    EXPECT_TRUE(limited.valid);
-    EXPECT_FALSE(limited.analyse().ok);
-    for (const std::int32_t stranger : {2, 15, -1}) {
-        std::uint16_t mask = 1;
-        EXPECT_FALSE(addChordTone(stranger, mask));
-        EXPECT_EQ(mask, 0);
-    }
-}
-
-// Up to as many notes as have a name; of eleven, both retries are made.
-TEST(ChordNamer, PitchesAloneAreNamedAlikeAndAllocateNothing) {
-    const Pitches most{19, 24, 27, 28, 30, 32, 55, 58, 61, 62, 69, 68};
-    for (std::size_t count = 1; count <= most.size(); ++count) {
-        const std::size_t before = Allocations::Requested();
-        const TChordForm form = chordOfPitches({most.data(), count});
-        EXPECT_EQ(Allocations::Requested(), before);
-        EXPECT_EQ(chordText(form).view(), NameOf({most.begin(), most.begin() + std::ptrdiff_t(count)}));
-    }
     Pitches many(100);
     std::iota(many.begin(), many.end(), 0U);
-    EXPECT_THROW(FormOf(many), std::out_of_range);
-    EXPECT_THROW(chordOfPitches(many), std::out_of_range);
+    EXPECT_THROW(FormOf(many), std::out_of_range);  // more than its area holds
     EXPECT_EQ(NameOf({60, 64, 67}), "C");
+}
+
+// All words and intervals as one number each, taken from the program.
+TEST(Vocabulary, WordsAndIntervalsStayAsUsersKnowThem) {
+    TextDigest words, intervals;
+    const auto add = [&words](const auto& table) {
+        for (const char* const word : table) words.Add(word != nullptr ? word : "null");
+    };
+    add(PitchNamesMixed), add(PitchNamesFlat), add(PitchNamesSharp), add(GermanNames), add(SolfegeNames);
+    add(GermanNamesSharp), add(GermanNamesFlat), add(SolfegeNamesSharp), add(SolfegeNamesFlat);
+    add(IntervalNames), add(IntervalQualities), add(IntervalPairNames), add(BassDegreeNames);
+    add(DegreeNumerals), add(ModeNames), add(AccidentalMarks), add(ChordSuffixes), add(InstrumentNames);
+    for (const auto& set : DegreeNameSets) add(set);
+    EXPECT_EQ(words.value, 1367031080U);
+    EXPECT_STREQ(IntervalNames[3], "forth");
+    EXPECT_STREQ(IntervalQualities[0], "double dimished");
+    EXPECT_STREQ(InstrumentNames[75], "75 Pan Flute ");
+    EXPECT_STREQ(ChordSuffixes[30], "This name doesn't exist");
+    for (int from = 0; from < stepCount * 5; ++from)
+        for (int kind = 0; kind < 8 * 7; ++kind)
+            for (const int direction : {-1, 1}) {
+                const auto interval = makeInterval(std::int16_t(kind / 7), std::int16_t(kind % 7));
+                const TSpelledPitch pitch{std::int16_t(from / 5), std::int16_t(from % 5 - 2)};
+                const std::int16_t place = RingIndex(addToPitch(pitch, interval, std::int16_t(direction)));
+                intervals.Add(GermanNames[place]);  // sounds the interval's semitones away
+                ASSERT_EQ(RingPitchClasses[place],
+                          (RingPitchClasses[RingIndex(pitch)] + direction * interval.semitones + 24) % 12);
+            }
+    EXPECT_EQ(intervals.value, 2833770037U);
 }
 
 }  // namespace

@@ -164,16 +164,3 @@ TEST(MidiExporter, AStubOfAFirstBarBecomesAWholeOneOrGoes) {
     two.Add(0, 9000);
     EXPECT_EQ(Tempos(two.Tracks(true)).at(0).second, 500000U);
 }
-
-// At 3495 quarters a minute a gap is filled every 1514 ticks, the first bar of that so close to the second
-// that the music has to move earlier, by 5000 - 1514; what would begin before the start begins at it.
-TEST(MidiExporter, AStubLongerThanTheSecondBarMovesTheMusicEarlier) {
-    Score score({0U, 5000U, 5000 + 20 * second});
-    score.notes->tempo = 3495.0;
-    score.Add(1000, 90000);
-    score.Add(5000, 90000, 2);
-    const MidiTracks tracks = score.Tracks();
-    EXPECT_EQ(Tempos(tracks).at(0).second, 17166U);  // 4 * 1514 / 22050 s / 16 = 0.0171655 s
-    EXPECT_EQ(Onsets(tracks, 1), Ticks{0});
-    EXPECT_EQ(Onsets(tracks, 2), Ticks{479});  // 479.99 ticks of that tempo, cut
-}

@@ -21,18 +21,6 @@ TEST(MidiFile, DeltasTakeSevenBitsAByteAndNoByteInVain) {
     }
 }
 
-TEST(MidiFile, EventsCarryTheirStatusAndTheirChannelFromOne) {
-    TMidiFile file;
-    file.AddNoteOn(0, 60, 100, 1);
-    file.AddNoteOff(0, 60, 1);
-    file.AddProgram(0, 5, 16);
-    file.AddTempo(0x123456);
-    EXPECT_EQ(file.tracks[0].data,
-              (Bytes{0x90, 60, 100, 0x80, 60, 0, 0xCF, 5, 0xFF, 0x51, 3, 0x12, 0x34, 0x56}));
-    file.AddNoteOn(3, 60, 100, 255);  // the track stands in for the channel
-    EXPECT_EQ(file.tracks.at(3).data, (Bytes{0x92, 60, 100}));
-}
-
 // Title, meter, key and tempo stand before the events of track 0.
 TEST(MidiFile, AFileOfThreeTracksIsWrittenByteForByte) {
     TMidiFile file;
@@ -54,15 +42,4 @@ TEST(MidiFile, AFileOfThreeTracksIsWrittenByteForByte) {
         'M', 'T', 'r', 'k', 0, 0, 0, 4, 0, 0xFF, 0x2F, 0,
         'M', 'T', 'r', 'k', 0, 0, 0, 15, 0, 0xFF, 3, 2, 'a', 'b', 0x81, 0x70, 0x90, 69, 100, 0, 0xFF, 0x2F, 0}));
     // clang-format on
-}
-
-// The name stands there whole, so that such a file is bad, and is meant to be.
-TEST(MidiFile, LongTextsKeepTheLowByteOfTheirLength) {
-    TMidiFile file;
-    file.title = std::string(256 + 2, 't');
-    file.SetTrackName(0, std::string(256 + 1, 'n'));
-    const std::string bytes = Text(Written(file));
-    EXPECT_EQ(bytes.substr(18, 4), Text({0, 0, 1, 4 + 1 + 6 + 21 + 4}));
-    EXPECT_EQ(bytes.substr(22, 4 + 257 + 7),
-              Text({0, 0xFF, 3, 1}) + std::string(257, 'n') + Text({0, 0xFF, 2, 2, 't', 't', 0}));
 }

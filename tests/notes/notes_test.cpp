@@ -98,44 +98,6 @@ TEST(Notes, RandomChangesAgreeWithAScanOfAllNotes) {
     }
 }
 
-TEST(Note, LevelIsTheTruncatedFormulaOfTheVelocity) {
-    EXPECT_EQ(VelocityToLevel(127), 0);     // -15 / 30
-    EXPECT_EQ(VelocityToLevel(64), -1455);  // -43674 / 30 = -1455.8
-    EXPECT_EQ(VelocityToLevel(0), -2934);   // -88026 / 30 = -2934.2
-}
-
-TEST(Note, AssigningFilesItAnewWithAllButItsTag) {
-    const auto score = std::make_unique<TNotes>();
-    TNote& note = *Add(*score, 100, 200);
-    TSimpleNote value;
-    value.Init(lastTick - 9, lastTick - 2, 50, -1, 5, 3, 4);
-    value.tag = 7;
-    note.Assign(value);
-    EXPECT_TRUE(note.Equals(value));
-    EXPECT_EQ(note.tag, 0U);
-    EXPECT_EQ(WhatIsWrong(*score), "");
-    note.ClearFlag(nfAuxiliary);
-    EXPECT_FALSE(note.Equals(value));
-}
-
-TEST(Notes, ClearAndTheLayerTableKeepWhatIsNoNote) {
-    const auto score = std::make_unique<TNotes>();
-    score->AddBar(0, 3);
-    Add(*score, 10, 20);
-    score->Clear();
-    EXPECT_EQ(WhatIsWrong(*score), "");
-    EXPECT_TRUE(score->notes.empty());
-    EXPECT_EQ(score->bars.size(), 1U);
-    EXPECT_EQ(score->layers.at(1).useCount, 1U);
-    score->TakeLayer(5);
-    score->layers[3].name = "named";
-    score->ReleaseLayer(5);
-    EXPECT_EQ(score->layers.size(), 4U);
-    score->layers[3].name.clear();
-    score->ReleaseLayer(1);
-    EXPECT_EQ(score->layers.size(), 1U) << "record 0 survives";
-}
-
 TEST(Notes, ACopyIsEqualAndKeepsTheOrderOfNotesThatBeginTogether) {
     const auto score = std::make_unique<TNotes>(), copy = std::make_unique<TNotes>();
     for (std::uint8_t pitch = 0; pitch < 200; ++pitch) Add(*score, 10, 20, pitch)->tag = pitch;
@@ -147,38 +109,4 @@ TEST(Notes, ACopyIsEqualAndKeepsTheOrderOfNotesThatBeginTogether) {
     for (std::size_t index = 0; index < 200; ++index)
         EXPECT_EQ(copy->notes.at(index)->tag, score->notes[index]->tag);
     EXPECT_EQ(Written(*copy), Written(*score));
-}
-
-TEST(Notes, ATransferredNoteOutlivesItsFirstScore) {
-    auto from = std::make_unique<TNotes>();
-    const auto to = std::make_unique<TNotes>();
-    TNote* const note = Add(*from, 10, 20);
-    Add(*from, 10, 20);
-    TNotes::TransferNote(note, *to);
-    EXPECT_EQ(WhatIsWrong(*from), "");
-    EXPECT_EQ(from->layers.at(1).useCount, 1U);
-    from->Clear();
-    Add(*from, 1, 2, 50);  // must not take the room of the note that has gone
-    from.reset();
-    note->MoveTo(40);
-    EXPECT_EQ(WhatIsWrong(*to), "");
-    EXPECT_EQ(to->layers.at(1).useCount, 1U);
-}
-
-TEST(Notes, AnAddThatRunsOutOfMemoryLeavesTheScoreAsItWas) {
-    const auto none = std::make_unique<TNotes>(std::pmr::null_memory_resource());  // an empty one takes none
-    EXPECT_THROW(Add(*none, 0, 1), std::bad_alloc);
-    std::size_t bytes = 0;
-    for (bool added = false; !added; bytes += 16) {
-        const auto score = std::make_unique<TNotes>();
-        for (std::uint32_t note = 0; note < 8; ++note) Add(*score, 10 * note, 10 * note + 35);
-        try {
-            const MemoryBudget budget(bytes);
-            added = Add(*score, 5, 60) != nullptr;
-        } catch (const std::bad_alloc&) {
-            ASSERT_EQ(WhatIsWrong(*score), "") << "within " << bytes << " bytes";
-            ASSERT_EQ(score->layers.at(1).useCount, 8U);
-        }
-    }
-    EXPECT_GT(bytes, 16U) << "it must have taken some memory";
 }
