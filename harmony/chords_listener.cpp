@@ -17,9 +17,8 @@ constexpr std::size_t RingCapacity(std::int32_t updatesPerSecond) {
 }  // namespace
 
 TChordsListener::TChordsListener(IChordOwner* chordOwner, std::int32_t updates)
-    : owner(chordOwner),
-      updatesPerSecond(std::clamp(updates, 1, mostUpdates)),
-      delayRing(RingCapacity(updatesPerSecond)) {
+    : owner(chordOwner), updatesPerSecond(std::clamp(updates, 1, mostUpdates)) {
+    delayRing.reserve(RingCapacity(updatesPerSecond));
     activeBands.reserve(TNoteRecorder::maxBands);
 }
 
@@ -41,15 +40,13 @@ void TChordsListener::prepareRing() {
     const std::uint64_t rate = Rate();
     const std::uint64_t step =
         std::max<std::uint64_t>(rate / static_cast<std::uint64_t>(updatesPerSecond), 1);
-    const auto size = static_cast<std::size_t>(rate * longestDelay / step / 1000 + 1);
-    {
-        const NameRing::Change change(delayRing);
-        samplesPerUpdate = step;
-        delayRing.Resize(size);
-        writeIndex = writeIndex % size;
-    }
+    samplesPerUpdate = step;
+    delayRing.resize(static_cast<std::size_t>(rate * longestDelay / step / 1000 + 1));
+    ringSize = delayRing.size();
+    writeIndex %= delayRing.size();
     ringReady = true;
     computeReadOffset();
+    shownName.Set(shownEntry());
 }
 
 void TChordsListener::setDelay(std::uint64_t ms) {
@@ -64,9 +61,9 @@ void TChordsListener::computeReadOffset() {
     do {
         ms = delayMs;
         step = samplesPerUpdate;
-        size = delayRing.size();
+        size = ringSize;
         readOffset = size - Rate() * ms / step / 1000 - 1;
-    } while (ms != delayMs || step != samplesPerUpdate || size != delayRing.size());
+    } while (ms != delayMs || step != samplesPerUpdate || size != ringSize);
 }
 
 void TChordsListener::Update() {
@@ -95,35 +92,26 @@ TChordName TChordsListener::nameActiveBands() const {
 // The entry that was shown is wiped, so that a delay made longer later does not bring it back.
 void TChordsListener::push(const TChordName& name) {
     blankIfStopped();
-    const std::size_t size = delayRing.size();
-    const NameRing::Change change(delayRing);
-    delayRing.Set(shownIndex(size), TChordName());
-    delayRing.Set(static_cast<std::size_t>(writeIndex), name);
-    writeIndex = (writeIndex + 1) % size;
+    shownEntry() = TChordName();
+    entry(writeIndex) = name;
+    writeIndex = (writeIndex + 1) % delayRing.size();
+    shownName.Set(shownEntry());
 }
 
 void TChordsListener::blankIfStopped() {
     const std::uint64_t wanted = stops;
     if (wanted == stopsDone) return;
-    const NameRing::Change change(delayRing);
-    for (std::size_t index = 0; index < delayRing.size(); ++index) delayRing.Set(index, TChordName());
+    std::fill(delayRing.begin(), delayRing.end(), TChordName());
+    shownName.Set(TChordName());
     stopsDone = wanted;
-}
-
-std::size_t TChordsListener::shownIndex(std::size_t size) const {
-    return static_cast<std::size_t>((readOffset + writeIndex) % size);
 }
 
 const TChordName& TChordsListener::currentChord() {
     if (!ringReady) prepareRing();
     blankIfStopped();
-    shown = delayRing.Get(shownIndex(delayRing.size()));
-    return shown;
+    return shownEntry();
 }
 
 TChordName TChordsListener::currentChordCopy() const {
-    return delayRing.Read([this] {
-        const std::size_t size = delayRing.size();
-        return size == 0 || stops != stopsDone ? TChordName() : delayRing.Get(shownIndex(size));
-    });
+    return stops != stopsDone ? TChordName() : shownName.Get();
 }

@@ -6,7 +6,7 @@
 
 #include "delivery/note_out.h"
 #include "harmony/chord_name.h"
-#include "harmony/name_ring.h"
+#include "harmony/name_slot.h"
 
 // What the chord listener needs of the plug-in object.
 class IChordOwner {
@@ -50,7 +50,8 @@ public:
 
     // The name shown now; stands until the next call. Sizes the ring if nothing has yet.
     const TChordName& currentChord();
-    // The same for other threads; empty while the ring has no size.
+    // The same for other threads, where a change of the delay shows at the next update; empty while the ring
+    // has no size.
     TChordName currentChordCopy() const;
 
     IChordOwner* const owner;  // not owned
@@ -58,8 +59,8 @@ public:
     std::atomic<std::uint64_t> samplesPerUpdate{1};  // [audio] writes; at least 1
     std::uint64_t lastUpdate = ~std::uint64_t{0};    // [audio] number of the last update done
     std::vector<std::uint32_t> activeBands;          // [audio] the bands on at the last update
-    NameRing delayRing;                              // [audio] writes
-    std::atomic<std::uint64_t> writeIndex{0};        // [audio] writes; next entry to write
+    std::vector<TChordName> delayRing;               // [audio]
+    std::uint64_t writeIndex = 0;                    // [audio] next entry to write
     std::atomic<std::uint64_t> readOffset{0};  // [any] from writeIndex to the entry shown, modulo the size
     std::atomic<std::uint64_t> delayMs{1000};  // [any]
     std::atomic<bool> ringReady{false};        // [audio] writes; the ring has its size
@@ -72,9 +73,13 @@ private:
     void findActiveBands(const TNoteRecorder& from);
     TChordName nameActiveBands() const;
     void push(const TChordName& name);
-    std::size_t shownIndex(std::size_t size) const;
+    TChordName& entry(std::uint64_t index) {
+        return delayRing[static_cast<std::size_t>(index % delayRing.size())];
+    }
+    TChordName& shownEntry() { return entry(readOffset + writeIndex); }
 
-    TChordName shown;                         // [audio] what currentChord refers to
+    NameSlot shownName;                       // [audio] writes
+    std::atomic<std::uint64_t> ringSize{0};   // [audio] writes; of delayRing
     std::atomic<std::uint64_t> stops{0};      // [any] how often Stop was called
     std::atomic<std::uint64_t> stopsDone{0};  // [audio] writes; how many of them have blanked the ring
 };
