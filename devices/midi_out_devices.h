@@ -7,7 +7,7 @@
 // device was closed is refused and does not reach a later device. 0 is no device.
 using MidiOutHandle = std::uint64_t;
 
-// Result codes of a layer, and their order. Other values up to 20 may come from a layer and have a text.
+// Result codes of a layer. Others may come from one, with a text of its own.
 constexpr std::uint32_t MMSYSERR_NOERROR = 0;
 constexpr std::uint32_t MMSYSERR_ERROR = 1;         // not taken: the way is full or the server gone
 constexpr std::uint32_t MMSYSERR_BADDEVICEID = 2;   // no such device, or not any more

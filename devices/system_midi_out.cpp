@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <iterator>
 #include <string_view>
 #include <thread>
 #include <utility>
@@ -12,29 +13,17 @@
 
 namespace {
 
-// By code. A layer's own text comes before these.
-constexpr std::string_view texts[] = {
-    "No error.",
-    "The MIDI device does not take messages. Its server may have stopped.",
-    "There is no such MIDI device, or it has been removed.",
-    "The MIDI driver is not enabled.",
-    "The MIDI device refuses the connection. It may be in use.",
-    "The MIDI device is not open.",
-    "No MIDI driver was found.",
-    "There is not enough memory, or there are too many open MIDI devices.",
-    "The MIDI device does not support this.",
-    "Unknown error number.",
-    "A flag for the MIDI device is not valid.",
-    "This is not a MIDI message.",
-    "The MIDI device is in use by another part of the program.",
-    "The alias of the MIDI device was not found.",
-    "The settings of the MIDI driver are damaged.",
-    "A setting of the MIDI driver was not found.",
-    "The settings of the MIDI driver cannot be read.",
-    "The settings of the MIDI driver cannot be written.",
-    "A setting of the MIDI driver cannot be deleted.",
-    "A value of the MIDI driver was not found.",
-    "The MIDI driver does not answer.",
+// Of the codes that our layers and the table of ports give. A layer's own text comes before these.
+constexpr std::pair<std::uint32_t, std::string_view> texts[] = {
+    {MMSYSERR_NOERROR, "No error."},
+    {MMSYSERR_ERROR, "The MIDI device does not take messages. Its server may have stopped."},
+    {MMSYSERR_BADDEVICEID, "There is no such MIDI device, or it has been removed."},
+    {MMSYSERR_ALLOCATED, "The MIDI device refuses the connection. It may be in use."},
+    {MMSYSERR_INVALHANDLE, "The MIDI device is not open."},
+    {MMSYSERR_NODRIVER, "No MIDI driver was found."},
+    {MMSYSERR_NOMEM, "There is not enough memory, or there are too many open MIDI devices."},
+    {MMSYSERR_NOTSUPPORTED, "The MIDI device does not support this."},
+    {MMSYSERR_INVALPARAM, "This is not a MIDI message."},
 };
 
 void CopyWide(std::string_view text, char16_t* field, std::size_t units) {
@@ -226,10 +215,13 @@ std::uint32_t SystemMidiOut::midiOutLongMsg(MidiOutHandle handle, const MidiLong
 }
 
 std::uint32_t SystemMidiOut::midiOutGetErrorTextW(std::uint32_t code, MidiOutErrorTextW& text) {
-    if (code >= std::size(texts)) return MMSYSERR_BADERRNUM;
     const std::lock_guard<std::mutex> hold(listLock);
     const auto own = layerTexts.find(code);
     const bool layerHasOne = own != layerTexts.end() && !own->second.empty();
-    CopyWide(layerHasOne ? std::string_view(own->second) : texts[code], text.text, MidiOutErrorTextW::units);
+    const auto* const common = std::find_if(std::begin(texts), std::end(texts),
+                                            [code](const auto& row) { return row.first == code; });
+    if (!layerHasOne && common == std::end(texts)) return MMSYSERR_BADERRNUM;
+    CopyWide(layerHasOne ? std::string_view(own->second) : common->second, text.text,
+             MidiOutErrorTextW::units);
     return MMSYSERR_NOERROR;
 }
