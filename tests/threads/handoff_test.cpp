@@ -176,7 +176,7 @@ TEST(Handoff, TheWindowShowsWhatAutomationSetLastBesideTheAudio) {
             });
         EXPECT_TRUE(host.Open());
         for (int round = 0; !done || round < 30; ++round) {
-            host.Idle();
+            host.Call(effEditIdle);
             if (!trial.OneIn(20)) continue;
             host.Call(effEditClose);
             EXPECT_TRUE(host.Open());
@@ -184,7 +184,7 @@ TEST(Handoff, TheWindowShowsWhatAutomationSetLastBesideTheAudio) {
         automation.join();
         stop = true;
         audio.join();
-        host.Idle();  // takes what is waiting
+        host.Call(effEditIdle);  // takes what is waiting
         const auto picture = [&] {
             host.Settle();
             return host.Pixels(0, 0, 267, 320);
