@@ -1,5 +1,5 @@
 ; The installer: for one user or for all, asks for the folder of VST 2 plug-ins, and removes all that it has put there.
-; Silent: /S, with /AllUsers or /CurrentUser and, last, /D=FOLDER.
+; Silent: /S, with /AllUsers or /CurrentUser and, last and without quotes, /D=FOLDER.
 ;   makensis -DVERSION=1.30 -DFILES=FOLDER -DOUTPUT=FILE installer.nsi
 Unicode true
 Target amd64-unicode
@@ -35,7 +35,11 @@ Var vst3
 !macro Begin un
 Function ${un}.onInit
     SetRegView 64
+    Push $INSTDIR ; of /D, or the one that is left
     !insertmacro MULTIUSER_${un}INIT
+    Pop $0
+    StrCmp $0 "" +2
+    StrCpy $INSTDIR $0
     StrCpy $vst3 "$COMMONFILES64\VST3"
     StrCmp $MultiUser.InstallMode AllUsers +2
     StrCpy $vst3 "$LOCALAPPDATA\Programs\Common\VST3"
