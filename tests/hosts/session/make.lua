@@ -15,6 +15,8 @@ session:new_midi_track(one_midi, one_midi, true, ARDOUR.PluginInfo(), nil, nil, 
 local orva
 if os.getenv("ORVA_VST") then
     orva = ARDOUR.LuaAPI.new_plugin(session, "ORVA Audio To MIDI", ARDOUR.PluginType.LXVST, "")
+elseif os.getenv("ORVA_VST3") then
+    orva = ARDOUR.LuaAPI.new_plugin(session, "ORVA Audio To MIDI", ARDOUR.PluginType.VST3, "")
 else
     orva = ARDOUR.LuaAPI.new_plugin(session, os.getenv("ORVA_URI"), ARDOUR.PluginType.LV2, "")
 end
