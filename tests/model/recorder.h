@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -20,6 +21,9 @@ struct ModelHostCall {
     std::uint32_t message = 0;  // of an event; of a parameter, the bits of its value
     std::string text;           // what is wrong with an event, if anything is
     bool operator==(const ModelHostCall&) const = default;
+    friend void PrintTo(const ModelHostCall& call, std::ostream* out) {
+        *out << call.opcode << " (" << call.number << ", 0x" << std::hex << call.message << ") " << call.text;
+    }
 };
 
 class ModelOut;
@@ -213,6 +217,9 @@ struct ModelTakeEvent {
     bool operator==(const ModelTakeEvent& other) const {
         const bool sameLevel = level == other.level || (std::isnan(level) && std::isnan(other.level));
         return time == other.time && message == other.message && sameLevel;
+    }
+    friend void PrintTo(const ModelTakeEvent& event, std::ostream* out) {
+        *out << std::hex << event.message << std::dec << " at " << event.time << ", level " << event.level;
     }
 };
 

@@ -15,31 +15,6 @@
 #include "tests/support/messages.h"
 #include "tests/support/trial.h"
 
-// How a difference is shown.
-inline std::string Shown(std::int64_t value) {
-    return std::to_string(value);
-}
-inline std::string Shown(const std::string& value) {
-    return '"' + value.substr(0, 300) + '"';
-}
-inline std::string Shown(const ModelHostCall& call) {
-    char text[80];
-    std::snprintf(text, sizeof text, "call %d (%d, %06x) ", call.opcode, call.number, call.message);
-    return text + call.text;
-}
-inline std::string Shown(const ModelTakeEvent& event) {
-    char text[80];
-    std::snprintf(text, sizeof text, "%06x at %lld, level %a", event.message,
-                  static_cast<long long>(event.time), static_cast<double>(event.level));
-    return text;
-}
-template <typename T>
-std::string Shown(const std::vector<T>& list) {
-    std::string text = std::to_string(list.size()) + ":";
-    for (std::size_t i = 0; i < list.size() && i < 6; ++i) text += " [" + Shown(list[i]) + "]";
-    return text;
-}
-
 // The plug-in and the model in the same host, called in the same way. Whatever the two answer, say to the
 // host, to the devices or to the user, and at CompareState all that they hold, must be the same; otherwise
 // the case fails with the first difference. One at a time in a process.
@@ -81,8 +56,7 @@ public:
                            what);
         if (opcode == effEditGetRect && text) {
             const ERect& rect = **reinterpret_cast<ERect**>(seen);
-            Same<std::int64_t>(rect.top | rect.left | rect.bottom << 16 | rect.right, 320 << 16 | 400,
-                               "rectangle");
+            Same(rect.top | rect.left | rect.bottom << 16 | rect.right, 320 << 16 | 400, "rectangle");
         } else {
             Same(std::string(seen, sizeof seen), std::string(expected, sizeof expected), what);
         }
@@ -101,10 +75,8 @@ public:
         Get(index);
     }
     void Get(std::int32_t index) {
-        const float seen = host.Get(index), expected = model.GetParameter(index);
-        trial.Require(std::bit_cast<std::uint32_t>(seen) == std::bit_cast<std::uint32_t>(expected),
-                      "parameter " + std::to_string(index) + " is " + std::to_string(seen) +
-                          ", the model says " + std::to_string(expected));
+        Same(std::bit_cast<std::uint32_t>(host.Get(index)),
+             std::bit_cast<std::uint32_t>(model.GetParameter(index)), "value of " + std::to_string(index));
     }
     void Play(const std::vector<float>& block, Way way = Way::replacing, bool inPlace = false) {
         if (block.empty()) return;
@@ -206,7 +178,8 @@ private:
     template <typename T>
     void Same(const T& seen, const T& expected, const std::string& what) const {
         if (!(seen == expected))
-            trial.Fail(what + ": " + Shown(seen) + ", the model says " + Shown(expected));
+            trial.Fail(what + ": " + testing::PrintToString(seen) + ", the model says " +
+                       testing::PrintToString(expected));
     }
     void CompareSaid(const std::string& after) {
         for (const ModelHostCall& call : calls)

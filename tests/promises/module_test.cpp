@@ -1,5 +1,4 @@
-// The module's file through many lives, every way in which a host may leave, and the end of an instance in
-// the middle of something.
+// The module's file through many lives, and every way in which a host may leave.
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -173,29 +172,6 @@ TEST(Module, AHostMayLeaveInAnyWayWithAnythingOpen) {
                         ends ? "send 1 .*close 1" : "")
                 << state << ", " << way;
         }
-}
-
-TEST(Module, AnInstanceMayBeClosedInTheMiddleOfAnything) {
-    RunTrials({16, 4}, [](Trial& trial) {
-        const bool device = trial.number % 2 == 0, window = trial.number / 2 % 2 == 0;
-        const HostWindow parent;
-        FakeDevices devices;
-        SubstituteMidiOut(&devices);
-        {
-            Host host;
-            ASSERT_TRUE(host.Open(OpenPlugin));
-            host.Call(effOpen), host.Call(effMainsChanged, 0, 1);
-            if (device) host.Set(89, 1);
-            if (trial.OneIn(2)) host.Object<CORVAguivst>().startRecording();
-            ASSERT_EQ(window && host.Call(effEditOpen, 0, 0, parent.Handle()) != 0, window);
-            host.Play(Tones({57, 64}, 0.5));
-            EXPECT_GT(host.Sounding(), 0);
-        }
-        EXPECT_TRUE(parent.Children().empty());
-        EXPECT_EQ(devices.opened, device ? 1 : 0);
-        EXPECT_EQ(devices.OpenCount() + devices.faults + devices.stale, 0);
-        SubstituteMidiOut(nullptr);
-    });
 }
 
 }  // namespace

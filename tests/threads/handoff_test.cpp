@@ -1,5 +1,5 @@
 // What crosses from one thread to another without a lock of its own: settings beside the audio thread, the
-// chord's name beside its writer, changes for the window.
+// chord's name beside its writer.
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -11,9 +11,7 @@
 #include "delivery/rt_recording.h"
 #include "harmony/chords_listener.h"
 #include "tests/delivery/fakes.h"
-#include "tests/editor/editor_host.h"
 #include "tests/support/devices.h"
-#include "tests/support/music.h"
 #include "tests/support/trial.h"
 
 namespace {
@@ -149,50 +147,6 @@ TEST(Handoff, EachChordNameThatIsReadWasWritten) {
         listener->setDelay(0);
         listener->Stop();
         EXPECT_TRUE(listener->currentChordCopy().empty()) << "a stop by another thread shows at once";
-    });
-}
-
-TEST(Handoff, TheWindowShowsWhatAutomationSetLastBesideTheAudio) {
-    RunTrials({2, 1, 240}, [](Trial& trial) {
-        const DisplayServer display;
-        EditorHost host;
-        std::atomic<bool> done{false}, stop{false};
-        std::thread audio([&] {
-            for (std::size_t at = 0; !stop; at += 441) {
-                Audio block = Chord({57, 61, 64}, 441, at);
-                float* samples = block.data();
-                host.plugin.processReplacing(&samples, &samples, 441);
-            }
-        });
-        std::thread automation(
-            [&, random = std::minstd_rand(static_cast<unsigned>(trial.random()))]() mutable {
-                for (int i = 0; i < 8000; ++i) {
-                    auto index = static_cast<std::int32_t>(random() % 94);
-                    if (index >= 88) index += 2;  // no device, which would bring up a message
-                    host.plugin.setParameter(index, static_cast<float>(i % 101) / 100);
-                }
-                host.plugin.setParameter(92, 2.0F + static_cast<float>(random() % 3));
-                done = true;
-            });
-        EXPECT_TRUE(host.Open());
-        for (int round = 0; !done || round < 30; ++round) {
-            host.Call(effEditIdle);
-            if (!trial.OneIn(20)) continue;
-            host.Call(effEditClose);
-            EXPECT_TRUE(host.Open());
-        }
-        automation.join();
-        stop = true;
-        audio.join();
-        host.Call(effEditIdle);  // takes what is waiting
-        const auto picture = [&] {
-            host.Settle();
-            return host.Pixels(0, 0, 267, 320);
-        };
-        const std::vector<std::uint8_t> shown = picture();
-        host.Call(effEditClose);
-        EXPECT_TRUE(host.Open());  // and reads everything anew
-        EXPECT_TRUE(picture() == shown);
     });
 }
 
