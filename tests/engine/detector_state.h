@@ -1,12 +1,10 @@
 #pragma once
-#include <algorithm>
 #include <cstring>
 #include <sstream>
 #include <string>
 #include <vector>
 
 #include "engine/real_time_detector.h"
-#include "tests/engine/plain_detector.h"
 
 // Everything that a detector holds, as bits, so that two detectors can be compared and the first difference
 // be named. Works for both detectors, which share their fields' names.
@@ -16,16 +14,6 @@ struct StateWord {
     std::uint64_t bits;
 };
 using DetectorState = std::vector<StateWord>;
-
-// The running block's accumulators, the real ones before the others; the detector keeps samples and folds
-// them later.
-inline void FoldedSoFar(const TRealTimeTS107& d, std::int32_t* re, std::int32_t* im) {
-    d.FoldedSoFar(re, im);
-}
-inline void FoldedSoFar(const PlainDetector& d, std::int32_t* re, std::int32_t* im) {
-    std::copy_n(d.accRe.values.data(), d.numBands, re);
-    std::copy_n(d.accIm.values.data(), d.numBands, im);
-}
 
 // The tables of the resonators are not among it: whatever they hold shows in the states at the next block.
 template <typename Detector>
@@ -38,7 +26,7 @@ DetectorState StateOf(const Detector& d) {
         state.push_back({name, index, bits});
     };
     std::vector<std::int32_t> folded(static_cast<std::size_t>(2 * d.numBands));
-    FoldedSoFar(d, folded.data(), folded.data() + d.numBands);
+    d.FoldedSoFar(folded.data(), folded.data() + d.numBands);
     for (const std::int32_t sum : folded) add("accRe and accIm", 0, sum);
 #define FIELD(name) add(#name, 0, d.name)
 #define BANDS(name) add(#name, i, d.name[i])

@@ -17,21 +17,6 @@ TEST(RealTimeDetector, DelayIsThreeFramesAnd10MsPlusTheBandsOwn) {
     EXPECT_FLOAT_EQ(detector.GetBaseDelay(), 220 * 1000.0F / 22050 * 3 + 10);
 }
 
-TEST(RealTimeDetector, TheHandlerIsCalledOncePerFrameAndMayBeMissing) {
-    struct : INoteHandler {
-        void Attach(INoteDetector*) override {}
-        void OnFrame() override { ++frames; }
-        int frames = 0;
-    } counter;
-    TRealTimeTS107 detector(44100, 45, 84);
-    Play(detector, Pcm(1323, 100));  // three frames
-    detector.handler = &counter;
-    Play(detector, Pcm(440, 100));
-    EXPECT_EQ(counter.frames, 0);
-    Play(detector, Pcm(3088, 100));  // 7 frames and the sample that was missing
-    EXPECT_EQ(counter.frames, 8);
-}
-
 TEST(RealTimeDetector, TheHostsRoundingDoesNotReachTheAnalysis) {
     const Pcm audio = Music(44100, 0.4, 30);
     TRealTimeTS107 usual(44100, 45, 84);

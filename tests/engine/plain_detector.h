@@ -1,4 +1,5 @@
 #pragma once
+#include <algorithm>
 #include <cmath>
 #include <complex>
 #include <cstddef>
@@ -103,6 +104,12 @@ public:
     void SetBandGain(std::int32_t band, float gain) {
         eqGain[band] = gain;
         eqGainSq[band] = gain * gain;
+    }
+
+    // The sums of the running block, which the detector keeps as samples and folds later.
+    void FoldedSoFar(std::int32_t* re, std::int32_t* im) const {
+        std::copy_n(accRe.values.data(), numBands, re);
+        std::copy_n(accIm.values.data(), numBands, im);
     }
 
     std::int32_t numBands, referenceBand, blockLength = 0, frameLength = 0;
