@@ -5,7 +5,6 @@
 
 #include "notes/notes.h"
 #include "tests/notes/memory_stream.h"
-#include "tests/support/temp_folder.h"
 
 namespace {
 
@@ -76,15 +75,7 @@ TEST(StoredScore, EachFieldIsReadFromItsPlace) {
     EXPECT_EQ(read.score->keySharps, -2);
     EXPECT_TRUE(read.score->keyMinor);
     EXPECT_EQ(read.score->bars, (TBars{{5, {2, 4}}, {9, {1, 3}}}));  // numbered as in the file, none replaced
-}
-
-TEST(StoredScore, TimesAreConvertedFromTheFilesRate) {
-    EXPECT_EQ(ReadScore(Changed(10, {0, 0, 0xAC, 0x44})).score->notes.at(0)->Begin(), 50U);
-    EXPECT_EQ(ReadScore(Changed(10, {0xFF, 0xFF, 0xFF, 0xFF})).score->notes.at(0)->End(), 1U);
-    // At a rate of 1, 0xFF000064 * 22050, cut to 32 bits, is past the end's 200 * 22050.
-    const ReadScore wrapped(Changed(10, {0, 0, 0, 1}, Changed(18, {0xFF})));
-    EXPECT_EQ(wrapped.score->notes.at(0)->Begin(), static_cast<std::uint32_t>(0xFF000064U * 22050U));
-    EXPECT_EQ(wrapped.score->notes[0]->Length(), 1U);
+    EXPECT_EQ(ReadScore(Changed(10, {0, 0, 0xAC, 0x44})).score->notes.at(0)->Begin(), 50U);  // at 44100 Hz
 }
 
 TEST(StoredScore, DamageHasItsMessageAndNotesBeforeABreakAreKept) {
@@ -98,18 +89,4 @@ TEST(StoredScore, DamageHasItsMessageAndNotesBeforeABreakAreKept) {
         EXPECT_EQ(read.failure, "Can't read byte from stream.");
         EXPECT_EQ(read.score->notes.size(), length < 18 + 24 ? 0U : 1U) << length << " bytes";
     }
-}
-
-TEST(StoredScore, FilesAreSavedAndLoadedOrTheReasonIsSaid) {
-    const TempFolder folder;
-    const ReadScore read(example);
-    std::string error = "old";
-    EXPECT_TRUE(SaveSerial(folder / "score", *read.score, error));
-    EXPECT_EQ(error, "");
-    EXPECT_EQ(ReadAll(folder / "score"), Text(Written(*read.score)));
-    const auto loaded = std::make_unique<TNotes>();
-    EXPECT_TRUE(LoadSerial(folder / "score", *loaded, error));
-    EXPECT_TRUE(loaded->notes.at(0)->Equals(*read.score->notes.at(0)));
-    EXPECT_FALSE(LoadSerial("/nowhere/x", *loaded, error));
-    EXPECT_EQ(error, "Cannot open file </nowhere/x> for reading.");
 }

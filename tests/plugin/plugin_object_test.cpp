@@ -10,13 +10,11 @@
 #include "delivery/rt_recording.h"
 #include "module/plugin_entry.h"
 #include "plugin/gui_plugin_ex.h"
-#include "plugin/mem_log.h"
 #include "plugin/sample_conversion.h"
 #include "tests/support/devices.h"
 #include "tests/support/host.h"
 #include "tests/support/messages.h"
 #include "tests/support/music.h"
-#include "tests/support/temp_folder.h"
 
 namespace {
 
@@ -146,19 +144,6 @@ TEST(HostByProduct, OnlyTheKnownOnesGetEarlyEventsAtTheBlocksFirstSample) {
     for (std::size_t i = 2; i < 5; ++i) raised[i].at += 441 + 2876;  // the notes' clock rests in silence
     ++raised[3].at, ++raised[4].at;  // the end after its begin, and the next begin no earlier than it
     for (const char* const product : {"Ardour", "Carla"}) EXPECT_EQ(played(product), raised) << product;
-}
-
-TEST_F(PluginObject, LogsTheHostsFactsEachTimeItOpens) {
-    const std::string before = getMemLog().text();
-    host.Call(effOpen), host.Call(effOpen);
-    const std::string added = getMemLog().text().substr(before.size());
-    EXPECT_TRUE(added.starts_with("\ngetMasterVersion: 2400\ngetHostVendorString: Maker\n")) << added;
-    EXPECT_NE(added.find("sizeWindow                     : 1\n"), std::string::npos) << added;
-    EXPECT_EQ(added.substr(0, added.size() / 2), added.substr(added.size() / 2));
-    const TempFolder folder;
-    WriteAll(folder / "log", std::string(before.size() + added.size() + 1, 'x'));
-    EXPECT_TRUE(getMemLog().saveToFile(folder / "log"));
-    EXPECT_EQ(ReadAll(folder / "log"), before + added);
 }
 
 // --- the editor ---
