@@ -1,14 +1,12 @@
-// From levels to notes: the features, the picker against a simpler model, and the whole ear on a sound.
+// The picker, frame by frame, against a simpler model that sees all of a band's outputs at once.
 #include <gtest/gtest.h>
 
-#include <cmath>
-#include <limits>
-#include <memory>
+#include <algorithm>
 #include <random>
 #include <utility>
+#include <vector>
 
 #include "listening/refined_detector.h"
-#include "tests/engine/signals.h"
 
 namespace {
 
@@ -54,54 +52,6 @@ Notes PickByFrames(const Frames& onset, const Frames& sounding, int onsetBack, i
     return notes;
 }
 
-// What a handler sees of an ear: every change of a flag, and how far back it belongs.
-struct Change {
-    std::int64_t frame;
-    std::int32_t band;
-    bool on;
-    float delay;
-    bool operator==(const Change&) const = default;
-};
-
-struct Listener : INoteHandler {
-    void Attach(INoteDetector* attached) override { detector = attached; }
-    void OnFrame() override {
-        ++frame;
-        for (std::int32_t band = 0; band < netBands; ++band) {
-            if (detector->bandOn[band] == on[band]) continue;
-            on[band] = !on[band];
-            changes.push_back({frame, band, on[band], detector->GetBandDelay(band)});
-        }
-    }
-    INoteDetector* detector = nullptr;
-    std::int64_t frame = 0;
-    bool on[netBands] = {};
-    std::vector<Change> changes;
-};
-
-// The ear as the plug-in builds it.
-struct Ears {
-    explicit Ears(TRefinedDetector::Look look, int rate = 44100)
-        : inner(rate, 45, netBands), refined(std::make_unique<TRefinedDetector>(inner, look)) {
-        inner.SetBandwidth(0.02F);
-        inner.SetTuningEnabled(false);
-        inner.SetEqualizerEnabled(true);
-        inner.SetRelativeThreshold(0.13F);
-        inner.SetFloorDb(-35);
-        inner.handler = refined.get();
-        refined->handler = &listener;
-        listener.Attach(refined.get());
-        refined->Reset();
-    }
-    void Hear(const Pcm& audio, std::size_t block) {
-        for (std::size_t at = 0; at < audio.size(); at += block)
-            refined->Process(&audio[at], Bytes(std::min(block, audio.size() - at)));
-    }
-    TRealTimeTS107 inner;
-    std::unique_ptr<TRefinedDetector> refined;
-    Listener listener;
-};
-
 }  // namespace
 
 TEST(RefinedEar, PickingByFramesFindsTheNotesOfPickingInTheWhole) {
@@ -118,36 +68,4 @@ TEST(RefinedEar, PickingByFramesFindsTheNotesOfPickingInTheWhole) {
             }
             ASSERT_EQ(PickByFrames(onset, sounding, back, 4), PickWhole(onset, sounding, back, 4)) << run;
         }
-}
-
-TEST(RefinedEar, HearsTheSameHoweverTheAudioIsCut) {
-    const Pcm audio = Music(44100, 3);
-    Ears whole(TRefinedDetector::Look::live);
-    whole.Hear(audio, audio.size());
-    EXPECT_GT(whole.listener.changes.size(), 10U);
-    for (const std::size_t block : {std::size_t{1}, std::size_t{64}, std::size_t{777}}) {
-        Ears cut(TRefinedDetector::Look::live);
-        cut.Hear(audio, block);
-        EXPECT_TRUE(cut.listener.changes == whole.listener.changes) << "blocks of " << block;
-    }
-    whole.refined->Reset();  // forgets all of it: the same sound is heard the same again
-    const std::vector<Change> first = std::exchange(whole.listener, {}).changes;
-    whole.listener.Attach(whole.refined.get());
-    whole.Hear(audio, 777);
-    EXPECT_TRUE(whole.listener.changes == first);
-}
-
-// Each control takes away notes only: a floor above the sound, a threshold out of reach.
-TEST(RefinedEar, SettingsLeaveOutWhatTheySay) {
-    const auto changes = [](float floorDb, float extraThreshold) {
-        Ears ears(TRefinedDetector::Look::live);
-        ears.inner.SetFloorDb(floorDb);
-        ears.refined->extraThreshold = extraThreshold;
-        ears.Hear(Music(44100, 2), 512);
-        return ears.listener.changes.size();
-    };
-    EXPECT_GT(changes(-35, 0), 0U);
-    EXPECT_EQ(changes(10, 0), 0U);
-    EXPECT_EQ(changes(-35, 16), 0U);
-    EXPECT_EQ(changes(-35, std::nanf("")), 0U);
 }

@@ -49,17 +49,31 @@ TEST_F(EarTest, AChangeEndsTheNotesThatSoundAndClassicIsAsItWasBefore) {
     EXPECT_EQ(host.TakenEvents(), Later(classic, begin));
 }
 
-// The refined ear decides late, so a pause of nothing does not cut its notes off; a second of it does.
-TEST_F(EarTest, TheRefinedEarHearsASilenceOut) {
+// The refined ear decides late, so a pause of nothing does not cut its notes off; a second of it does, and
+// all that was heard is forgotten.
+TEST_F(EarTest, TheRefinedEarHearsTheSameHoweverTheAudioIsCutAndASilenceOut) {
     EXPECT_EQ(Choose(Ear::refinedLive), 1);
+    std::vector<Host::Event> first;
+    for (const std::size_t block : {512, 7, 64, 777}) {
+        const std::int64_t begin = host.clock;
+        host.Play(tones, block);
+        EXPECT_GT(host.Sounding(), 0);
+        host.Play(Silence(441));
+        EXPECT_FALSE(Object().stopped);
+        host.Play(Silence(22050));
+        EXPECT_EQ(host.Sounding(), 0);
+        host.Play(Silence(44100));
+        EXPECT_TRUE(Object().stopped);
+        const std::vector<Host::Event> events = host.TakenEvents();
+        if (first.empty()) first = events;
+        EXPECT_EQ(events, Later(first, begin)) << "blocks of " << block;
+    }
+    EXPECT_EQ(Set(vendorThreshold, 16), 1);  // out of reach
     host.Play(tones);
-    EXPECT_GT(host.Sounding(), 0);
-    host.Play(std::vector<float>(441));
-    EXPECT_FALSE(Object().stopped);
-    host.Play(std::vector<float>(22050));
-    EXPECT_EQ(host.Sounding(), 0);
-    host.Play(std::vector<float>(44100));
-    EXPECT_TRUE(Object().stopped);
+    EXPECT_EQ(Set(vendorThreshold, 0), 1);
+    host.Set(1, 0);  // a floor of 0 dB
+    host.Play(tones);
+    EXPECT_TRUE(host.TakenEvents().empty());
 }
 
 TEST_F(EarTest, InputLevelMakesQuietSoundsAudibleAndZeroChangesNothing) {
