@@ -235,7 +235,7 @@ void TRTRecording::TopUp() {
 }
 
 // Copies into a larger list a piece at a time, and lets the audio thread in between. Lists only grow at their
-// end, so what was copied stays right until one is emptied, which `clears` tells.
+// end, so what was copied stays right until one is emptied, which `clears` counts.
 void TRTRecording::GiveRoom(std::vector<TRecordEvent>& list, std::size_t enough, std::size_t wanted,
                             bool evenStopped) {
     std::vector<TRecordEvent> larger;

@@ -13,7 +13,7 @@ public:
     virtual ~IWaveProcessor() = default;
 };
 
-// Told once per frame that the detector's flags and levels are fresh.
+// Notified once per frame that the detector's flags and levels are fresh.
 //
 // Threads: Attach before the first sample; OnFrame [audio], inside Process.
 class INoteHandler {

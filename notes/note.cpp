@@ -128,8 +128,8 @@ std::uint32_t TNote::GetLength() const {
 // The boundary that leads goes first, so that the begin stays ahead of the end at each moment.
 void TNote::MoveTo(std::uint32_t time) {
     if (time == startPoint.time) return;
-    const std::uint64_t wished = std::uint64_t{time} + GetLength();
-    const std::uint32_t newEnd = static_cast<std::uint32_t>(std::min<std::uint64_t>(wished, lastTick));
+    const std::uint64_t wanted = std::uint64_t{time} + GetLength();
+    const std::uint32_t newEnd = static_cast<std::uint32_t>(std::min<std::uint64_t>(wanted, lastTick));
     const std::uint32_t newBegin = std::min(time, newEnd - 1);
     if (newBegin > startPoint.time) {
         MoveEnd(newEnd);

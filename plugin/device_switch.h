@@ -71,6 +71,6 @@ private:
 
     std::mutex guard;                                  // of what follows; held across no call
     std::vector<Request> requests;                     // in the order in which they came
-    bool busy = false;                                 // somebody is fulfilling them
+    bool busy = false;                                 // somebody is serving them
     std::vector<std::unique_ptr<TRTMidiOut>> retired;  // detached; to be deleted once no thread is inside one
 };
