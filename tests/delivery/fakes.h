@@ -39,12 +39,8 @@ using Log = std::vector<std::string>;
 
 class FakeOut : public TmtNoteOut {
 public:
-    FakeOut(char outName, Log& outLog, int* outDeaths = nullptr)
-        : name(1, outName), log(outLog), deaths(outDeaths) {}
-    ~FakeOut() override {
-        FakeOut::Stop();  // by now the recorder must have nothing left to say
-        if (deaths != nullptr) ++*deaths;
-    }
+    FakeOut(char outName, Log& outLog) : name(1, outName), log(outLog) {}
+    ~FakeOut() override { FakeOut::Stop(); }  // by now the recorder must have nothing left to say
     void NoteOn(std::int32_t band) override { log.push_back(name + "+" + std::to_string(band)); }
     void NoteOff(std::int32_t band) override { log.push_back(name + "-" + std::to_string(band)); }
     void Send(std::uint32_t message) override { log.push_back(name + "!" + std::to_string(message)); }
@@ -52,7 +48,6 @@ public:
 private:
     std::string name;
     Log& log;
-    int* deaths;
 };
 
 // A running recorder on a fake detector.

@@ -1,8 +1,6 @@
 #include "delivery/note_recorder.h"
 
 #include <future>
-#include <limits>
-#include <memory>
 
 #include "tests/delivery/fakes.h"
 
@@ -10,20 +8,11 @@ namespace {
 
 using Recorder = RecorderTest;
 
-TEST_F(Recorder, ABandWithoutANoteHasNoMessage) {
-    for (const std::int32_t extreme :
-         {std::numeric_limits<std::int32_t>::max(), std::numeric_limits<std::int32_t>::min()}) {
-        recorder.ChangeTranspose(extreme);
-        for (const auto& band : recorder.messages) EXPECT_EQ(band.onMessage | band.offMessage, 0U);
-    }
-}
-
 TEST_F(Recorder, AnAttachedDetectorStartsAFreshClockWithAllItsBandsUpTo128) {
-    FakeDetector noFlags, noLevels, noBands(0), wide(150);
+    FakeDetector noFlags, wide(150);
     noFlags.bandOn = nullptr;
-    noLevels.bandLevel = nullptr;
     Add('a')->Start();
-    for (FakeDetector* const other : {&noFlags, &noLevels, &noBands, &wide}) {
+    for (FakeDetector* const other : {&noFlags, &wide}) {
         recorder.enabled[3] = false;
         recorder.Attach(other);
         recorder.Attach(nullptr);  // changes nothing
@@ -35,7 +24,6 @@ TEST_F(Recorder, AnAttachedDetectorStartsAFreshClockWithAllItsBandsUpTo128) {
     }
     recorder.Attach(&wide);
     EXPECT_EQ(recorder.GetTime(), 0);
-    EXPECT_EQ(TNoteRecorder().BandDelaySamples(0), 0);  // no detector
     wide.delay = 82.517F;  // ms; 3638.9997 samples, which in single precision, x 0.001 first, are 3639
     EXPECT_EQ(recorder.BandDelaySamples(0), 3639);
 }
@@ -74,25 +62,6 @@ TEST_F(Recorder, AFrameSurvivesOutputsThatComeAndGoInTheMiddleOfIt) {
             EXPECT_TRUE(recorder.OutputsAreQuiet());
             for (TNoteOut* const out : all) recorder.RemoveOutput(out);
         }
-}
-
-TEST_F(Recorder, DeletesItsOutputsSilently) {
-    int deaths = 0;
-    auto dying = std::make_unique<TNoteRecorder>();
-    dying->Attach(&detector);
-    dying->Activate(0);
-    dying->AddOutput(nullptr);
-    dying->RemoveOutput(nullptr);
-    dying->AddOutput(new FakeOut('a', log, &deaths));
-    FakeOut* const both = new FakeOut('b', log, &deaths);
-    dying->AddAutoStartOutput(both);  // in two lists
-    both->Start();
-    detector.Set(45, true);
-    dying->OnFrame();
-    Taken();
-    dying.reset();
-    EXPECT_EQ(deaths, 2);
-    EXPECT_EQ(Taken(), Log());  // although each stops itself in its destructor
 }
 
 // What waits for the first note gets it twice: as it starts, and as the frame is offered to it.
