@@ -8,9 +8,7 @@
 #include "lv2/uris.h"
 #include "tests/lv2/lv2_host.h"
 #include "tests/support/await.h"
-#include "tests/support/devices.h"
 #include "tests/support/host_window.h"
-#include "tests/support/messages.h"
 #include "tests/support/music.h"
 
 namespace {
@@ -21,13 +19,12 @@ class Lv2Window : public testing::Test {
 protected:
     ~Lv2Window() override { Close(); }
 
-    // With an instance's handle, in the host's window or on the desktop; false when there is no window.
-    bool Open(void* instance, bool inParent = true) {
+    // With an instance's handle; false when there is no window.
+    bool Open(void* instance) {
         const LV2_Feature access{LV2_INSTANCE_ACCESS_URI, instance}, nameless{},
             place{LV2_UI__parent, desktop.Handle()};
-        std::vector<const LV2_Feature*> features{&nameless};
+        std::vector<const LV2_Feature*> features{&nameless, &place};
         if (instance != nullptr) features.push_back(&access);
-        if (inParent) features.push_back(&place);
         features.push_back(nullptr);
         LV2UI_Widget widget = nullptr;
         window = ui->instantiate(
@@ -170,38 +167,6 @@ TEST_F(Lv2Window, OpensOnceForItsOwnInstanceAndMayOutliveWhatItStandsIn) {
     xcb_destroy_window(desktop.connection, desktop.parent);
     desktop.Sync();
     EXPECT_TRUE(AwaitThat([this] { return Idle() == 1; }));
-}
-
-TEST_F(Lv2Window, StandsOnTheDesktopForHostsWithoutAWindow) {
-    const std::size_t others = desktop.Children(desktop.screen->root).size();
-    ASSERT_TRUE(Open(host->handle, false));
-    const auto& shower = *static_cast<const LV2UI_Show_Interface*>(ui->extension_data(LV2_UI__showInterface));
-    for (int life = 0; life < 2; ++life) {
-        ASSERT_EQ(shower.show(window), 0);
-        EXPECT_EQ(desktop.Children(desktop.screen->root).size(), others + 1);
-        EXPECT_EQ(Idle(), 0);
-        EXPECT_EQ(shower.hide(window), 0);
-        EXPECT_EQ(desktop.Children(desktop.screen->root).size(), others);
-    }
-}
-
-// The port follows what is really open, and the host's echo requests nothing.
-TEST_F(Lv2Window, ADeviceThatIsNotAvailableSwitchesItsPortOff) {
-    FakeDevices layer;
-    Messages messages;
-    SubstituteMidiOut(&layer);
-    layer.refusedOpens[0] = MMSYSERR_ALLOCATED;
-    ASSERT_TRUE(Open());
-    for (const float echo : {1.0F, 0.0F}) {
-        host->control[paramDeviceEnabled] = echo;
-        RunFor(100);
-        host->Work();
-        EXPECT_TRUE(Await([&] { return !written.empty(); }));
-    }
-    EXPECT_EQ(written, (Written{{std::uint32_t{portFirstControl} + 89, 0.0F}}));
-    Close();
-    host.reset();
-    SubstituteMidiOut(nullptr);
 }
 
 }  // namespace
