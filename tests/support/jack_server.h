@@ -48,7 +48,6 @@ public:
         } catch (const std::exception& fault) {
             ADD_FAILURE() << fault.what();
         }
-        Freeze(false);
         End(SIGTERM);
         std::filesystem::remove(log);
         unsetenv("JACK_DEFAULT_SERVER");
@@ -70,10 +69,7 @@ public:
         End(SIGKILL);
         throw std::runtime_error("jackd does not start. Its output:\n" + ReadAll(log));
     }
-    void Die() { End(SIGKILL); }       // at once, without a word to its clients
-    void Freeze(bool frozen = true) {  // it lives and does nothing
-        if (process > 0) kill(process, frozen ? SIGSTOP : SIGCONT);
-    }
+    void Die() { End(SIGKILL); }  // at once, without a word to its clients
 
 private:
     // False where the name is taken: by another test, or by a killed server whose parent has not reaped it
@@ -145,7 +141,6 @@ public:
     explicit JackReceiver(const std::string& name, std::vector<float> samples = {}, std::size_t room = 0)
         : events(20000), played(std::move(samples)), kept(room), client(QuietJackClient(name.c_str())) {
         if (client == nullptr) throw std::runtime_error("no JACK server for " + name);
-        periods.reserve(room / 64);
         midi = jack_port_register(client, "in", JACK_DEFAULT_MIDI_TYPE, JackPortIsInput, 0);
         audio = jack_port_register(client, "audio", JACK_DEFAULT_AUDIO_TYPE, JackPortIsInput, 0);
         out = jack_port_register(client, "out", JACK_DEFAULT_AUDIO_TYPE, JackPortIsOutput, 0);
@@ -182,9 +177,7 @@ public:
         return senders;
     }
     void Play() { playing = true; }  // from the next period on
-    bool HasPlayed() const { return position.load() == played.size(); }
-
-    // Waits for that many messages since the beginning; false if no more came for a long time.
+    // For that many messages since the beginning; false if no more came for a long time.
     bool Await(std::size_t wanted) const {
         return AwaitThat([&] { return Count() >= wanted; });
     }
@@ -197,26 +190,13 @@ public:
     }
     std::size_t Length() const { return length.load(); }  // samples kept so far
     const std::vector<float>& Samples() const { return kept; }
-    // After Stop: the first sample that was kept in the period in which another one began to play.
-    std::size_t BeginOf(const JackReceiver& player) const {
-        const auto isFirst = [&](const Period& period) { return period.serverTime == player.beganAt; };
-        const auto found = std::find_if(periods.begin(), periods.end(), isFirst);
-        if (found == periods.end()) throw std::runtime_error("the recorder was not given all periods");
-        return found->at;
-    }
 
 private:
-    struct Period {
-        jack_nframes_t serverTime;
-        std::size_t at;  // samples kept
-    };
-
     // The server orders the access to the port buffers of one process's clients by means that the thread
     // sanitizer cannot see, so it does not look at this function, which copies messages by hand.
     __attribute__((no_sanitize("thread"))) int Process(jack_nframes_t frames) {
         const std::size_t from = position, start = length;
         const std::size_t plays = playing ? std::min<std::size_t>(frames, played.size() - from) : 0;
-        if (from == 0 && plays > 0) beganAt = jack_last_frame_time(client);
         auto* const output = static_cast<float*>(jack_port_get_buffer(out, frames));
         std::fill_n(std::copy_n(played.data() + from, plays, output), frames - plays, 0.0F);
         position = from + plays;
@@ -234,7 +214,6 @@ private:
         }
         count = at;
         clock += frames;
-        if (periods.size() < periods.capacity()) periods.push_back({jack_last_frame_time(client), start});
         const std::size_t fits = std::min<std::size_t>(frames, kept.size() - start);
         std::copy_n(static_cast<const float*>(jack_port_get_buffer(audio, frames)), fits,
                     kept.data() + start);
@@ -243,13 +222,12 @@ private:
     }
 
     std::vector<Event> events;
-    std::vector<Period> periods;
     const std::vector<float> played;
     std::vector<float> kept;
     jack_client_t* client;  // null once it has stopped
     jack_port_t *midi = nullptr, *audio = nullptr, *out = nullptr;
-    std::size_t clock = 0;  // samples that the client was given
-    std::atomic<std::size_t> count{0}, position{0}, length{0};
-    std::atomic<jack_nframes_t> beganAt{0};  // on the server's clock; counts once it HasPlayed
+    std::size_t clock = 0;     // samples that the client was given
+    std::size_t position = 0;  // of what is played
+    std::atomic<std::size_t> count{0}, length{0};
     std::atomic<bool> playing{false}, serverDied{false};
 };

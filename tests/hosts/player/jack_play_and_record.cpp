@@ -17,7 +17,6 @@
 namespace {
 
 constexpr int margin = 10;  // s of recording beside the music, for the connections ahead of it
-constexpr int tail = 1;     // s after the music
 
 template <typename Condition>
 void Await(const std::string& what, Condition condition, int seconds = 30) {
@@ -45,34 +44,35 @@ bool PlayAndRecord(jack_client_t& looker, const std::string& audio, const std::s
     for (const char* port : {":in", ":out", ":midi"})
         Await(host + port, [&] { return jack_port_by_name(&looker, (host + port).c_str()) != nullptr; });
 
-    // Two clients: one that hears itself through another is a circle, which the server breaks by a period's
-    // delay.
-    JackReceiver player("player", music);
-    JackReceiver recorder("recorder", {}, music.size() + Samples(rate, margin + tail));
-    if (jack_connect(&looker, "player:out", (host + ":in").c_str()) != 0 || !recorder.Hear(host + ":out") ||
-        !recorder.HearMidi(host + ":midi"))
+    JackReceiver player("player", music, music.size() + Samples(rate, margin));
+    if (jack_connect(&looker, "player:out", (host + ":in").c_str()) != 0 || !player.Hear(host + ":out") ||
+        !player.HearMidi(host + ":midi"))
         throw std::runtime_error(host + " cannot be connected");
     player.Play();
-    const int length = static_cast<int>(music.size()) / rate + 1;
+    const std::vector<float>& samples = player.Samples();
+    const int length = static_cast<int>(samples.size()) / rate;
     Await(
-        "the music's end", [&] { return player.HasPlayed(); }, 5 * length + 30);
-    const std::size_t end = recorder.Length() + Samples(rate, tail);
-    Await("the recording's end", [&] { return recorder.Length() >= end; });
-    recorder.Stop();
+        "the recording's end", [&] { return player.Length() == samples.size(); }, 5 * length);
+    player.Stop();
 
-    const std::size_t begin = recorder.BeginOf(player);
+    // The music begins where its first sample that is not zero comes back.
+    const auto ahead = [](const Audio& sound) {
+        return std::find_if(sound.begin(), sound.end(), [](float sample) { return sample != 0; }) -
+               sound.begin();
+    };
+    const std::ptrdiff_t begin = ahead(samples) - ahead(music);
+    if (begin < 0 || samples.size() - static_cast<std::size_t>(begin) < music.size())
+        throw std::runtime_error("the music does not come back whole");
     Take take{rate, 0, {}};
-    for (std::size_t i = 0; i < recorder.Count(); ++i)
+    for (std::size_t i = 0; i < player.Count(); ++i)
         take.events.push_back(
-            {static_cast<std::int64_t>(recorder.EventAt(i).at) - static_cast<std::int64_t>(begin),
-             recorder.EventAt(i).bytes});
+            {static_cast<std::int64_t>(player.EventAt(i).at) - begin, player.EventAt(i).bytes});
     std::ofstream csv(heard + ".csv");
     csv << EventCsv(take);
     if (!csv.flush()) throw std::runtime_error(heard + ".csv cannot be written");
-    const float* const samples = recorder.Samples().data();
-    WriteAudio(heard + ".wav", {samples + begin, samples + recorder.Length()}, rate, 1,
-               SF_FORMAT_WAV | SF_FORMAT_FLOAT);
-    const auto [at, ignored] = std::mismatch(music.begin(), music.end(), samples + begin);
+    const auto first = samples.begin() + begin;
+    WriteAudio(heard + ".wav", {first, samples.end()}, rate, 1, SF_FORMAT_WAV | SF_FORMAT_FLOAT);
+    const auto [at, ignored] = std::mismatch(music.begin(), music.end(), first);
     std::printf("audio: %td of %zu samples came back as they were played\n", at - music.begin(),
                 music.size());
     return at == music.end();
