@@ -8,7 +8,6 @@
 #include "editor/equalizer_stroke.h"
 #include "editor/help_file.h"
 #include "editor/idle_clock.h"
-#include "editor/line_breaks.h"
 #include "tests/support/temp_folder.h"
 
 namespace {
@@ -85,18 +84,6 @@ TEST(HelpFile, IsFoundInABuildAndUnderThePrefixOfAPackage) {
         }
         EXPECT_EQ(ManualOf(module), manual) << module;
     }
-}
-
-using Lines = std::vector<std::string>;
-Lines InTen(std::string_view text) {  // of a font in which every byte is as wide
-    return BreakLines(text, 10, [](std::string_view piece) { return static_cast<double>(piece.size()); });
-}
-
-TEST(LineBreaks, KeepEachCharacterOfAnAddressAndDropTheBlankBetweenWords) {
-    EXPECT_EQ(InTen("No help at\nhttps://ab-c.example/d-e/f?g=h-i&j"),
-              (Lines{"No help at", "https://", "ab-c.examp", "le/d-e/f?", "g=h-i&j"}));
-    EXPECT_EQ(InTen("one two three twenty-one\n\nend"), (Lines{"one two", "three", "twenty-one", "", "end"}));
-    EXPECT_EQ(InTen("123456789\xC3\xA4z"), (Lines{"123456789", "\xC3\xA4z"}));  // an umlaut stays whole
 }
 
 }  // namespace

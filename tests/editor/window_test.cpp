@@ -3,7 +3,9 @@
 #include <thread>
 
 #include "editor/level_column.h"
+#include "plugin/hearing.h"
 #include "tests/editor/editor_test.h"
+#include "tests/support/temp_folder.h"
 
 namespace {
 
@@ -88,6 +90,36 @@ TEST_F(Window, ThePictureTakesTheLevelsAsAColumnAtItsLeftEdgeAndMovesOn) {
         return band == 84;
     }));
     EXPECT_TRUE(host->Await([&] { return host->Pixel(left, row) == 0x93BAD8U; }));  // no blocks: dark
+}
+
+// The menu lies at the pointer, with rows of 19 pixels; what a row opens lies to its right.
+TEST_F(Window, MenuChoosesTheEarOfThisInstanceAndOfThoseToComeWhereNoHostDoes) {
+    const TempFolder folder;
+    setenv("XDG_CONFIG_HOME", folder.path.c_str(), 1);
+    Open();
+    const auto openMenu = [this] {
+        host->RightClick(120, 200);
+        host->Settle();
+        host->MoveTo(140, 210);  // the first row
+        host->Settle();
+    };
+    const Picture bare = Page();
+    openMenu();
+    EXPECT_EQ(Page(), bare);  // the host has controls of its own for it
+    host->plugin.usePreferredHearing();
+    EXPECT_EQ(host->plugin.hearing(), Hearing());
+    openMenu();
+    host->MoveTo(255, 210);
+    host->Settle();
+    Click({260, 229});
+    const Hearing refined{Ear::refinedLive, 0, 0};
+    EXPECT_TRUE(host->Await([&] { return host->plugin.hearing() == refined; }));
+    EXPECT_TRUE(host->Await([&] { return Page() != bare; }));  // it is shown
+    EXPECT_EQ(ReadPreferredHearing(), refined);
+    openMenu();
+    host->Call(effEditClose);  // with a menu beside a menu
+    ASSERT_TRUE(host->Open());
+    unsetenv("XDG_CONFIG_HOME");
 }
 
 }  // namespace

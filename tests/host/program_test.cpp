@@ -207,11 +207,7 @@ TEST_F(Program, PrintsTablesInOrderAndWritesFilesBeside) {
     EXPECT_TRUE(Contains(csv, ",144,60,100,note on\n") && Contains(csv, ",128,60,0,note off\n")) << csv;
 }
 
-TEST_F(Program, InfoShowsAllThatThePluginSaysAndWhatAnInstrumentSets) {
-    const Json facts = Json::parse(RunHost({"info", "--json"}).out);
-    const std::pair<const char*, Json> expected[] = {
-        {"/name", "ORVA Audio To MIDI"}, {"/uniqueId", "ORV1"}, {"/parameters/1/display", "-35 dB"}};
-    for (const auto& [path, value] : expected) EXPECT_EQ(facts.at(Json::json_pointer(path)), value) << path;
+TEST(Info, ShowsWhatAnInstrumentSets) {
     for (const std::string name : {"bass", "piano"})  // whose bars fall by 1 dB an octave
         EXPECT_EQ(RunHost({"info", "--for", name}).out, ReadAll(ORVA_GOLDEN "/" + name + ".txt"));
 }
