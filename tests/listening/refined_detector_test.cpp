@@ -1,7 +1,8 @@
-// The picker, frame by frame, against a simpler model that sees all of a band's outputs at once.
+// Levels, and the picker, frame by frame, against a simpler model that sees all of a band's outputs at once.
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <random>
 #include <utility>
 #include <vector>
@@ -53,6 +54,15 @@ Notes PickByFrames(const Frames& onset, const Frames& sounding, int onsetBack, i
 }
 
 }  // namespace
+
+TEST(RefinedEar, LevelsAreLogarithmsToAThousandthOfADecibel) {
+    for (int step = 0; step < 15900; ++step) {
+        const float power = std::pow(10.0F, static_cast<float>(step) / 1000 - 13.95F);
+        ASSERT_NEAR(LevelOf(power) / stepsPerDb, 10 * std::log10(static_cast<double>(power)), 0.001);
+    }
+    for (const float silent : {0.0F, 1e-30F, std::nanf("")})
+        EXPECT_NEAR(LevelOf(silent) / stepsPerDb, -140, 0.001);
+}
 
 TEST(RefinedEar, PickingByFramesFindsTheNotesOfPickingInTheWhole) {
     std::mt19937 random(1);

@@ -135,6 +135,18 @@ TEST(MidiExporter, BarsOfTheFileFallOnBarsOfTheScore) {
     }
 }
 
+// A bar 1.9 % shorter than its tempo says puts the file 838 ticks ahead of the score: 9 MIDI ticks at its
+// tempo, but 18 at the next one's, which is twice as fast. A note that follows another at once then comes 9
+// ticks late, and those 9 are made good by its end.
+TEST(MidiExporter, ATrackThatIsAheadWaitsForTheMusic) {
+    Score score = ScoreOfBars({44100, 43262, 22050, 22050});
+    score.Add(50000, 87361);  // up to a tick before the third bar
+    const Ticks onsets = Onsets(score.Tracks(), 1);
+    ASSERT_EQ(onsets.size(), 6U);
+    for (std::size_t bar = 2; bar < 5; ++bar)
+        EXPECT_NEAR(static_cast<double>(onsets[bar + 1]), 480.0 * static_cast<double>(bar), 20.0);
+}
+
 // A stub of 5000 ticks before bars of 2 s. Moved by 44100 - 5000, the music begins a whole bar later; notes
 // keep their ends, so one that is shorter than the way keeps a tick of itself. Where it is not to be mended
 // it goes, and the first bar lasts 49100 ticks: 4 * 49100 / 22050 s / 16 = 0.556689 s.
