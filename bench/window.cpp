@@ -28,13 +28,13 @@ void Idle(benchmark::State& state) {
         detector.separated[band] = state.range(0) != 0 ? 0.01F * static_cast<float>(1 + band % 7) : 0.0F;
     }
     host.plugin.noteRecorder.OnFrame();
-    for (int i = 0; i < 30; ++i) host.Idle();  // the first pictures
+    for (int i = 0; i < 30; ++i) host.Call(effEditIdle);  // the first pictures
     double columns = 0, most = 0, spent = 0;
     for ([[maybe_unused]] auto iteration : state) {
         std::this_thread::sleep_for(std::chrono::milliseconds(33));
         const float average = host.plugin.levelAverage;
         const double begin = ProcessorSeconds();
-        host.Idle();
+        host.Call(effEditIdle);
         const double cost = ProcessorSeconds() - begin;
         state.SetIterationTime(cost);
         if (host.plugin.levelAverage == average) continue;
