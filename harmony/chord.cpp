@@ -160,10 +160,10 @@ bool TChord::mayRetryWithoutHighest(const TChordInfo& result) const {
 // Analyses all tones but one, beginning with `first`. Only the type is taken over: the root stays.
 void TChord::retry(TChordInfo& result, std::int32_t first) const {
     std::array<std::uint32_t, mostTones> others{};
-    for (std::int32_t tone = 0; tone < noteCount - 1; ++tone)
-        others[static_cast<std::size_t>(tone)] = tones[static_cast<std::size_t>(first + tone)].pitch;
-    TChord reduced({others.data(), static_cast<std::size_t>(noteCount - 1)},
-                   pitches.get_allocator().resource());
+    const std::size_t count = tones.size() - 1;
+    for (std::size_t tone = 0; tone < count; ++tone)
+        others[tone] = tones[static_cast<std::size_t>(first) + tone].pitch;
+    TChord reduced({others.data(), count}, pitches.get_allocator().resource());
     reduced.isRetry = true;
     if (!reduced.recognise() || reduced.info.type == ctNone) return;
     result.type = reduced.info.type;
