@@ -70,10 +70,14 @@ void DeviceWorker::Note(std::int32_t index, float value) {
 // A request that another thread is still serving looks like one that failed; that thread puts it right when
 // it comes here itself.
 void DeviceWorker::ReportFallBacks() {
-    const std::lock_guard<std::mutex> held(guard);
     for (const std::int32_t index : {paramDevice, paramDeviceEnabled}) {
-        const float actual = object.Parameter(index);
-        if (!Same(index, Requested(index), actual) && listener.FellBack(index, actual))
+        float actual = 0;
+        {
+            const std::lock_guard<std::mutex> held(guard);
+            actual = object.Parameter(index);
+            if (Same(index, Requested(index), actual) || !listener.WantsFallBacks()) continue;
             Requested(index) = actual;
+        }
+        listener.FellBack(index, actual);
     }
 }

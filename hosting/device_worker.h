@@ -14,9 +14,10 @@
 // Whom the worker notifies that a device is not available.
 class IFallBackListener {
 public:
-    // The object has `value` for parameter `index`, other than was requested. False when nobody wants to
-    // know; the request then stands. [any]
-    virtual bool FellBack(std::int32_t index, float value) = 0;
+    // Whether anybody wants to know; otherwise the request stands. Not the place to call a host. [any]
+    virtual bool WantsFallBacks() = 0;
+    // The object has `value` for parameter `index`, other than was requested. [any]
+    virtual void FellBack(std::int32_t index, float value) = 0;
 
 protected:
     ~IFallBackListener() = default;
@@ -71,7 +72,7 @@ private:
     Mailbox fresh;                      // requests that no worker has seen yet
     std::atomic<bool> unheard = false;  // some are, and nobody was asked
 
-    std::mutex guard;                // of `requested`; held across no call into the object but to read a word
+    std::mutex guard;  // of `requested`; held across no call into object or host but to read a word
     float requested[2] = {0, 0};     // the last of each; as the object begins
     std::unique_ptr<OwnThread> own;  // last: it uses the others
 };

@@ -21,10 +21,8 @@ void HostedInstance::ParameterEdited(std::int32_t index, float value) {
 
 // The request itself stays as it is until the host changes it, or a device that is not available would be
 // asked for again and again.
-bool HostedInstance::FellBack(std::int32_t index, float value) {
-    if (!listener.WantsFallBacks()) return false;
+void HostedInstance::FellBack(std::int32_t index, float value) {
     object.ShowInEditor(index, value);
     forHost.post(index, value);
     listener.FellBack(index, value);
-    return true;
 }

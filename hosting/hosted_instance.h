@@ -8,12 +8,9 @@
 #include "hosting/hosted_object.h"
 
 // Whom an instance notifies of what did not come from the host.
-class IInstanceListener {
+class IInstanceListener : public IFallBackListener {
 public:
     virtual void ParameterEdited(std::int32_t index, float value) = 0;  // [ui] in the window; 0 to 95
-    // A device is not available, and the object has `value` instead of what was requested.
-    virtual bool WantsFallBacks() = 0;                           // [any] false: the request stands
-    virtual void FellBack(std::int32_t index, float value) = 0;  // [any]
 
 protected:
     ~IInstanceListener() = default;
@@ -64,7 +61,8 @@ public:
 private:
     void EventsSent(const VstEvents& events) override { gatherer.Take(events); }
     void ParameterEdited(std::int32_t index, float value) override;
-    bool FellBack(std::int32_t index, float value) override;
+    bool WantsFallBacks() override { return listener.WantsFallBacks(); }
+    void FellBack(std::int32_t index, float value) override;
 
     IInstanceListener& listener;
     std::uint32_t frames = 0;  // of the run

@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 
+#include "base/float_environment.h"
 #include "base/truncate.h"
 #include "editor/editor_factory.h"
 #include "parameters/parameters.h"
@@ -22,6 +23,7 @@ std::unique_ptr<IPluginEditor> MakeEditor(CORVAguivst& object) {
 
 HostedObject::HostedObject(double newRate, IObjectListener& newListener)
     : PluginHost(TruncateToInt32(newRate), {}), listener(newListener) {
+    const FloatEnvironment hosts;
     Construct([this](audioMasterCallback callback) {
         madeEditor = nullptr;  // one that failed may have left its own
         auto made = std::make_unique<CORVAguivstEx>(callback, MakeEditor);

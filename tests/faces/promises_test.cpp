@@ -7,7 +7,10 @@
 
 #include "parameters/parameters.h"
 #include "tests/faces/face.h"
+#include "tests/support/await.h"
+#include "tests/support/devices.h"
 #include "tests/support/host_window.h"
+#include "tests/support/messages.h"
 #include "tests/support/music.h"
 #include "tests/support/watch.h"
 
@@ -139,6 +142,30 @@ TEST_P(LaterFaces, GiveAFullHostTheRestInTheNextBlock) {
         face->Process(nullptr, nullptr, 64);
     }
     EXPECT_EQ(face->events.size(), 4U);
+}
+
+TEST_P(LaterFaces, KeepTheRequestForADeviceThatIsNotAvailableButForWhatTheWindowShows) {
+    FakeDevices layer;
+    Messages messages;
+    SubstituteMidiOut(&layer);
+    layer.refusedOpens[0] = MMSYSERR_ALLOCATED;
+    {
+        HostWindow desktop;
+        const auto face = Active();
+        const auto request = [&](float value) {
+            face->Set(paramDeviceEnabled, value);
+            face->Process(nullptr, nullptr, 64);
+        };
+        request(1);
+        EXPECT_TRUE(AwaitThat([&] { return !layer.Taken().empty(); }));
+        EXPECT_EQ(face->Get(paramDeviceEnabled), 1.0F);  // as the project is to be saved
+        ASSERT_TRUE(face->OpenWindow(desktop.parent));
+        request(0);
+        request(1);
+        EXPECT_TRUE(AwaitThat([&] { return face->IdleWindow(), face->Get(paramDeviceEnabled) == 0.0F; }));
+        face->CloseWindow();
+    }
+    SubstituteMidiOut(nullptr);
 }
 
 TEST_P(LaterFaces, OpenTheirWindowAgainAndAgain) {
