@@ -129,17 +129,7 @@ TEST_F(Program, ReportsWhatCannotBeDoneAndRefusesWrongUsageInOneLine) {
 }
 
 TEST_F(Program, PassesItsSettingsOnToThePlugIn) {
-    const auto first = [&](const Arguments& options, const char* what) -> double {
-        return NotesOf(good, options).at(0)[what];
-    };
-    EXPECT_EQ(first({"--param", "velocity=0.5"}, "velocity"), 63);  // int(0.5 * 127)
-    // One host takes no event dated before its block. With that host's name, the plug-in leaves out the delay
-    // of the band by which it dates events back: three frames and 10 ms, and for each of the 47 bands between
-    // middle C and the top 1.11565 / 84 / 0.02 ms, which makes 71.2 ms.
-    EXPECT_NEAR(first({"--ear", "classic", "--host-vendor", "Ableton"}, "start") -
-                    first({"--ear", "classic"}, "start"),
-                0.0712, 0.0001);
-
+    EXPECT_EQ(NotesOf(good, {"--param", "velocity=0.5"}).at(0)["velocity"], 63);  // int(0.5 * 127)
     // A starting point shuts out what its instrument cannot play: C3 lies below a flute. It is parameter
     // 3 + 48 - 24 that opens its bar, and parameters have the last word.
     const std::string low = folder / "low.wav";

@@ -139,8 +139,10 @@ public:
     };
 
     explicit JackReceiver(const std::string& name, std::vector<float> samples = {}, std::size_t room = 0)
-        : events(20000), played(std::move(samples)), kept(room), client(QuietJackClient(name.c_str())) {
-        if (client == nullptr) throw std::runtime_error("no JACK server for " + name);
+        : events(20000), played(std::move(samples)), kept(room), client(nullptr) {
+        // A busy server may refuse at first.
+        if (!AwaitThat([&] { return (client = QuietJackClient(name.c_str())) != nullptr; }))
+            throw std::runtime_error("no JACK server for " + name);
         midi = jack_port_register(client, "in", JACK_DEFAULT_MIDI_TYPE, JackPortIsInput, 0);
         audio = jack_port_register(client, "audio", JACK_DEFAULT_AUDIO_TYPE, JackPortIsInput, 0);
         out = jack_port_register(client, "out", JACK_DEFAULT_AUDIO_TYPE, JackPortIsOutput, 0);
