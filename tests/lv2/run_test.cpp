@@ -3,6 +3,7 @@
 #include <future>
 #include <thread>
 
+#include "lv2/midi_port.h"
 #include "tests/lv2/lv2_host.h"
 #include "tests/support/devices.h"
 #include "tests/support/music.h"
@@ -69,6 +70,21 @@ TEST(Lv2Run, AllocatesNothing) {
         requested += Allocations::Requested() - before;
     }
     EXPECT_EQ(requested, 0U);
+}
+
+// 8 bytes of body and 24 for each event: 16 for its head, 3 for the message, padded to a multiple of 8.
+TEST(Lv2MidiPort, StaysWithinTheHostsBuffer) {
+    std::uint64_t buffer[8] = {};
+    auto& sequence = *reinterpret_cast<LV2_Atom_Sequence*>(buffer);
+    MidiPort port(1, 2);
+    port.Connect(&sequence);
+    for (const std::uint32_t capacity : {8U + 24U + 23U, 7U}) {
+        sequence.atom = {capacity, 0};
+        port.Begin();
+        EXPECT_EQ(port.Write(5, 0x644590), capacity > 8);
+        EXPECT_FALSE(port.Write(6, 0x644590));
+        EXPECT_EQ(EventsOf(sequence, 2).size(), capacity > 8 ? 1U : 0U);
+    }
 }
 
 // MIDI devices are never opened by the thread of a run.
