@@ -9,7 +9,6 @@
 #include "editor/editor_factory.h"
 #include "plugin/gui_plugin_ex.h"
 #include "tests/support/await.h"
-#include "tests/support/display_server.h"
 #include "tests/support/parent_window.h"
 
 struct Automation {

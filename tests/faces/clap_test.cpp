@@ -5,8 +5,8 @@
 #include "parameters/parameters.h"
 #include "tests/faces/clap_host.h"
 #include "tests/support/await.h"
-#include "tests/support/host_window.h"
 #include "tests/support/music.h"
+#include "tests/support/parent_window.h"
 
 namespace {
 

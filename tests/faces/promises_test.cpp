@@ -9,9 +9,9 @@
 #include "tests/faces/face.h"
 #include "tests/support/await.h"
 #include "tests/support/devices.h"
-#include "tests/support/host_window.h"
 #include "tests/support/messages.h"
 #include "tests/support/music.h"
+#include "tests/support/parent_window.h"
 #include "tests/support/watch.h"
 
 namespace {

@@ -8,8 +8,8 @@
 #include "lv2/uris.h"
 #include "tests/lv2/lv2_host.h"
 #include "tests/support/await.h"
-#include "tests/support/host_window.h"
 #include "tests/support/music.h"
+#include "tests/support/parent_window.h"
 
 namespace {
 

@@ -14,8 +14,8 @@
 #include "tests/support/await.h"
 #include "tests/support/devices.h"
 #include "tests/support/host.h"
-#include "tests/support/host_window.h"
 #include "tests/support/music.h"
+#include "tests/support/parent_window.h"
 #include "tests/support/temp_folder.h"
 #include "tests/support/trial.h"
 

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 #include <sys/mman.h>
 
-#include <atomic>
 #include <mutex>
 #include <thread>
 
@@ -16,7 +15,7 @@
 #include "tests/support/music.h"
 #include "tests/support/trial.h"
 #include "tests/support/watch.h"
-#if defined(__SSE2__)
+#if ORVA_WATCHES
 #include <xmmintrin.h>
 #endif
 
@@ -65,12 +64,18 @@ public:
 
 #if ORVA_WATCHES
 Trial* current = nullptr;
+std::uint32_t hostModes = 0;  // MXCSR: rounding, flush to zero, masks, and flags
 
-TEST(AudioThread, NeitherWaitsNorAllocatesNorLeavesForTheSystem) {
+TEST(AudioThread, NeitherWaitsNorAllocatesNorLeavesForTheSystemNorTouchesTheHostsModes) {
     RunTrials({12, 1, 120}, [](Trial& trial) {
         current = &trial;
         Player player;
         const Host& host = player.host;
+        // The flags may be set in the middle of a call; the modes must not.
+        player.host.atCall = [] {
+            current->Require(((_mm_getcsr() ^ hostModes) & ~0x3FU) == 0, "a call to the host in other modes");
+        };
+        const std::uint32_t usual = hostModes = _mm_getcsr();
         const Audio music = RandomMusic(trial.random, 48000, 4), silence(48000);
         player.Watch([](const char* name) { current->Fail(std::string("inside a process call: ") + name); });
         ASSERT_TRUE(Inside::WatchSystemCalls());
@@ -79,6 +84,9 @@ TEST(AudioThread, NeitherWaitsNorAllocatesNorLeavesForTheSystem) {
             const Audio& piece = trial.OneIn(6) ? silence : music;
             const std::size_t length = 1 + trial.Below(24000), at = trial.Below(piece.size() - length);
             const auto from = piece.begin() + static_cast<std::ptrdiff_t>(at);
+            // All exceptions masked; any rounding, flush to zero or not, any flags.
+            _mm_setcsr(hostModes =
+                           0x1F80U | static_cast<std::uint32_t>(trial.Below(8) << 13 | trial.Below(64)));
             ASSERT_TRUE(player.host.Play({from, from + static_cast<std::ptrdiff_t>(length)},
                                          std::size_t{1} << trial.Below(13), ways[trial.Below(3)]));
             for (std::uint64_t i = trial.OneIn(15) ? 4 : 0; i > 0; --i) player.host.Play(silence, 4096);
@@ -93,6 +101,8 @@ TEST(AudioThread, NeitherWaitsNorAllocatesNorLeavesForTheSystem) {
                 case 3: host.Set(paramDeviceEnabled, 0), host.Set(paramDeviceEnabled, 1); break;
                 default: host.Set(index, static_cast<float>(trial.Within(0, 1)));
             }
+            ASSERT_EQ(_mm_getcsr() & ~0x3FU, hostModes & ~0x3FU);
+            _mm_setcsr(hostModes = usual);
         }
         ASSERT_GT(player.devices.sent, 20);
     });
@@ -129,44 +139,6 @@ TEST(AudioThread, TheWatchSeesWhatIsThereToBeSeen) {
         player.host.Play(Tones({57, 64}, 0.3, 48000));
         ASSERT_TRUE(done);
         ASSERT_TRUE(harmless) << "not seen";
-    });
-}
-#endif
-
-#if defined(__x86_64__)
-std::uint32_t hostModes = 0;  // MXCSR: rounding, flush to zero, masks, and the sticky flags
-std::atomic<int> changed{0};
-
-TEST(AudioThread, EachCallLeavesTheHostsFloatingPointModesAsTheyWere) {
-    RunTrials({4, 1}, [](Trial& trial) {
-        const std::uint32_t usual = hostModes = _mm_getcsr();
-        Player player;
-        // The sticky flags may be set in the middle of a call; the modes must not.
-        player.host.atCall = [] { changed += ((_mm_getcsr() ^ hostModes) & ~0x3FU) != 0 ? 1 : 0; };
-        const Audio music = RandomMusic(trial.random, 48000, 4);
-        for (int call = 0; call < 500; ++call) {
-            const volatile float value = static_cast<float>(trial.Within(0, 1));
-            const auto index = static_cast<std::int32_t>(trial.Below(96));
-            const std::size_t at = trial.Below(music.size() - 2048);
-            Audio in(&music[at], &music[at + 1 + trial.Below(2000)]), out = in;
-            std::vector<double> wide(in.begin(), in.end());
-            const auto frames = static_cast<std::int32_t>(in.size());
-            // All masked; any rounding, flush to zero or not, any flags.
-            hostModes = 0x1F80U | static_cast<std::uint32_t>(trial.Below(8) << 13 | trial.Below(64));
-            _mm_setcsr(hostModes);
-            switch (call % 5) {
-                case 0: player.host.Process(Way::accumulating, in.data(), out.data(), frames); break;
-                case 1: player.host.Process(Way::replacing, in.data(), out.data(), frames); break;
-                case 2: player.host.Process(wide.data(), wide.data(), frames); break;
-                case 3: player.host.Set(index, value); break;
-                default: player.host.Call(call % 3 == 0 ? effMainsChanged : effEditIdle, 0, index % 2); break;
-            }
-            const std::uint32_t after = _mm_getcsr();
-            _mm_setcsr(usual);
-            ASSERT_EQ(after, hostModes) << "after call " << call;
-        }
-        hostModes = usual;
-        ASSERT_EQ(changed, 0) << "calls to the host in other modes";
     });
 }
 #endif

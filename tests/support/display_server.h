@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include <cstdlib>
-#include <initializer_list>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -16,33 +15,30 @@ extern char** environ;
 // A display without a screen, of our own: the programs of these tests see no other. Ended with the object.
 class DisplayServer {
 public:
-    DisplayServer() { Start(); }
-    ~DisplayServer() { End(); }
-    DisplayServer(const DisplayServer&) = delete;
-    DisplayServer& operator=(const DisplayServer&) = delete;
-
     // At the next free number, which becomes the DISPLAY of this process.
-    void Start() {
+    DisplayServer() {
         int number[2];
         if (pipe2(number, O_CLOEXEC) != 0) throw std::runtime_error("no pipe");
-        posix_spawn_file_actions_t files;
-        posix_spawn_file_actions_init(&files);
-        posix_spawn_file_actions_adddup2(&files, number[1], 3);
-        posix_spawn_file_actions_addopen(&files, 2, "/dev/null", O_WRONLY, 0);
-        // It ends with whoever started it, however that one ends.
-        const char* command[] = {
-            "setpriv",     "--pdeathsig", "KILL", "Xvfb",     "-displayfd", "3", "-screen",  "0",
-            "1024x768x24", "-nolisten",   "tcp",  "-noreset", "-screen",    "1", "64x64x24", nullptr};
-        const int fault =
-            posix_spawnp(&server, command[0], &files, nullptr, const_cast<char**>(command), environ);
-        posix_spawn_file_actions_destroy(&files);
+        server = fork();
+        if (server == 0) {
+            dup2(number[1], 3);
+            // It ends with whoever started it, however that one ends.
+            execlp("setpriv", "setpriv", "--pdeathsig", "KILL", "sh", "-c",
+                   "exec Xvfb -displayfd 3 -screen 0 1024x768x24 -screen 1 64x64x24 -nolisten tcp -noreset "
+                   "2> /dev/null",
+                   nullptr);
+            _exit(1);
+        }
         close(number[1]);
         std::string text;
-        for (char digit = 0; fault == 0 && read(number[0], &digit, 1) == 1 && digit != '\n';) text += digit;
+        for (char digit = 0; read(number[0], &digit, 1) == 1 && digit != '\n';) text += digit;
         close(number[0]);
         if (text.empty()) throw std::runtime_error("Xvfb did not start");
         setenv("DISPLAY", (":" + text).c_str(), 1);
     }
+    ~DisplayServer() { End(); }
+    DisplayServer(const DisplayServer&) = delete;
+    DisplayServer& operator=(const DisplayServer&) = delete;
 
     void End() {
         if (server <= 0) return;

@@ -8,7 +8,6 @@
 #include <cstring>
 #include <functional>
 #include <string>
-#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -145,7 +144,7 @@ public:
     AEffect* effect = nullptr;
 
     // How it answers.
-    std::intptr_t version = 2400, vendorVersion = 1234, sampleRate;
+    std::intptr_t version = 2400, sampleRate;
     const char* vendor = "Maker";   // null: the host fills in nothing
     const char* product = nullptr;  // likewise
     bool unterminated = false;      // 64 bytes of 'x' for its vendor, without a terminator
@@ -185,11 +184,6 @@ private:
                 if (unterminated) return std::memset(request.ptr, 'x', 64), 1;
                 return give(vendor);
             case audioMasterGetProductString: return give(product);
-            case audioMasterGetVendorVersion: return vendorVersion;
-            case audioMasterCanDo: {
-                const std::string_view question(static_cast<const char*>(request.ptr));
-                return question == "offline" ? -1 : question == "sizeWindow" ? 1 : 0;
-            }
             case audioMasterProcessEvents: {
                 if (!keepsEvents) return 0;
                 const VstEvents& sent = *static_cast<const VstEvents*>(request.ptr);

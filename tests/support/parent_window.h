@@ -6,8 +6,9 @@
 #include <cstdlib>
 #include <memory>
 #include <stdexcept>
-#include <string>
 #include <vector>
+
+#include "tests/support/display_server.h"
 
 template <typename T>
 struct XcbFreed {
@@ -61,19 +62,6 @@ public:
         std::copy_n(xcb_query_tree_children(reply.get()), windows.size(), windows.begin());
         return windows;
     }
-    xcb_atom_t Atom(const std::string& name) const {
-        const auto length = static_cast<std::uint16_t>(name.size());
-        const auto asked = xcb_intern_atom(connection, 0, length, name.data());
-        const XcbReply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(connection, asked, nullptr));
-        return reply->atom;
-    }
-    // The bytes of a window's property; none where it has no such one.
-    std::string Property(xcb_window_t of, const std::string& name) const {
-        const auto asked = xcb_get_property(connection, 0, of, Atom(name), XCB_ATOM_ANY, 0, 65536);
-        const XcbReply<xcb_get_property_reply_t> reply(xcb_get_property_reply(connection, asked, nullptr));
-        return {static_cast<const char*>(xcb_get_property_value(reply.get())),
-                static_cast<std::size_t>(xcb_get_property_value_length(reply.get()))};
-    }
     // Four bytes a pixel: blue, green, red, unused.
     std::vector<std::uint8_t> Pixels(int x, int y, int width, int height) const {
         const auto asked =
@@ -89,4 +77,19 @@ public:
     xcb_connection_t* connection = nullptr;
     xcb_screen_t* screen = nullptr;
     xcb_window_t parent = 0;
+};
+
+// A display of the process's own, started at the first request and ended with the process.
+inline DisplayServer& OwnDisplay() {
+    static DisplayServer server;
+    return server;
+}
+
+// A host's window on it.
+class HostWindow : public ParentWindow {
+public:
+    HostWindow() {
+        OwnDisplay();
+        Connect();
+    }
 };
