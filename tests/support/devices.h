@@ -24,15 +24,13 @@ class FakeDevices : public MidiOutDevices {
 public:
     using Calls = std::vector<std::string>;
 
-    std::uint32_t midiOutGetNumDevs() override { return Begin(), static_cast<std::uint32_t>(names.size()); }
+    std::uint32_t midiOutGetNumDevs() override { return static_cast<std::uint32_t>(names.size()); }
     std::uint32_t midiOutGetDevCapsW(std::uint32_t id, MidiOutCaps& caps) override {
-        Begin();
         if (id >= names.size()) return MMSYSERR_BADDEVICEID;
         names[id].copy(caps.name, MidiOutCaps::nameUnits);
         return MMSYSERR_NOERROR;
     }
     std::uint32_t midiOutOpen(MidiOutHandle& handle, std::uint32_t id) override {
-        Begin();
         if (keepsLines) Note("open " + (id == mapper ? "mapper" : std::to_string(id)));
         if (const auto refused = refusedOpens.find(id); refused != refusedOpens.end()) return refused->second;
         if (id >= names.size() && id != mapper) return MMSYSERR_BADDEVICEID;
@@ -42,7 +40,6 @@ public:
         return MMSYSERR_NOERROR;
     }
     std::uint32_t midiOutClose(MidiOutHandle handle) override {
-        Begin();
         if (keepsLines) Note("close " + std::to_string(handle));
         for (std::atomic<MidiOutHandle>& each : current)
             if (MidiOutHandle open = handle; each.compare_exchange_strong(open, 0))
@@ -50,7 +47,6 @@ public:
         return ++faults, MMSYSERR_INVALHANDLE;
     }
     std::uint32_t midiOutShortMsg(MidiOutHandle handle, std::uint32_t message) override {
-        Begin();
         const bool open = IsOpen(handle);
         sent.fetch_add(1, std::memory_order_relaxed);
         if (!open) stale.fetch_add(1, std::memory_order_relaxed);
@@ -67,23 +63,19 @@ public:
         return refused != refusedMessages.end() ? refused->second : MMSYSERR_NOERROR;
     }
     std::uint32_t midiOutReset(MidiOutHandle handle) override {
-        Begin();
         if (keepsLines) Note("reset " + std::to_string(handle));
         return MMSYSERR_NOERROR;
     }
     std::uint32_t midiOutLongMsg(MidiOutHandle handle, const MidiLongMessage& message) override {
-        Begin();
         if (keepsLines) Note("long " + std::to_string(handle) + " " + std::to_string(message.length));
         return MMSYSERR_NOERROR;
     }
     std::uint32_t midiOutGetErrorTextW(std::uint32_t code, MidiOutErrorTextW& text) override {
-        Begin();
         errorText(code).copy(text.text, MidiOutErrorTextW::units);
         return MMSYSERR_NOERROR;
     }
-    SystemVersion GetVersionExA() override { return Begin(), ++versionsAsked, version; }
+    SystemVersion GetVersionExA() override { return ++versionsAsked, version; }
     void ReadDevices() override {
-        Begin();
         if (keepsLines) Note("read");
     }
 
@@ -103,7 +95,6 @@ public:
         return u"code " + WideText(std::to_string(code), 10);
     };
     std::function<void(const std::string&)> during;  // inside each call that is written down
-    void (*atCall)() = nullptr;                      // at the begin of each call
     void (*judge)(std::uint32_t message) = nullptr;
     bool keepsLines = true;
     SystemVersion version = {6, 2};
@@ -113,9 +104,6 @@ public:
     std::atomic<long> stale{0};   // sent to a device that was not open
 
 private:
-    void Begin() const {
-        if (atCall != nullptr) atCall();
-    }
     void Note(const std::string& call) {
         calls.push_back(call);
         if (during) during(call);
