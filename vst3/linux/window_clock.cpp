@@ -20,8 +20,8 @@ private:
 
 class RunLoopClock final : public WindowClock {
 public:
-    RunLoopClock(IPtr<Linux::IRunLoop> hosts, std::function<void()> tick)
-        : runLoop(std::move(hosts)), handler(owned(new Handler(std::move(tick)))) {
+    RunLoopClock(const IPtr<Linux::IRunLoop>& hosts, std::function<void()> tick)
+        : runLoop(hosts), handler(owned(new Handler(std::move(tick)))) {
         runLoop->registerTimer(handler, period);
     }
     ~RunLoopClock() override {
