@@ -12,6 +12,7 @@
 #include "tests/support/messages.h"
 #include "tests/support/music.h"
 #include "tests/support/parent_window.h"
+#include "tests/support/trial.h"
 #include "tests/support/watch.h"
 
 namespace {
@@ -122,7 +123,8 @@ TEST_P(Faces, LiveAThousandLivesAndTwoAtATime) {
         return std::distance(begin(all), end(all));
     };
     const auto before = threads();
-    for (int life = 0; life < 1000; ++life) GetParam().make(life % 2 == 0 ? 44100 : 48000)->SetActive(true);
+    for (std::uint64_t life = 0; life < Scaled(1000); ++life)
+        GetParam().make(life % 2 == 0 ? 44100 : 48000)->SetActive(true);
     EXPECT_EQ(threads(), before);
     const auto one = Active(), two = Active();
     Audio out(music.size());
@@ -149,6 +151,8 @@ TEST_P(LaterFaces, KeepTheRequestForADeviceThatIsNotAvailableButForWhatTheWindow
     Messages messages;
     SubstituteMidiOut(&layer);
     layer.refusedOpens[0] = MMSYSERR_ALLOCATED;
+    std::atomic<bool> requested{false};
+    layer.during = [&](const std::string&) { requested = true; };
     {
         HostWindow desktop;
         const auto face = Active();
@@ -157,7 +161,7 @@ TEST_P(LaterFaces, KeepTheRequestForADeviceThatIsNotAvailableButForWhatTheWindow
             face->Process(nullptr, nullptr, 64);
         };
         request(1);
-        EXPECT_TRUE(AwaitThat([&] { return !layer.Taken().empty(); }));
+        EXPECT_TRUE(AwaitThat([&] { return requested.load(); }));
         EXPECT_EQ(face->Get(paramDeviceEnabled), 1.0F);  // as the project is to be saved
         ASSERT_TRUE(face->OpenWindow(desktop.parent));
         request(0);
@@ -171,7 +175,7 @@ TEST_P(LaterFaces, KeepTheRequestForADeviceThatIsNotAvailableButForWhatTheWindow
 TEST_P(LaterFaces, OpenTheirWindowAgainAndAgain) {
     HostWindow desktop;
     const auto face = Active();
-    for (int i = 0; i < 200; ++i) {
+    for (std::uint64_t i = 0; i < Scaled(200); ++i) {
         ASSERT_TRUE(face->OpenWindow(desktop.parent)) << i;
         EXPECT_EQ(desktop.Children().size(), 1U);
         face->IdleWindow();
