@@ -1,5 +1,5 @@
-# orva_pictures(TARGET): renders each vector source of resources/ to a PNG and embeds them all in TARGET, by id, so
-# that the module is one file to install. A source is named by its id, then whatever helps a reader: 141_record.svg.
+# orva_pictures(TARGET): renders each vector source of resources/ to a PNG at one, two and three times its size, and
+# embeds them all in TARGET, by id and scale, so that the module is one file to install. A source is named by its id, then whatever helps a reader: 141_record.svg.
 # The same sources, renderer and font give the same bytes.
 # With them goes the font of the window's texts, so that they look and fit alike on every machine.
 find_program(RSVG_CONVERT rsvg-convert REQUIRED)
@@ -38,14 +38,17 @@ function(orva_pictures target)
   foreach(source ${sources})
     get_filename_component(name ${source} NAME_WE)
     string(REGEX MATCH "^[0-9]+" id ${name})
-    set(png ${folder}/${id}.png)
-    add_custom_command(OUTPUT ${png} DEPENDS ${source} VERBATIM
-      COMMAND ${RSVG_CONVERT} --format=png --output=${png} ${source}
-      COMMENT "Rendering ${name}.svg")
-    list(APPEND rendered ${png})
-    string(APPEND bytes "    \"${prefix}picture_${id}: .incbin \\\"${id}.png\\\"\\n\"\n    \"${prefix}picture_${id}_end:\\n\"\n")
-    string(APPEND names "extern const unsigned char picture_${id}[], picture_${id}_end[];\n")
-    string(APPEND rows "    {${id}, picture_${id}, picture_${id}_end},\n")
+    foreach(scale 1 2 3)
+      set(picture ${id}_${scale})
+      set(png ${folder}/${picture}.png)
+      add_custom_command(OUTPUT ${png} DEPENDS ${source} VERBATIM
+        COMMAND ${RSVG_CONVERT} --zoom=${scale} --format=png --output=${png} ${source}
+        COMMENT "Rendering ${name}.svg, ${scale} to 1")
+      list(APPEND rendered ${png})
+      string(APPEND bytes "    \"${prefix}picture_${picture}: .incbin \\\"${picture}.png\\\"\\n\"\n    \"${prefix}picture_${picture}_end:\\n\"\n")
+      string(APPEND names "extern const unsigned char picture_${picture}[], picture_${picture}_end[];\n")
+      string(APPEND rows "    {${id}, ${scale}, picture_${picture}, picture_${picture}_end},\n")
+    endforeach()
   endforeach()
   set(font_rows "")
   foreach(style Regular Bold)

@@ -15,15 +15,19 @@ std::int32_t BigEndian(const unsigned char* at) {
 
 }  // namespace
 
-const Picture* FindPicture(std::int32_t id) {
+const Picture* FindPicture(std::int32_t id, std::int32_t scale) {
     const std::span<const Picture> all = AllPictures();
-    const auto found =
-        std::find_if(all.begin(), all.end(), [id](const Picture& each) { return each.id == id; });
+    const auto found = std::find_if(
+        all.begin(), all.end(), [=](const Picture& each) { return each.id == id && each.scale == scale; });
     return found == all.end() ? nullptr : &*found;
+}
+
+PictureSize SizeOf(const Picture& picture) {
+    if (picture.Size() < heightAt + 4) return {};
+    return {BigEndian(picture.begin + widthAt), BigEndian(picture.begin + heightAt)};
 }
 
 PictureSize SizeOfPicture(std::int32_t id) {
     const Picture* picture = FindPicture(id);
-    if (picture == nullptr || picture->Size() < heightAt + 4) return {};
-    return {BigEndian(picture->begin + widthAt), BigEndian(picture->begin + heightAt)};
+    return picture != nullptr ? SizeOf(*picture) : PictureSize();
 }

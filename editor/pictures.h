@@ -3,9 +3,10 @@
 #include <cstdint>
 #include <span>
 
-// A picture of the editor as it lies in the module: the bytes of a PNG file, under its id.
+// A picture of the editor as it lies in the module: the bytes of a PNG file, under its id and its scale.
 struct Picture {
     std::int32_t id;
+    std::int32_t scale;  // 1 to 3: its pixels for each of the layout
     const unsigned char* begin;
     const unsigned char* end;
 
@@ -18,12 +19,19 @@ struct PictureSize {
     std::int32_t height = 0;
 };
 
-// All of them, ascending by id; made at build time from resources/. [any]
+// All of them, ascending by id, then scale; made at build time from resources/. [any]
 std::span<const Picture> AllPictures();
 
-// The picture of that id; none for an id that is not there. [any]
-const Picture* FindPicture(std::int32_t id);
+// The picture of that id and scale; none where there is no such one. [any]
+const Picture* FindPicture(std::int32_t id, std::int32_t scale = 1);
 
-// Read from the picture's own header, so that the editor's size is known before any toolkit runs; 0 by 0 for
-// an id that is not there. [any]
+// The pictures to use in a window of that zoom: its own, or twice as fine where it is no whole number. [any]
+constexpr std::int32_t PictureScale(double zoom) {
+    const auto whole = static_cast<std::int32_t>(zoom);
+    return whole == zoom ? whole : static_cast<std::int32_t>(2 * zoom);
+}
+
+// Read from the picture's own header, so that the editor's size is known before any toolkit runs. [any]
+PictureSize SizeOf(const Picture& picture);
+// At scale 1; 0 by 0 for an id that is not there. [any]
 PictureSize SizeOfPicture(std::int32_t id);
