@@ -26,14 +26,30 @@ VSTGUI::KeyboardEvent EventOf(const VstKeyCode& key, bool down) {
 
 }  // namespace
 
-AEffGUIEditor::AEffGUIEditor(std::int32_t width, std::int32_t height) {
-    rect.right = static_cast<std::int16_t>(width);
-    rect.bottom = static_cast<std::int16_t>(height);
+AEffGUIEditor::AEffGUIEditor(std::int32_t width, std::int32_t height)
+    : layoutWidth(width), layoutHeight(height) {
+    rect = RectAt(size);
 }
 
 AEffGUIEditor::~AEffGUIEditor() {
     const std::lock_guard locked(ToolkitLock());
     AEffGUIEditor::close();
+}
+
+ERect AEffGUIEditor::RectAt(std::int32_t percent) const {
+    ERect result;
+    result.right = static_cast<std::int16_t>(layoutWidth * percent / 100);
+    result.bottom = static_cast<std::int16_t>(layoutHeight * percent / 100);
+    return result;
+}
+
+void AEffGUIEditor::SetSize(std::int32_t percent) {
+    if (percent == size) return;
+    size = percent;
+    rect = RectAt(size);
+    if (frame == nullptr) return;
+    place->Resize(rect.right, rect.bottom);
+    frame->setZoom(size / 100.0);
 }
 
 bool AEffGUIEditor::getRect(ERect** editorRect) {
@@ -48,7 +64,8 @@ bool AEffGUIEditor::open(void* parent) {
     if (parent == nullptr) return false;
     session = ToolkitSession::Begin();
     if (!session) return false;
-    frame = new VSTGUI::CFrame(VSTGUI::CRect(0, 0, rect.right, rect.bottom), this);
+    frame = new VSTGUI::CFrame(Layout(), this);
+    if (size != 100) frame->setZoom(size / 100.0);
     place = FrameWindow::Open(*frame, parent);
     if (place) return true;
     frame->forget();

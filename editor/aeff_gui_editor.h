@@ -18,7 +18,7 @@ public:
     AEffGUIEditor(std::int32_t width, std::int32_t height);
     ~AEffGUIEditor() override;
 
-    bool getRect(ERect** editorRect) override;  // fixed, known before the first open
+    bool getRect(ERect** editorRect) override;  // known before the first open
     bool open(void* parent) override;           // false without a display or a window `parent`
     void close() override;
     bool isOpen() const override { return frame != nullptr; }
@@ -32,9 +32,19 @@ protected:
     std::uint32_t HostWindow() const { return place ? place->TopLevel() : 0; }  // 0 while closed
     bool OwnWindowsOf(std::uint32_t process) const { return place && place->Own(process); }
 
+    // The window is `percent` of the layout's size from now on: the one that is open, or the next.
+    void SetSize(std::int32_t percent);
+    std::int32_t Size() const { return size; }
+    VSTGUI::CRect Layout() const { return {0, 0, VSTGUI::CCoord(layoutWidth), VSTGUI::CCoord(layoutHeight)}; }
+    // What the window takes at that size, in pixels.
+    ERect RectAt(std::int32_t percent) const;
+
     ERect rect;
 
 private:
+    const std::int32_t layoutWidth, layoutHeight;  // the views', at any size
+    std::int32_t size = 100;                       // percent
+
     bool dispatchKey(const VstKeyCode& key, bool down);
 
     std::unique_ptr<ToolkitSession> session;  // while open

@@ -1,14 +1,23 @@
 #include "editor/buffered_control.h"
 
+#include "editor/pictures.h"
+#include "vst2/records.h"
+#include "vstgui/lib/cframe.h"
+#include "vstgui/lib/platform/iplatformbitmap.h"
+
 using namespace VSTGUI;
 
-SharedPointer<COffscreenContext> CBufferedControl::MakeContext(const CPoint& size) {
-    return COffscreenContext::create(size);
+// The toolkit's own contexts of another scale are not of that scale on every system.
+SharedPointer<COffscreenContext> CBufferedControl::MakeContext() {
+    bufferScale = getFrame() != nullptr ? PictureScale(getFrame()->getZoom()) : 1;
+    auto context = COffscreenContext::create(CPoint(getWidth(), getHeight()) * bufferScale);
+    if (context) context->getBitmap()->getPlatformBitmap()->setScaleFactor(bufferScale);
+    return context;
 }
 
 void CBufferedControl::createBuffers() {
     if (offscreen) return;
-    offscreen = MakeContext({getWidth(), getHeight()});
+    offscreen = MakeContext();
     if (offscreen) offscreenBitmap = offscreen->getBitmap();
 }
 

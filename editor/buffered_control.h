@@ -1,6 +1,7 @@
 #pragma once
 #include "vst2/records.h"
 #include "vstgui/lib/cbitmap.h"
+#include "vstgui/lib/cgraphicstransform.h"
 #include "vstgui/lib/coffscreencontext.h"
 #include "vstgui/lib/controls/ccontrol.h"
 
@@ -29,8 +30,25 @@ protected:
     VSTGUI::SharedPointer<VSTGUI::COffscreenContext> offscreen;
     VSTGUI::SharedPointer<VSTGUI::CBitmap> offscreenBitmap;
 
-    static VSTGUI::SharedPointer<VSTGUI::COffscreenContext> MakeContext(const VSTGUI::CPoint& size);
+    // A context of the control's size, as fine as the pictures are at the window's zoom.
+    VSTGUI::SharedPointer<VSTGUI::COffscreenContext> MakeContext();
+
+    // Calls draw() with the context ready for what is given in the layout's pixels.
+    template <typename Draw>
+    void DrawInto(VSTGUI::COffscreenContext& context, Draw draw) const {
+        context.beginDraw();
+        context.setDrawMode(VSTGUI::kAliasing);
+        {
+            const VSTGUI::CDrawContext::Transform scaled(
+                context, VSTGUI::CGraphicsTransform().scale(bufferScale, bufferScale));
+            draw();
+        }
+        context.endDraw();
+    }
 
     // Something changed since the buffer was painted. The toolkit's own mark is gone by the time draw runs.
     bool bufferIsStale = true;
+
+private:
+    double bufferScale = 1;  // pixels of the buffers for each of the layout
 };

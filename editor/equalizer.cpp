@@ -43,30 +43,30 @@ void CEqualizer::Redraw() {
     const CCoord width = getWidth(), height = getHeight();
     const CRect all(0, 0, width, height);
 
-    offscreen->beginDraw();
-    offscreen->setDrawMode(kAliasing);
-    const CView* parent = getParentView();  // its picture shows through, as if the control were transparent
-    if (CBitmap* ground = parent ? parent->getBackground() : nullptr)
-        ground->draw(offscreen, all, getViewSize().getTopLeft());
+    DrawInto(*offscreen, [&] {
+        const CView* parent =
+            getParentView();  // its picture shows through, as if the control were transparent
+        if (CBitmap* ground = parent ? parent->getBackground() : nullptr)
+            ground->draw(offscreen, all, getViewSize().getTopLeft());
 
-    const auto fill = [this](const CColor& color, const CRect& area) {
-        offscreen->setFillColor(color);
-        offscreen->drawRect(area, kDrawFilled);
-    };
-    fill(gridColor, CRect(0, 0, width, 1));
-    fill(gridColor, CRect(0, height - 1, width, height));
-    fill(gridColor, CRect(0, 0, 1, height));
-    fill(gridColor, CRect(width - 1, 0, width, height));
-    for (std::int32_t bar = bandsPerOctave; bar < bandCount; bar += bandsPerOctave) {
-        const CCoord x = (barWidth + 1) * bar;
-        fill(gridColor, CRect(x, 0, x + 1, height));
-    }
-    for (std::int32_t bar = 0; bar < bandCount; ++bar) {
-        const CCoord x = (barWidth + 1) * bar + 1;
-        fill(barColor,
-             CRect(x, height - barHeights[static_cast<std::size_t>(bar)] - 2, x + barWidth, height - 1));
-    }
-    offscreen->endDraw();
+        const auto fill = [this](const CColor& color, const CRect& area) {
+            offscreen->setFillColor(color);
+            offscreen->drawRect(area, kDrawFilled);
+        };
+        fill(gridColor, CRect(0, 0, width, 1));
+        fill(gridColor, CRect(0, height - 1, width, height));
+        fill(gridColor, CRect(0, 0, 1, height));
+        fill(gridColor, CRect(width - 1, 0, width, height));
+        for (std::int32_t bar = bandsPerOctave; bar < bandCount; bar += bandsPerOctave) {
+            const CCoord x = (barWidth + 1) * bar;
+            fill(gridColor, CRect(x, 0, x + 1, height));
+        }
+        for (std::int32_t bar = 0; bar < bandCount; ++bar) {
+            const CCoord x = (barWidth + 1) * bar + 1;
+            fill(barColor,
+                 CRect(x, height - barHeights[static_cast<std::size_t>(bar)] - 2, x + barWidth, height - 1));
+        }
+    });
 }
 
 // The button held, every move belongs to this view, inside or out.

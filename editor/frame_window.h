@@ -20,6 +20,7 @@ public:
     FrameWindow(const FrameWindow&) = delete;
     FrameWindow& operator=(const FrameWindow&) = delete;
 
+    virtual void Resize(std::int32_t width, std::int32_t height) = 0;  // ahead of the frame's own
     // The host's window around ours, as the desktop knows it; 0 where it is gone.
     virtual std::uint32_t TopLevel() const = 0;
     // Puts the windows of a process above that one: for a program that does not take its owner's number.

@@ -14,6 +14,7 @@
 #include "editor/message_view.h"
 #include "editor/pictures.h"
 #include "editor/plug_window.h"
+#include "editor/window_size.h"
 #include "parameters/parameters.h"
 #include "vst2/records.h"
 #include "vstgui/lib/cresourcedescription.h"
@@ -56,10 +57,33 @@ guiEditor::~guiEditor() {
     CloseNow();
 }
 
+bool guiEditor::getRect(ERect** editorRect) {
+    const std::lock_guard locked(ToolkitLock());
+    if (!isEditorOpen && busy == 0) ChooseSize();
+    return AEffGUIEditor::getRect(editorRect);
+}
+
+bool guiEditor::setScale(double scale) {
+    const std::lock_guard locked(ToolkitLock());
+    if (isEditorOpen || busy > 0) return false;
+    sizeFromHost = WindowSizeFor(scale);
+    ChooseSize();
+    return true;
+}
+
+// Of the next window.
+void guiEditor::ChooseSize() {
+    const std::int32_t chosen = sizeFromHost != 0 ? sizeFromHost : PreferredWindowSize();
+    if (chosen != Size()) bitmaps.clear();
+    SetSize(chosen);
+    sizeIsChosen = true;
+}
+
 bool guiEditor::open(void* parent) {
     const std::lock_guard locked(ToolkitLock());
     if (busy > 0) return false;
     CloseNow();
+    if (!sizeIsChosen) ChooseSize();  // else a host may have made its window by it
     {
         const ScopedCount now(busy);  // the pages ask the host what it can do, and it may call back
         if (!MakeWindow(parent)) return false;
@@ -72,18 +96,60 @@ bool guiEditor::MakeWindow(void* parent) {
     if (!AEffGUIEditor::open(parent)) return false;
     auto theme = MenuTheme();
     frame->getPlatformFrame()->setupGenericOptionMenu(true, &theme);
+    MakeViews();
+    isEditorOpen = true;
+    sizeChoices = LastWindowSizeChoice().count;
+    lastIdleTick = Ticks();
+    blockWatch.Restart(effect->totalSamples, lastIdleTick);
+    effect->messages.SetWindow(this);
+    return true;
+}
+
+void guiEditor::MakeViews() {
     background = getBitmap(backgroundId);
-    window = new CPlugWindow(frame->getViewSize(), this, background);
+    window = new CPlugWindow(Layout(), this, background);
     frame->addView(window);
 
     mailbox.drain([](std::int32_t, float) {});  // older than what is read now
     for (std::int32_t i = 0; i < codeEnd; ++i) window->setParameter(i, effect->getParameter(i));
     window->ShowHearing(CurrentHearing());
-    isEditorOpen = true;
-    lastIdleTick = Ticks();
-    blockWatch.Restart(effect->totalSamples, lastIdleTick);
-    effect->messages.SetWindow(this);
-    return true;
+}
+
+void guiEditor::PreferSize(std::int32_t percent) {
+    tasks.emplace_back([this, percent] {
+        choseSize = true;
+        if (!PreferWindowSize(percent))
+            ShowMessage("This holds until the plug-in closes: it could not be stored with your settings.",
+                        "Error");
+    });
+}
+
+// A message or a menu that is up stays; the window follows when it has gone.
+void guiEditor::FollowSize() {
+    const WindowSizeChoice last = LastWindowSizeChoice();
+    if (last.count == sizeChoices || frame->getModalView() != nullptr) return;
+    sizeChoices = last.count;
+    sizeFromHost = 0;
+    if (last.percent != Size()) Resize(last.percent);
+}
+
+// The host's window first: nothing may be cut off, so in one that stays as it is, ours stays, too.
+void guiEditor::Resize(std::int32_t percent) {
+    const ERect before = rect;
+    rect = RectAt(percent);  // some hosts ask for it before they answer
+    const bool follows = effect->sizeWindow(rect.right, rect.bottom);
+    rect = before;
+    if (!follows) {
+        if (std::exchange(choseSize, false))
+            ShowMessage(
+                "The host keeps this window's size. The new one counts when it opens the window again.",
+                "Window size");
+        return;
+    }
+    frame->removeView(window);
+    bitmaps.clear();
+    SetSize(percent);
+    MakeViews();
 }
 
 void guiEditor::close() {
@@ -139,6 +205,7 @@ void guiEditor::idle() {
                     std::fill(levels.begin(), levels.end(), 0);
                 window->update(levels);
                 window->ShowHearing(CurrentHearing());
+                FollowSize();
             }
             AEffGUIEditor::idle();
             lastIdleTick = AdvanceIdleTick(lastIdleTick, steps);
@@ -171,9 +238,11 @@ VSTGUI::CBitmap* guiEditor::getBitmap(std::int32_t id) {
     auto& bitmap = bitmaps[id];
     if (!bitmap) {
         VSTGUI::PlatformBitmapPtr picture;
-        if (const Picture* bytes = FindPicture(id))
+        const std::int32_t scale = PictureScale(Size() / 100.0);
+        if (const Picture* bytes = FindPicture(id, scale))
             picture = VSTGUI::getPlatformFactory().createBitmapFromMemory(
                 bytes->begin, static_cast<std::uint32_t>(bytes->Size()));
+        if (picture) picture->setScaleFactor(scale);
         bitmap = picture ? VSTGUI::makeOwned<VSTGUI::CBitmap>(picture)
                          : VSTGUI::makeOwned<VSTGUI::CBitmap>(VSTGUI::CResourceDescription(id));
     }
@@ -256,7 +325,7 @@ void guiEditor::ShowNextMessage() {
             messageIsUp = false;
         });
     };
-    auto* view = new CMessageView(frame->getViewSize(), next.text, next.caption, dismissed);
+    auto* view = new CMessageView(Layout(), next.text, next.caption, dismissed);
     if (const auto shown = frame->beginModalViewSession(view)) {
         messageSession = *shown;
         messageIsUp = true;

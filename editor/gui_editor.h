@@ -19,9 +19,10 @@
 
 class CPlugWindow;
 
-// The plug-in's editor: one window of a fixed size, the size of its background picture. It lives as long as
-// the plug-in object; its window, pages and controls exist only while the host keeps it open. The plug-in
-// object keeps all values, and an open reads all of them again, so no control has a state of its own.
+// The plug-in's editor: one window of the size of its background picture, or a multiple that the user
+// prefers. It lives as long as the plug-in object; its window, pages and controls exist only while the host
+// keeps it open. The plug-in object keeps all values, and an open reads all of them again, so no control has
+// a state of its own.
 //
 // The host's idle call is the only clock. Each one first hands the views what other threads have left in the
 // mailbox, then runs the toolkit's events; the scrolling picture takes a column only for whole steps of 50
@@ -34,6 +35,7 @@ public:
     ~guiEditor() override;
 
     // The host's calls.
+    bool getRect(ERect** editorRect) override;  // the size that the window has, or the next one will have
     bool open(void* parent) override;
     void close() override;
     bool isOpen() const override { return isEditorOpen; }
@@ -42,6 +44,7 @@ public:
 
     // From the plug-in object. [any] A value arrives at the views with the next idle call.
     void parameterChanged(std::int32_t index, float value) override;
+    bool setScale(double scale) override;
     bool TakeMessage(const std::string& text, const std::string& caption) override;  // [any]
 
     // From the views.
@@ -59,6 +62,10 @@ public:
     Hearing CurrentHearing() const;
     void PreferHearing(const Hearing& wanted);  // by this instance at once, and by those to come
 
+    // The size of the window: a preference of the user's, which all windows of this process follow at once.
+    std::int32_t WindowSize() const { return Size(); }
+    void PreferSize(std::int32_t percent);
+
     // What leaves the window happens at the next idle call: within a control's own call the mouse is still
     // held.
     void ShowMessage(const std::string& text, const std::string& caption);
@@ -75,7 +82,11 @@ private:
     };
 
     bool MakeWindow(void* parent);
+    void MakeViews();
     void CloseNow();
+    void ChooseSize();
+    void FollowSize();
+    void Resize(std::int32_t percent);
     void RunTasks();
     void PollFileDialog();
     void OwnFileDialog();
@@ -94,6 +105,11 @@ private:
     CPlugWindow* window = nullptr;   // the frame owns it; none while closed
     std::uint32_t lastIdleTick = 0;  // ms; start of the step in progress
     BlockWatch blockWatch;           // without blocks the picture is dark
+
+    bool sizeIsChosen = false;      // the host has asked for it, and expects the next window to have it
+    bool choseSize = false;         // it was in this window that the user did, so here a refusal is shown
+    std::int32_t sizeFromHost = 0;  // percent, instead of the user's; 0 for none
+    std::uint32_t sizeChoices = 0;  // those of the process that this window has followed
 
     Mailbox mailbox;
     std::vector<std::function<void()>> tasks;  // for the next idle call

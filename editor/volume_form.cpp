@@ -18,23 +18,21 @@ CVolumeForm::CVolumeForm(const CRect& size) : CBufferedControl(size, nullptr, 0)
 void CVolumeForm::createBuffers() {
     if (offscreen) return;
     CBufferedControl::createBuffers();
-    backOffscreen = MakeContext({getWidth(), getHeight()});
+    backOffscreen = MakeContext();
     if (!offscreen || !backOffscreen) return;
     backBitmap = backOffscreen->getBitmap();
 
-    offscreen->beginDraw();
-    offscreen->setDrawMode(kAliasing);
-    offscreen->setFillColor(palette.front());
-    offscreen->drawRect(CRect(0, 0, getWidth(), getHeight()), kDrawFilled);
-    offscreen->endDraw();
+    DrawInto(*offscreen, [this] {
+        offscreen->setFillColor(palette.front());
+        offscreen->drawRect(CRect(0, 0, getWidth(), getHeight()), kDrawFilled);
+    });
 }
 
 void CVolumeForm::update(const std::vector<unsigned char>& levels) {
     createBuffers();
     if (offscreen && backOffscreen) {
-        backOffscreen->beginDraw();
-        offscreenBitmap->draw(backOffscreen, CRect(1, 0, getWidth(), getHeight()));
-        backOffscreen->endDraw();
+        DrawInto(*backOffscreen,
+                 [this] { offscreenBitmap->draw(backOffscreen, CRect(1, 0, getWidth(), getHeight())); });
         std::swap(offscreen, backOffscreen);
         std::swap(offscreenBitmap, backBitmap);
         DrawColumn(levels);
@@ -45,14 +43,14 @@ void CVolumeForm::update(const std::vector<unsigned char>& levels) {
 // Pixels of one colour that follow each other are one rectangle: a quiet column is a single one.
 void CVolumeForm::DrawColumn(const std::vector<unsigned char>& levels) {
     const auto column = ColumnOf(levels);
-    offscreen->beginDraw();
-    offscreen->setDrawMode(kAliasing);
-    for (std::size_t top = 0; top < column.size();) {
-        std::size_t bottom = top + 1;
-        while (bottom < column.size() && column[bottom] == column[top]) ++bottom;
-        offscreen->setFillColor(palette[column[top]]);
-        offscreen->drawRect(CRect(0, static_cast<CCoord>(top), 1, static_cast<CCoord>(bottom)), kDrawFilled);
-        top = bottom;
-    }
-    offscreen->endDraw();
+    DrawInto(*offscreen, [&] {
+        for (std::size_t top = 0; top < column.size();) {
+            std::size_t bottom = top + 1;
+            while (bottom < column.size() && column[bottom] == column[top]) ++bottom;
+            offscreen->setFillColor(palette[column[top]]);
+            offscreen->drawRect(CRect(0, static_cast<CCoord>(top), 1, static_cast<CCoord>(bottom)),
+                                kDrawFilled);
+            top = bottom;
+        }
+    });
 }

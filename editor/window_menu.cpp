@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "editor/gui_editor.h"
+#include "editor/window_size.h"
 
 using namespace VSTGUI;
 
@@ -33,11 +34,7 @@ void AddChoice(COptionMenu& menu, guiEditor& editor, const std::string& name, co
     menu.addEntry(item);
 }
 
-}  // namespace
-
-SharedPointer<COptionMenu> MakeWindowMenu(guiEditor& editor) {
-    auto menu = Menu();
-    if (!editor.OffersHearing()) return menu;
+void AddHearing(COptionMenu& menu, guiEditor& editor) {
     const Hearing now = editor.CurrentHearing();
     const auto with = [&now](auto member, auto value) {
         Hearing choice = now;
@@ -53,9 +50,28 @@ SharedPointer<COptionMenu> MakeWindowMenu(guiEditor& editor) {
         AddChoice(*notes, editor, name, with(&Hearing::threshold, logits));
     for (const float level : levels)
         AddChoice(*inputs, editor, LevelText(level), with(&Hearing::level, level));
-    menu->addEntry(ears, "Ear");
-    menu->addEntry(notes, "Refined: notes");
-    menu->addEntry(inputs, "Input level");
+    menu.addEntry(ears, "Ear");
+    menu.addEntry(notes, "Refined: notes");
+    menu.addEntry(inputs, "Input level");
+}
+
+void AddSizes(COptionMenu& menu, guiEditor& editor) {
+    const auto sizes = Menu();
+    for (const std::int32_t percent : windowSizes) {
+        auto* item = new CCommandMenuItem(CCommandMenuItem::Desc((std::to_string(percent) + " %").c_str()));
+        item->setChecked(percent == editor.WindowSize());
+        item->setActions([&editor, percent](CCommandMenuItem*) { editor.PreferSize(percent); });
+        sizes->addEntry(item);
+    }
+    menu.addEntry(sizes, "Window size");
+}
+
+}  // namespace
+
+SharedPointer<COptionMenu> MakeWindowMenu(guiEditor& editor) {
+    auto menu = Menu();
+    if (editor.OffersHearing()) AddHearing(*menu, editor);
+    AddSizes(*menu, editor);
     return menu;
 }
 

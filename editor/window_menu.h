@@ -8,7 +8,7 @@
 class guiEditor;
 
 // The menu that a right click on an empty part of the window opens, with what is no parameter: how the
-// instance hears. It has no entry where the host has controls for that.
+// instance hears, unless the host has controls for that, and the window's size.
 //
 // Threads: [ui]. The editor must outlive the menu.
 VSTGUI::SharedPointer<VSTGUI::COptionMenu> MakeWindowMenu(guiEditor& editor);

@@ -38,17 +38,18 @@ std::int32_t PluginHost::CanDo(std::string capability) const {
     return static_cast<std::int32_t>(Dispatch(effCanDo, 0, 0, capability.data()));
 }
 
-std::intptr_t PluginHost::Callback(AEffect* effect, std::int32_t opcode, std::int32_t index, std::intptr_t,
-                                   void* ptr, float opt) {
+std::intptr_t PluginHost::Callback(AEffect* effect, std::int32_t opcode, std::int32_t index,
+                                   std::intptr_t value, void* ptr, float opt) {
     PluginHost* const host = effect != nullptr && effect->resvd1 != 0
                                  // It was put there as a number. NOLINTNEXTLINE(performance-no-int-to-ptr)
                                  ? reinterpret_cast<PluginHost*>(effect->resvd1)
                                  : underConstruction;
-    if (host != nullptr) return host->Answer(opcode, index, ptr, opt);
+    if (host != nullptr) return host->Answer(opcode, index, value, ptr, opt);
     return opcode == audioMasterVersion ? hostVstVersion : 0;
 }
 
-std::intptr_t PluginHost::Answer(std::int32_t opcode, std::int32_t index, void* ptr, float opt) {
+std::intptr_t PluginHost::Answer(std::int32_t opcode, std::int32_t index, std::intptr_t value, void* ptr,
+                                 float opt) {
     switch (opcode) {
         case audioMasterVersion: return hostVstVersion;
         case audioMasterGetVendorVersion: return identity.version;
@@ -63,6 +64,7 @@ std::intptr_t PluginHost::Answer(std::int32_t opcode, std::int32_t index, void* 
         case audioMasterProcessEvents:
             if (ptr != nullptr) EventsSent(*static_cast<const VstEvents*>(ptr));
             return 1;
+        case audioMasterSizeWindow: return sizeWindow && sizeWindow(index, static_cast<std::int32_t>(value));
         case audioMasterAutomate: ParameterEdited(index, opt); return 1;
         case audioMasterUpdateDisplay:
         case audioMasterWantMidi: return 1;

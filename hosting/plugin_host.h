@@ -1,5 +1,6 @@
 #pragma once
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <utility>
 
@@ -23,6 +24,10 @@ public:
                            void* ptr = nullptr, float opt = 0) const {
         return effect->dispatcher(effect, opcode, index, value, ptr, opt);
     }
+    // [ui] Called when the plug-in's window would be that large; the answer is whether it may. Without it,
+    // no.
+    std::function<bool(std::int32_t width, std::int32_t height)> sizeWindow;
+
     // What the plug-in writes in answer to one of the opcodes that ask for a text; empty if nothing.
     std::string Text(std::int32_t opcode, std::int32_t index = 0) const;
     // What it says of a capability: 1 yes, -1 no, 0 nothing.
@@ -56,7 +61,7 @@ protected:
 private:
     static std::intptr_t Callback(AEffect* effect, std::int32_t opcode, std::int32_t index,
                                   std::intptr_t value, void* ptr, float opt);
-    std::intptr_t Answer(std::int32_t opcode, std::int32_t index, void* ptr, float opt);
+    std::intptr_t Answer(std::int32_t opcode, std::int32_t index, std::intptr_t value, void* ptr, float opt);
 
     // Until an instance is constructed there is no record that could lead a callback to its host.
     static thread_local PluginHost* underConstruction;

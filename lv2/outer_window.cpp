@@ -52,11 +52,7 @@ bool OuterWindow::Create(std::uint32_t parent, std::uint16_t width, std::uint16_
     if (error || xcb_connection_has_error(connection) != 0) return false;
     id = wanted;
 
-    SizeHints hints;
-    hints.smallest[0] = hints.largest[0] = width;
-    hints.smallest[1] = hints.largest[1] = height;
-    xcb_change_property(connection, XCB_PROP_MODE_REPLACE, id, XCB_ATOM_WM_NORMAL_HINTS,
-                        XCB_ATOM_WM_SIZE_HINTS, 32, sizeof hints / 4, &hints);
+    SetHints(width, height);
     xcb_change_property(connection, XCB_PROP_MODE_REPLACE, id, XCB_ATOM_WM_NAME, XCB_ATOM_STRING, 8,
                         sizeof title - 1, title);
     if (parent == 0) {
@@ -67,6 +63,21 @@ bool OuterWindow::Create(std::uint32_t parent, std::uint16_t width, std::uint16_
     Show();
     // The editor opens inside it by a connection of its own, to which the window must exist by now.
     return Arrived();
+}
+
+void OuterWindow::SetHints(std::uint32_t width, std::uint32_t height) {
+    SizeHints hints;
+    hints.smallest[0] = hints.largest[0] = width;
+    hints.smallest[1] = hints.largest[1] = height;
+    xcb_change_property(connection, XCB_PROP_MODE_REPLACE, id, XCB_ATOM_WM_NORMAL_HINTS,
+                        XCB_ATOM_WM_SIZE_HINTS, 32, sizeof hints / 4, &hints);
+}
+
+void OuterWindow::Resize(std::uint16_t width, std::uint16_t height) {
+    SetHints(width, height);
+    const std::uint32_t values[] = {width, height};
+    xcb_configure_window(connection, id, XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, values);
+    Arrived();
 }
 
 // All requests so far have been carried out: an answer to a later one says so.

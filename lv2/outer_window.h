@@ -18,12 +18,14 @@ public:
 
     std::uint32_t Id() const { return id; }
     void Show();
+    void Resize(std::uint16_t width, std::uint16_t height);
     bool UserHasClosed();  // by the window manager, or the display has gone
 
 private:
     explicit OuterWindow(xcb_connection_t* itsConnection) : connection(itsConnection) {}
     bool Create(std::uint32_t parent, std::uint16_t width, std::uint16_t height);
     bool Arrived();
+    void SetHints(std::uint32_t width, std::uint32_t height);
     std::uint32_t Atom(const char* name);
 
     xcb_connection_t* connection;

@@ -30,13 +30,12 @@ Ui* Ui::Make(const char* plugin, LV2UI_Write_Function write, LV2UI_Controller co
         if (widget != nullptr) *widget = nullptr;
         const auto parent = reinterpret_cast<std::uintptr_t>(Feature<void>(features, LV2_UI__parent));
         if (parent == 0) return ui.release();  // waits to be shown
+        ui->ResizeBy(Feature<LV2UI_Resize>(features, LV2_UI__resize));
 
         if (!ui->Open(static_cast<std::uint32_t>(parent))) return nullptr;
         // The window's number is what hosts take. NOLINTNEXTLINE(performance-no-int-to-ptr)
         if (widget != nullptr) *widget = reinterpret_cast<LV2UI_Widget>(std::uintptr_t{ui->WindowId()});
-        const ERect size = ui->Size();
-        if (const auto* resize = Feature<LV2UI_Resize>(features, LV2_UI__resize))
-            resize->ui_resize(resize->handle, size.right - size.left, size.bottom - size.top);
+        ui->AnnounceSize();
         return ui.release();
     } catch (...) {
         return nullptr;
@@ -59,6 +58,10 @@ bool Ui::Open(std::uint32_t parent) {
                                   static_cast<std::uint16_t>(size.bottom - size.top));
     if (made == nullptr || !instance->Object().OpenEditor(made->Id())) return false;
     window = std::move(made);
+    isInside = parent != 0;
+    instance->Object().sizeWindow = [this](std::int32_t width, std::int32_t height) {
+        return Resize(width, height);
+    };
     instance->WindowShows(true);
     hasClosed = false;
     shownOver.fill(false);
@@ -69,7 +72,21 @@ void Ui::Close() {
     if (window == nullptr) return;
     instance->WindowShows(false);
     instance->Object().CloseEditor();
+    instance->Object().sizeWindow = nullptr;
     window.reset();
+}
+
+void Ui::AnnounceSize() {
+    const ERect size = Size();
+    if (resize != nullptr) resize->ui_resize(resize->handle, size.right - size.left, size.bottom - size.top);
+}
+
+// A host that takes no size would cut off what is beyond its own window.
+bool Ui::Resize(std::int32_t width, std::int32_t height) {
+    if (isInside && (resize == nullptr || resize->ui_resize(resize->handle, width, height) != 0))
+        return false;
+    window->Resize(static_cast<std::uint16_t>(width), static_cast<std::uint16_t>(height));
+    return true;
 }
 
 bool Ui::Idle() {

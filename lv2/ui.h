@@ -30,22 +30,27 @@ public:
     Ui& operator=(const Ui&) = delete;
 
     bool Open(std::uint32_t parent);  // a window's number; 0 for the desktop
+    void ResizeBy(const LV2UI_Resize* itsResize) { resize = itsResize; }  // the host's; may be none
     void Close();
     bool Idle();  // false once the window has closed
     void PortEvent(std::uint32_t port, float value);
 
     bool IsOpen() const { return window != nullptr; }
     std::uint32_t WindowId() const { return window != nullptr ? window->Id() : 0; }
+    void AnnounceSize();
     ERect Size() { return instance->Object().EditorSize(); }
 
 private:
     void TellHost();
+    bool Resize(std::int32_t width, std::int32_t height);
 
     const std::shared_ptr<Instance> instance;
     const LV2UI_Write_Function write;
     LV2UI_Controller controller;
     std::unique_ptr<OuterWindow> window;  // while open
-    bool hasClosed = false;               // by itself; the host may show it again
+    const LV2UI_Resize* resize = nullptr;
+    bool isInside = false;   // the window is in one of the host's
+    bool hasClosed = false;  // by itself; the host may show it again
     std::array<EchoWait, parameterCount> echoes;
     std::array<bool, parameterCount> shownOver{};  // the host's value is shown, and no run has brought it
 };

@@ -13,6 +13,8 @@ public:
     // [any], the audio thread included: a parameter has a new value. Index codeChordText stands for
     // no parameter: a new chord text is ready. Must neither wait nor touch a view on the calling thread.
     virtual void parameterChanged(std::int32_t index, float value) = 0;
+    // [ui] While closed: the scale to open at, instead of the user's own; false while open.
+    virtual bool setScale(double scale) = 0;
 };
 
 // Makes the editor of a plug-in object under construction, which it may keep but not yet call. Null, or an

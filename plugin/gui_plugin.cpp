@@ -178,6 +178,8 @@ void CORVAguivst::stopOutputs() {
 
 std::intptr_t CORVAguivst::dispatcher(std::int32_t opcode, std::int32_t index, std::intptr_t value, void* ptr,
                                       float opt) {
+    if (opcode == effVendorSpecific && index == vendorCall && value == vendorWindowScale)
+        return editorObject != nullptr && editorObject->setScale(opt);
     const std::intptr_t answer = CORVA_vst::dispatcher(opcode, index, value, ptr, opt);
     if (!InsideBlock()) keepRoomAhead();
     return answer;

@@ -39,6 +39,10 @@ bool AudioEffectX::sendVstEventsToHost(VstEvents* events) {
     return CallHost(audioMasterProcessEvents, 0, 0, events) == 1;
 }
 
+bool AudioEffectX::sizeWindow(std::int32_t width, std::int32_t height) {
+    return CallHost(audioMasterSizeWindow, width, height) != 0;
+}
+
 bool AudioEffectX::updateDisplay() {
     return CallHost(audioMasterUpdateDisplay) != 0;
 }

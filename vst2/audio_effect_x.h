@@ -35,7 +35,8 @@ public:
     std::int32_t getHostVendorVersion();
     void wantEvents(std::int32_t filter = 1);
     bool sendVstEventsToHost(VstEvents* events);
-    bool updateDisplay();  // the host shall read parameters again
+    bool sizeWindow(std::int32_t width, std::int32_t height);  // false: it keeps the size that it has
+    bool updateDisplay();                                      // the host shall read parameters again
 
 private:
     std::string HostText(std::int32_t opcode);

@@ -154,6 +154,7 @@ enum AudioMasterOpcodes : std::int32_t {
     audioMasterVersion = 1,
     audioMasterWantMidi = 6,
     audioMasterProcessEvents = 8,
+    audioMasterSizeWindow = 15,
     audioMasterGetSampleRate = 16,
     audioMasterGetVendorString = 32,
     audioMasterGetProductString = 33,

@@ -15,6 +15,7 @@ enum VendorSetting : std::intptr_t {
     // A question: opt is a MIDI note, ptr gets as a float the highest level, a power, since it last began.
     // For whoever receives a note's end, from inside that call or later.
     vendorPeakLevel = 4,
+    vendorWindowScale = 5,  // of the instance's window, once it opens; 1 is the layout's own size
 };
 
 // What turns the audio into notes: the detector itself, or its refined ear on top of it, which looks ahead by

@@ -14,6 +14,9 @@ class HeldFrame : public FrameWindow {
 public:
     explicit HeldFrame(std::unique_ptr<HolderWindow> itsHolder) : holder(std::move(itsHolder)) {}
 
+    void Resize(std::int32_t width, std::int32_t height) override {
+        holder->Resize(static_cast<std::uint16_t>(width), static_cast<std::uint16_t>(height));
+    }
     std::uint32_t TopLevel() const override { return holder->TopLevel(); }
     bool Own(std::uint32_t process) const override { return holder->Own(process); }
 

@@ -60,6 +60,12 @@ std::unique_ptr<HolderWindow> HolderWindow::Make(xcb_connection_t* connection, s
     return std::unique_ptr<HolderWindow>(new HolderWindow(connection, id));
 }
 
+void HolderWindow::Resize(std::uint16_t width, std::uint16_t height) {
+    const std::uint32_t values[] = {width, height};
+    xcb_configure_window(connection, id, XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, values);
+    xcb_flush(connection);
+}
+
 std::uint32_t HolderWindow::TopLevel() const {
     const xcb_atom_t state = AtomOf(connection, "WM_STATE");  // of the windows that a manager knows
     for (xcb_window_t window = id;;) {

@@ -20,6 +20,7 @@ public:
     HolderWindow& operator=(const HolderWindow&) = delete;
 
     std::uint32_t Id() const { return id; }
+    void Resize(std::uint16_t width, std::uint16_t height);
     // The host's window around ours, as the window manager knows it, or the outermost one; 0 where it is
     // gone.
     std::uint32_t TopLevel() const;

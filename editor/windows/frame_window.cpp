@@ -11,6 +11,7 @@ class ChildFrame : public FrameWindow {
 public:
     explicit ChildFrame(HWND itsParent) : parent(itsParent) {}
 
+    void Resize(std::int32_t, std::int32_t) override {}  // the frame's window is the only one
     // The number of a window fits 32 bits, so that 32-bit and 64-bit programs can exchange it.
     std::uint32_t TopLevel() const override {
         return static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(GetAncestor(parent, GA_ROOT)));

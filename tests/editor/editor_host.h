@@ -79,6 +79,7 @@ public:
     }
 
     std::vector<Automation> automated;
+    bool resizes = true;
     CORVAguivstEx plugin;
 
 private:
@@ -86,13 +87,24 @@ private:
         words.insert(words.begin(), "xdotool");
         if (Run(std::move(words)) != 0) throw std::runtime_error("xdotool failed");
     }
-    static std::intptr_t Callback(AEffect*, std::int32_t opcode, std::int32_t index, std::intptr_t, void* ptr,
-                                  float opt) {
+    std::intptr_t Resize(std::int32_t width, std::int32_t height) {
+        const std::uint32_t values[] = {static_cast<std::uint32_t>(width),
+                                        static_cast<std::uint32_t>(height)};
+        xcb_configure_window(connection, parent, XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, values);
+        Sync();
+        return 1;
+    }
+    static std::intptr_t Callback(AEffect*, std::int32_t opcode, std::int32_t index, std::intptr_t value,
+                                  void* ptr, float opt) {
         switch (opcode) {
             case audioMasterAutomate:
                 if (host != nullptr) host->automated.push_back({index, opt});
                 return 0;
             case audioMasterVersion: return 2400;
+            case audioMasterSizeWindow:
+                return host != nullptr && host->resizes
+                           ? host->Resize(index, static_cast<std::int32_t>(value))
+                           : 0;
             case audioMasterCanDo: return std::string(static_cast<const char*>(ptr)) == "receiveVstMidiEvent";
             default: return 0;
         }

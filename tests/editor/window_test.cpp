@@ -3,6 +3,7 @@
 #include <thread>
 
 #include "editor/level_column.h"
+#include "editor/window_size.h"
 #include "plugin/hearing.h"
 #include "tests/editor/editor_test.h"
 #include "tests/support/temp_folder.h"
@@ -93,33 +94,70 @@ TEST_F(Window, ThePictureTakesTheLevelsAsAColumnAtItsLeftEdgeAndMovesOn) {
 }
 
 // The menu lies at the pointer, with rows of 19 pixels; what a row opens lies to its right.
-TEST_F(Window, MenuChoosesTheEarOfThisInstanceAndOfThoseToComeWhereNoHostDoes) {
-    const TempFolder folder;
-    setenv("XDG_CONFIG_HOME", folder.path.c_str(), 1);
-    Open();
-    const auto openMenu = [this] {
+class WindowMenu : public EditorTest {
+protected:
+    void SetUp() override {
+        setenv("XDG_CONFIG_HOME", folder.path.c_str(), 1);
+        Open();
+    }
+    void TearDown() override { unsetenv("XDG_CONFIG_HOME"); }
+    void OpenMenu() {  // and what its first row opens
         host->RightClick(120, 200);
         host->Settle();
-        host->MoveTo(140, 210);  // the first row
-        host->Settle();
-    };
+        for (const int x : {140, 255}) host->MoveTo(x, 210), host->Settle();
+    }
+
+    TempFolder folder;
+};
+
+TEST_F(WindowMenu, ChoosesTheEarOfThisInstanceAndOfThoseToComeWhereNoHostDoes) {
     const Picture bare = Page();
-    openMenu();
-    EXPECT_EQ(Page(), bare);  // the host has controls of its own for it
     host->plugin.usePreferredHearing();
     EXPECT_EQ(host->plugin.hearing(), Hearing());
-    openMenu();
-    host->MoveTo(255, 210);
-    host->Settle();
+    OpenMenu();
     Click({260, 229});
     const Hearing refined{Ear::refinedLive, 0, 0};
     EXPECT_TRUE(host->Await([&] { return host->plugin.hearing() == refined; }));
     EXPECT_TRUE(host->Await([&] { return Page() != bare; }));  // it is shown
     EXPECT_EQ(ReadPreferredHearing(), refined);
-    openMenu();
+    OpenMenu();
     host->Call(effEditClose);  // with a menu beside a menu
     ASSERT_TRUE(host->Open());
-    unsetenv("XDG_CONFIG_HOME");
+}
+
+// Whose host has controls for the ear, whose menu begins with the size: 100, 150, 200, 300 %.
+TEST_F(WindowMenu, MakesTheWindowOfAnySizeIfItsHostFollows) {
+    const auto choose = [this](int row) {
+        OpenMenu();
+        Click({260, 210 + 19 * row});
+    };
+    const auto size = [this] {
+        ERect* rect = nullptr;
+        host->Call(effEditGetRect, 0, 0, &rect);
+        return std::pair(rect->right, rect->bottom);
+    };
+    using Size = std::pair<std::int16_t, std::int16_t>;
+    host->resizes = false;
+    choose(2);
+    EXPECT_TRUE(host->Await([&] { return MessageIsUp(); }));
+    EndMessage();
+    EXPECT_EQ(size(), Size(400, 320));  // nothing is cut
+    host->Call(effEditClose);
+    EXPECT_EQ(size(), Size(800, 640));  // but the user's from now on
+    EXPECT_TRUE(PreferWindowSize(100));
+    EXPECT_EQ(size(), Size(400, 320));
+    Open();
+    host->resizes = true;
+    choose(2);
+    EXPECT_TRUE(host->Await([&] { return size() == Size(800, 640); }));
+    EXPECT_TRUE(host->Await([&] { return host->Pixel(560, 500) == 0x93BAD8U; }));  // the picture
+    Click({2 * equalizerButton.x, 2 * equalizerButton.y});
+    EXPECT_EQ(host->automated.back().value, 3.0F);
+    EXPECT_TRUE(host->Await([&] { return host->Pixel(17, 110) == 0xFFFF00U; }));  // the first bar
+    EXPECT_EQ(host->Call(effVendorSpecific, vendorCall, vendorWindowScale, nullptr, 3.0F), 0);  // it is open
+    host->Call(effEditClose);
+    EXPECT_EQ(host->Call(effVendorSpecific, vendorCall, vendorWindowScale, nullptr, 1.9F), 1);
+    EXPECT_EQ(size(), Size(600, 480));
 }
 
 }  // namespace

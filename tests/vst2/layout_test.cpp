@@ -40,6 +40,7 @@ TEST(Interface, NumbersAgreeWithTheOtherHeaders) {
         ROW(kEffectMagic), ROW(effFlagsHasEditor), ROW(effFlagsCanReplacing), ROW(effFlagsIsSynth),
         ROW(effFlagsCanDoubleReplacing), ROW(kPlugCategAnalysis), ROW(kVstMidiType), ROW(audioMasterAutomate),
         ROW(audioMasterVersion), ROW(audioMasterWantMidi), ROW(audioMasterProcessEvents),
+        ROW(audioMasterSizeWindow),
         ROW(audioMasterGetSampleRate), ROW(audioMasterGetVendorString), ROW(audioMasterGetProductString),
         ROW(audioMasterCanDo), ROW(effOpen), ROW(effClose), ROW(effGetProgramName), ROW(effGetParamLabel),
         ROW(effGetParamDisplay), ROW(effGetParamName), ROW(effSetSampleRate), ROW(effSetBlockSize),

@@ -94,6 +94,22 @@ struct EditorWindow::Window {
     int width = 0;
     int height = 0;
 
+    XSizeHints Hints() const {  // of one size
+        XSizeHints hints{};
+        hints.flags = PMinSize | PMaxSize;
+        hints.min_width = hints.max_width = width;
+        hints.min_height = hints.max_height = height;
+        return hints;
+    }
+    void Resize(int newWidth, int newHeight) {
+        width = newWidth;
+        height = newHeight;
+        XSizeHints hints = Hints();
+        XSetWMNormalHints(display, id, &hints);
+        XResizeWindow(display, id, static_cast<unsigned>(width), static_cast<unsigned>(height));
+        XSync(display, False);
+    }
+
     ~Window() {
         if (display == nullptr) return;
         if (id != 0) XDestroyWindow(display, id);
@@ -101,8 +117,9 @@ struct EditorWindow::Window {
     }
 };
 
-EditorWindow::EditorWindow(HostedPlugin& edited, const std::string& title)
+EditorWindow::EditorWindow(HostedPlugin& edited, const std::string& title, double scale)
     : plugin(edited), window(std::make_unique<Window>()) {
+    if (scale != 0) plugin.SetWindowScale(scale);
     window->display = XOpenDisplay(nullptr);
     if (window->display == nullptr) throw std::runtime_error("no window: there is no X display");
     ERect* rect = nullptr;
@@ -114,10 +131,7 @@ EditorWindow::EditorWindow(HostedPlugin& edited, const std::string& title)
     window->id =
         XCreateSimpleWindow(display, DefaultRootWindow(display), 0, 0, static_cast<unsigned>(window->width),
                             static_cast<unsigned>(window->height), 0, 0, 0);
-    XSizeHints hints{};
-    hints.flags = PMinSize | PMaxSize;
-    hints.min_width = hints.max_width = window->width;
-    hints.min_height = hints.max_height = window->height;
+    XSizeHints hints = window->Hints();
     Introduce(display, window->id, title, hints);
     window->closing = XInternAtom(display, "WM_DELETE_WINDOW", False);
     XSetWMProtocols(display, window->id, &window->closing, 1);
@@ -127,6 +141,7 @@ EditorWindow::EditorWindow(HostedPlugin& edited, const std::string& title)
     if (window->ownPixels) XCompositeRedirectWindow(display, window->id, CompositeRedirectAutomatic);
     XMapWindow(display, window->id);
     XSync(display, False);
+    plugin.sizeWindow = [this](int width, int height) { return window->Resize(width, height), true; };
     // A window's number is what hosts hand over as a pointer.
     if (plugin.Dispatch(effEditOpen, 0, 0, reinterpret_cast<void*>(window->id)) == 0)  // NOLINT
         throw std::runtime_error("the plug-in's window does not open");
@@ -134,6 +149,7 @@ EditorWindow::EditorWindow(HostedPlugin& edited, const std::string& title)
 
 EditorWindow::~EditorWindow() {
     plugin.Dispatch(effEditClose);
+    plugin.sizeWindow = nullptr;
 }
 
 bool EditorWindow::UserHasClosed() {

@@ -10,8 +10,9 @@ class HostedPlugin;
 // Threads: one, the one that made it. Errors: std::runtime_error with the reason.
 class EditorWindow {
 public:
-    EditorWindow(HostedPlugin& plugin, const std::string& title);  // opens window and editor
-    ~EditorWindow();                                               // closes both
+    // Opens window and editor, at `scale` times the layout's size; 0 for the size that the user prefers.
+    EditorWindow(HostedPlugin& plugin, const std::string& title, double scale = 0);
+    ~EditorWindow();  // closes both
     EditorWindow(const EditorWindow&) = delete;
     EditorWindow& operator=(const EditorWindow&) = delete;
 

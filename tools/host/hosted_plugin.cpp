@@ -86,6 +86,10 @@ void HostedPlugin::SetLevel(float dB) const {
     Dispatch(effVendorSpecific, vendorCall, vendorInputLevel, nullptr, dB);
 }
 
+void HostedPlugin::SetWindowScale(double scale) const {
+    Dispatch(effVendorSpecific, vendorCall, vendorWindowScale, nullptr, static_cast<float>(scale));
+}
+
 void HostedPlugin::EventsSent(const VstEvents& events) {
     if (!sink) return;
     VstEvent* const* const list = events.events;  // really numEvents of them

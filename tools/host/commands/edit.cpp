@@ -26,6 +26,7 @@ struct EditOptions {
     std::string page;    // of shot
     std::string target;  // of shot
     double at = 3;       // s of music before the picture is taken
+    double scale = 0;    // of the window; 0: the user's own
     bool chords = false;
     bool force = false;  // of shot
 };
@@ -63,7 +64,7 @@ private:
 int Edit(const EditOptions& options) {
     Player player(options);
     if (options.chords) player.Plugin().SetParameter(paramChordsEnabled, 1.0F);
-    EditorWindow window(player.Plugin(), "ORVA Audio To MIDI");
+    EditorWindow window(player.Plugin(), "ORVA Audio To MIDI", options.scale);
     window.Run([&] {
         player.Continue();
         return true;
@@ -77,7 +78,7 @@ int Shot(const EditOptions& options) {
     Player player(options);
     player.Plugin().SetParameter(paramActivePage, PageValue(static_cast<std::int32_t>(page - pages.begin())));
     if (options.chords) player.Plugin().SetParameter(paramChordsEnabled, 1.0F);
-    EditorWindow window(player.Plugin(), "ORVA Audio To MIDI");
+    EditorWindow window(player.Plugin(), "ORVA Audio To MIDI", options.scale);
     window.Run([&] {
         player.Continue();
         return player.Time() < options.at;
@@ -89,6 +90,9 @@ int Shot(const EditOptions& options) {
 void AddCommon(CLI::App& command, EditOptions& options) {
     command.add_option("--play", options.audio, "a recording to hear, in real time")->type_name("AUDIO");
     command.add_flag("--chords", options.chords, "with the chord display on");
+    command.add_option("--scale", options.scale, "size of the window: 1, 1.5, 2 or 3 times its own")
+        ->check(CLI::IsMember({1.0, 1.5, 2.0, 3.0}))
+        ->type_name("SCALE");
     command.add_option("--plugin", options.plugin, "the plug-in's file")->type_name("FILE");
 }
 
