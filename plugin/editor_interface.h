@@ -14,7 +14,7 @@ public:
     // no parameter: a new chord text is ready. Must neither wait nor touch a view on the calling thread.
     virtual void parameterChanged(std::int32_t index, float value) = 0;
     // [ui] While closed: the scale to open at, instead of the user's own; false while open.
-    virtual bool setScale(double scale) = 0;
+    virtual bool setScale(double /*scale*/) { return false; }
 };
 
 // Makes the editor of a plug-in object under construction, which it may keep but not yet call. Null, or an

@@ -87,9 +87,9 @@ private:
         words.insert(words.begin(), "xdotool");
         if (Run(std::move(words)) != 0) throw std::runtime_error("xdotool failed");
     }
-    std::intptr_t Resize(std::int32_t width, std::int32_t height) {
-        const std::uint32_t values[] = {static_cast<std::uint32_t>(width),
-                                        static_cast<std::uint32_t>(height)};
+    std::intptr_t Resize(std::intptr_t width, std::intptr_t height) {
+        if (!resizes) return 0;
+        const std::uint32_t values[] = {std::uint32_t(width), std::uint32_t(height)};
         xcb_configure_window(connection, parent, XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, values);
         Sync();
         return 1;
@@ -101,10 +101,7 @@ private:
                 if (host != nullptr) host->automated.push_back({index, opt});
                 return 0;
             case audioMasterVersion: return 2400;
-            case audioMasterSizeWindow:
-                return host != nullptr && host->resizes
-                           ? host->Resize(index, static_cast<std::int32_t>(value))
-                           : 0;
+            case audioMasterSizeWindow: return host->Resize(index, value);
             case audioMasterCanDo: return std::string(static_cast<const char*>(ptr)) == "receiveVstMidiEvent";
             default: return 0;
         }
