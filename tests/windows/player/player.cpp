@@ -29,8 +29,8 @@ std::intptr_t Answer(AEffect*, std::int32_t opcode, std::int32_t, std::intptr_t,
     const VstEvents& sent = *static_cast<const VstEvents*>(data);
     for (std::int32_t i = 0; i < sent.numEvents; ++i) {
         const auto& event = *reinterpret_cast<const VstMidiEvent*>(sent.events[i]);
-        std::fprintf(events, "%lld,%02x%02x%02x\n", blockBegin + event.deltaFrames, event.midiData[0] & 255U,
-                     event.midiData[1] & 255U, event.midiData[2] & 255U);
+        std::fprintf(events, "%lld,%02x%02x%02x\n", std::max(blockBegin + event.deltaFrames, 0LL),
+                     event.midiData[0] & 255U, event.midiData[1] & 255U, event.midiData[2] & 255U);
     }
     return 1;
 }
@@ -50,6 +50,7 @@ bool Play(AEffect* effect, const char* sound, std::size_t block) {
         float* channel = &samples[at];
         effect->processReplacing(effect, &channel, &channel, int(std::min(block, samples.size() - at)));
     }
+    blockBegin = static_cast<long long>(samples.size());  // of what a suspend ends
     return samples == same;
 }
 
