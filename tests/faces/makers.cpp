@@ -55,7 +55,7 @@ private:
     void Run(const float* in, float* out, std::uint32_t frames) override {
         host.descriptor->connect_port(host.handle, portAudioIn, const_cast<float*>(in));
         host.descriptor->connect_port(host.handle, portAudioOut, out);
-        for (const Lv2Event& event : host.RunConnected(frames)) Keep(event.frame, event.data);
+        for (const auto& [frame, data] : host.RunConnected(frames)) Keep(frame, data);
         host.Work();
     }
     Lv2Host host;

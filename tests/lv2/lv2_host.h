@@ -1,8 +1,6 @@
 #pragma once
-#include <dlfcn.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <map>
@@ -20,13 +18,8 @@
 #include "lv2/descriptors.h"
 #include "lv2/port_table.h"
 
-// An event of a run, as the plug-in wrote it.
-struct Lv2Event {
-    std::int64_t frame;
-    std::string data;
-    bool operator==(const Lv2Event& other) const { return frame == other.frame && data == other.data; }
-};
-using Lv2Events = std::vector<Lv2Event>;
+// The events of a run as the plug-in wrote them, each with its frame.
+using Lv2Events = std::vector<std::pair<std::int64_t, std::string>>;
 
 // All of a sequence, whose events are of that type.
 inline Lv2Events EventsOf(const LV2_Atom_Sequence& sequence, LV2_URID type) {
@@ -34,25 +27,15 @@ inline Lv2Events EventsOf(const LV2_Atom_Sequence& sequence, LV2_URID type) {
     LV2_ATOM_SEQUENCE_FOREACH(&sequence, event) {
         EXPECT_EQ(event->body.type, type);
         const auto* bytes = reinterpret_cast<const char*>(event + 1);
-        events.push_back({event->time.frames, std::string(bytes, event->body.size)});
+        events.emplace_back(event->time.frames, std::string(bytes, event->body.size));
     }
     return events;
-}
-
-// The bundle's file, loaded once.
-inline void* Lv2File() {
-    static void* const file = dlopen(ORVA_BUNDLE "/orva_lv2.so", RTLD_NOW | RTLD_LOCAL);
-    return file;
-}
-inline const LV2_Descriptor* FileDescriptor() {
-    const auto entry = reinterpret_cast<LV2_Descriptor_Function>(dlsym(Lv2File(), "lv2_descriptor"));
-    return entry != nullptr ? entry(0) : nullptr;
 }
 
 // An LV2 host with one plug-in: its features, a buffer for each port, and the work that it was asked for.
 class Lv2Host {
 public:
-    enum Offer { everything, noWorker, noMap };
+    enum Offer { everything, noWorker };
 
     explicit Lv2Host(const LV2_Descriptor* plugin = PluginDescriptor(), Offer offer = everything,
                      double rate = 44100)
@@ -65,12 +48,9 @@ public:
                     }};
         const LV2_Feature mapFeature{LV2_URID__map, &map}, workFeature{LV2_WORKER__schedule, &schedule};
         const LV2_Feature nameless{};
-        std::vector<const LV2_Feature*> features{&nameless};
-        if (offer != noMap) features.push_back(&mapFeature);
-        if (offer != noWorker) features.push_back(&workFeature);
-        features.push_back(nullptr);
-        handle = descriptor->instantiate(descriptor, rate, ORVA_BUNDLE, features.data());
-        if (handle == nullptr) return;
+        const LV2_Feature* const features[] = {&nameless, &mapFeature,
+                                               offer == everything ? &workFeature : nullptr, nullptr};
+        handle = descriptor->instantiate(descriptor, rate, ORVA_BUNDLE, features);
         for (std::int32_t i = 0; i < parameterCount; ++i) {
             control[i] = ParameterInitialValue(i);
             descriptor->connect_port(handle, portFirstControl + static_cast<std::uint32_t>(i), &control[i]);
@@ -80,9 +60,7 @@ public:
         midi.resize(midiPortBytes / 8 + 1);
         descriptor->connect_port(handle, portMidi, midi.data());
     }
-    ~Lv2Host() {
-        if (handle != nullptr) descriptor->cleanup(handle);
-    }
+    ~Lv2Host() { descriptor->cleanup(handle); }
     Lv2Host(const Lv2Host&) = delete;
     Lv2Host& operator=(const Lv2Host&) = delete;
 
