@@ -57,6 +57,7 @@ public:
         EXPECT_TRUE(Params().get_value(plugin, static_cast<clap_id>(index), &value));
         return static_cast<float>(value / Scale(index));
     }
+    void SetRate(double newRate) override { rate = newRate; }
     std::string Save() override {
         std::string state;
         const clap_ostream_t stream = {
@@ -149,7 +150,7 @@ private:
         return true;
     }
 
-    const double rate;
+    double rate;
     clap_host_t host{};
     std::vector<clap_event_param_value_t> changes;
     const clap_input_events_t in = {

@@ -25,6 +25,7 @@ public:
     virtual void SetActive(bool active) = 0;
     virtual void Set(std::int32_t index, float value) = 0;  // before the next block
     virtual float Get(std::int32_t index) = 0;
+    virtual void SetRate(double) {}  // Hz, from the next SetActive on
     virtual std::string Save() { return {}; }
     virtual bool Load(const std::string&) { return false; }
     virtual bool OpenWindow(std::uint32_t) { return false; }  // the parent's number

@@ -146,6 +146,20 @@ TEST_P(LaterFaces, GiveAFullHostTheRestInTheNextBlock) {
     EXPECT_EQ(face->events.size(), 4U);
 }
 
+TEST_P(LaterFaces, KeepObjectAndEqualizerAtAnotherRate) {
+    const auto face = Active(44100);
+    face->Set(paramFirstBar + 45, 0);  // A 440 Hz, note 69, is silenced
+    for (const double rate : {44100.0, 48000.0}) {
+        face->SetActive(false);
+        face->SetRate(rate);
+        face->SetActive(true);
+        EXPECT_TRUE(face->Play(Tones({69, 76}, 0.5, rate), 512));
+    }
+    std::string sent;
+    for (const Host::Event& event : face->events) sent += event.data.substr(0, 2);
+    EXPECT_EQ(sent, std::string("\xC0\0", 2) + "\x90\x4C\x80\x4C\x90\x4C");  // the program once
+}
+
 TEST_P(LaterFaces, KeepTheRequestForADeviceThatIsNotAvailableButForWhatTheWindowShows) {
     FakeDevices layer;
     Messages messages;

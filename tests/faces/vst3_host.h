@@ -50,6 +50,7 @@ public:
         return static_cast<float>(controller->getParamNormalized(static_cast<uint32>(index)) *
                                   static_cast<double>(ParameterMaximum(index)));
     }
+    void SetRate(double newRate) override { rate = newRate; }
     std::string Save() override {
         Stream stream;
         EXPECT_EQ(component->getState(&stream), kResultOk);
@@ -185,7 +186,7 @@ private:
         return kResultOk;
     }
 
-    const double rate;
+    double rate;
     std::vector<Change> changes;
     ParameterList parameterList{*this};
     EventList eventList{*this};
