@@ -1,10 +1,9 @@
-// The places of files, and their lists.
+// The places of files.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include "tests/support/temp_folder.h"
 #include "tools/host/audio_folder.h"
-#include "tools/host/file_list.h"
 #include "tools/host/output_file.h"
 
 namespace {
@@ -27,13 +26,6 @@ TEST(AudioFolder, FindsRecordingsAtAnyDepthAndNothingElse) {
                      folder / "b/take.wav/z.ogg", folder / "b/x.Flac"}));
     EXPECT_EQ(WithFoldersSearched({folder / "none.wav", folder / ".cache"}),
               (Names{folder / "none.wav", folder / ".cache/c.wav"}));
-}
-
-TEST(FileList, HasANameALineOrUpToEachZeroByte) {
-    EXPECT_EQ(SplitFileList("a.wav\n\n b c.wav\nd.wav"), (Names{"a.wav", " b c.wav", "d.wav"}));
-    EXPECT_EQ(SplitFileList(std::string("a\nb.wav\0c.wav\0", 14)), (Names{"a\nb.wav", "c.wav"}));
-    EXPECT_EQ(SplitFileList("\xEF\xBB\xBF#EXTM3U\r\n#EXTINF:1\r\na.wav\r\n"), Names{"a.wav"});
-    EXPECT_EQ(SplitFileList("#1.wav\r\n"), Names{"#1.wav"});
 }
 
 TEST(OutputFile, ReplacesTheOldOneWholeOrNotAtAllAndKeepsItsPermissions) {
@@ -66,22 +58,16 @@ TEST(OutputFile, WhatWouldBeLostByMistakeIsRefused) {
     const std::string sound = folder / "a.wav", midi = folder / "a.mid", list = folder / "list";
     WriteAll(sound, "RIFFsound");
     WriteAll(midi, "MThdnotes");
-    const struct {
-        Names outputs;
-        bool refused, evenByForce;
-    } rows[] = {{{midi, folder / "new.mid", "/dev/null", "/dev/null"}, false, false},
-                {{sound}, true, false},
-                {{list}, true, true},
-                {{"new.mid", "./new.mid"}, true, true}};
-    for (const auto& row : rows)
-        for (const bool force : {false, true}) {
-            std::vector<PlannedOutput> outputs;
-            for (const std::string& path : row.outputs) outputs.push_back({"--midi", path, midiFirstBytes});
-            if (force ? row.evenByForce : row.refused)
-                EXPECT_THROW(GuardOutputs(outputs, {list}, force), std::invalid_argument) << row.outputs[0];
-            else
-                EXPECT_NO_THROW(GuardOutputs(outputs, {list}, force)) << row.outputs[0];
-        }
+    const auto guard = [&](const Names& paths, bool force) {
+        std::vector<PlannedOutput> outputs;
+        for (const std::string& path : paths) outputs.push_back({"--midi", path, midiFirstBytes});
+        GuardOutputs(outputs, {list}, force);
+    };
+    EXPECT_NO_THROW(guard({midi, folder / "new.mid", "/dev/null", "/dev/null"}, false));
+    EXPECT_THROW(guard({sound}, false), std::invalid_argument);
+    EXPECT_NO_THROW(guard({sound}, true));
+    EXPECT_THROW(guard({list}, true), std::invalid_argument);
+    EXPECT_THROW(guard({"new.mid", "./new.mid"}, true), std::invalid_argument);
 }
 
 }  // namespace

@@ -5,7 +5,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -31,8 +30,6 @@ public:
         if (posix_spawn(&process, "/bin/sh", nullptr, nullptr, words.data(), environ) != 0) process = -1;
     }
     ~HostProcess() { End(SIGKILL); }
-    HostProcess(const HostProcess&) = delete;
-    HostProcess& operator=(const HostProcess&) = delete;
 
     // The exit code; -1 where it did not end by itself.
     int Wait() {
@@ -47,9 +44,6 @@ public:
     }
     std::string Out() const { return ReadAll(folder / "out"); }
     std::string Err() const { return ReadAll(folder / "err"); }
-    bool AwaitErr(const std::string& text) const {
-        return AwaitThat([&] { return Err().find(text) != std::string::npos; });
-    }
 
 private:
     TempFolder folder;
@@ -66,9 +60,6 @@ inline Ended RunHost(const Arguments& arguments, const std::string& input = {}) 
     return {code, host.Out(), host.Err()};
 }
 
-inline std::ptrdiff_t Lines(const std::string& text) {
-    return std::count(text.begin(), text.end(), '\n');
-}
 inline bool Contains(const std::string& text, const std::string& part) {
     return text.find(part) != std::string::npos;
 }
