@@ -88,11 +88,12 @@ tresult Vst3Plugin::queryInterface(const TUID id, void** object) {
 
 // --- component and controller ---
 
-tresult Vst3Plugin::initialize(FUnknown*) {
+tresult Vst3Plugin::initialize(FUnknown* context) {
     if (session != nullptr) return kResultFalse;
-    return Guarded([this] {
+    return Guarded([&] {
         ISessionListener& listener = *this;
         session = std::make_unique<SessionInstance>(listener);
+        host = context;
         return kResultOk;
     });
 }
@@ -101,6 +102,7 @@ tresult Vst3Plugin::terminate() {
     if (session != nullptr) session->CloseWindow();
     session.reset();
     handler = nullptr;
+    host = nullptr;
     return kResultOk;
 }
 

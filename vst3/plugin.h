@@ -76,6 +76,7 @@ public:
 
     // --- for the view ---
     SessionInstance* Session() { return session.get(); }  // null outside of initialize and terminate
+    Steinberg::FUnknown* Host() const { return host; }    // the same, where it gives itself
     void ReportEdits();                                   // of the window, to the host
 
 private:
@@ -85,6 +86,7 @@ private:
     void Pass(Steinberg::Vst::ProcessData& data, Sample** Steinberg::Vst::AudioBusBuffers::*channels);
 
     std::unique_ptr<SessionInstance> session;
+    Steinberg::IPtr<Steinberg::FUnknown> host;
     Steinberg::IPtr<Steinberg::Vst::IComponentHandler> handler;
     bool stereoOut = false;
     double rate = 44100;     // Hz

@@ -15,6 +15,7 @@ tresult Vst3View::attached(void* parent, FIDString type) {
     if (session == nullptr || session->WindowIsOpen() || isPlatformTypeSupported(type) != kResultTrue)
         return kResultFalse;
     auto started = WindowClock::Start(frame, [this] { Idle(); });
+    if (!started) started = WindowClock::Start(plugin->Host(), [this] { Idle(); });
     if (!started ||
         !session->OpenWindow(static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(parent))))
         return kResultFalse;

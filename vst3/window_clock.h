@@ -13,8 +13,8 @@ public:
     static constexpr unsigned period = 20;  // ms; the mouse is followed at this pace
 
     static Steinberg::FIDString PlatformType();  // of a host's window on this system
-    // None where the host offers nothing to run it.
-    static std::unique_ptr<WindowClock> Start(Steinberg::IPlugFrame* frame, std::function<void()> tick);
+    // None where `host`, a frame or the host itself, offers nothing to run it. It may be null.
+    static std::unique_ptr<WindowClock> Start(Steinberg::FUnknown* host, std::function<void()> tick);
     WindowClock() = default;
     virtual ~WindowClock() = default;  // no call comes after it
     WindowClock(const WindowClock&) = delete;

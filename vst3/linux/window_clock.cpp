@@ -10,7 +10,7 @@ class Handler final : public U::Implements<U::Directly<Linux::ITimerHandler>> {
 public:
     explicit Handler(std::function<void()> newTick) : tick(std::move(newTick)) {}
     void PLUGIN_API onTimer() override {
-        if (tick) tick();
+        if (const auto now = tick) now();  // a copy: a tick may end the clock
     }
     void Stop() { tick = nullptr; }  // a host may still hold it
 
@@ -40,8 +40,8 @@ FIDString WindowClock::PlatformType() {
     return kPlatformTypeX11EmbedWindowID;
 }
 
-std::unique_ptr<WindowClock> WindowClock::Start(IPlugFrame* frame, std::function<void()> tick) {
-    const FUnknownPtr<Linux::IRunLoop> offered(frame);
+std::unique_ptr<WindowClock> WindowClock::Start(FUnknown* host, std::function<void()> tick) {
+    const FUnknownPtr<Linux::IRunLoop> offered(host);
     if (offered == nullptr) return nullptr;
     return std::make_unique<RunLoopClock>(offered, std::move(tick));
 }

@@ -32,6 +32,6 @@ Steinberg::FIDString WindowClock::PlatformType() {
     return Steinberg::kPlatformTypeHWND;
 }
 
-std::unique_ptr<WindowClock> WindowClock::Start(Steinberg::IPlugFrame*, std::function<void()> tick) {
+std::unique_ptr<WindowClock> WindowClock::Start(Steinberg::FUnknown*, std::function<void()> tick) {
     return std::make_unique<TimerClock>(std::move(tick));
 }
