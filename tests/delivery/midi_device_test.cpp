@@ -11,7 +11,6 @@
 namespace {
 
 using Lines = FakeDevices::Calls;
-
 using DeviceList = DeviceTest;
 
 TEST_F(DeviceList, AMapperStandsInFrontOfTheDevicesUpToVersion61) {
@@ -51,23 +50,6 @@ TEST_F(DeviceList, ARefusalRaisesItsText) {
 }
 
 using Ports = DeviceTest;
-
-TEST_F(Ports, ProgramChangesCanBeDroppedAndALayerThatThrowsIsAFailureLikeAnyOther) {
-    MidiPortTable table;
-    std::uint32_t port = 0;
-    const auto fail = [](const std::string&) { throw std::logic_error("a layer's fault"); };
-    layer.during = fail;
-    EXPECT_EQ(table.OpenPort(port, 0), MMSYSERR_ERROR);
-    layer.during = nullptr;
-    ASSERT_EQ(table.OpenPort(port, 0), MMSYSERR_NOERROR);
-    table.ignoreProgramChange = true;
-    EXPECT_EQ(table.SendShort(port, 0x08C5), MMSYSERR_NOERROR);
-    layer.during = fail;
-    EXPECT_EQ(table.SendShort(port, 0x07B5), MMSYSERR_ERROR);
-    layer.during = nullptr;
-    table.ClosePort(port);
-    EXPECT_EQ(layer.Taken(), (Lines{"open 0", "open 0", "send 1 b5 07 00", "close 1"}));
-}
 
 constexpr std::uint32_t noteOn = 0x643C90;
 

@@ -1,6 +1,11 @@
-// The tracks of a band, the flushes, and the capacity that is kept ahead.
+// The recorder and its recording among several threads, and the capacity that is kept ahead.
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <future>
 #include <thread>
 
+#include "delivery/note_recorder.h"
 #include "delivery/rt_recording.h"
 #include "tests/delivery/fakes.h"
 #include "tests/support/watch.h"
@@ -33,54 +38,66 @@ void PlayScale(FakeDetector& detector, TNoteRecorder& recorder, int frame) {
     recorder.OnFrame();
 }
 
-class Recording : public RecorderTest {
-protected:
-    static constexpr std::int64_t origin = 1000;  // of most takes, on the recorder's clock
+// An output that may change the list of outputs while it is being notified.
+struct Meddler : TmtNoteOut {
+    ~Meddler() override { Meddler::Stop(); }
+    void NoteOn(std::int32_t) override {
+        ++heard;
+        if (change) std::exchange(change, nullptr)();
+    }
+    void NoteOff(std::int32_t) override {}
+    int heard = 0;
+    std::function<void()> change;
+};
 
+class Recording : public testing::Test {
+protected:
     Recording() {
+        recorder.Attach(&detector);
+        recorder.Activate(0);
         detector.delay = 0;
         recorder.AddOutput(recording);
     }
-    void StartAt(std::int64_t time) {
-        recorder.SetTime(time);
-        recording->Start();
-    }
 
+    FakeDetector detector;
+    TNoteRecorder recorder;
     TRTRecording* const recording = new TRTRecording;  // the recorder's, once attached
 };
 
-TEST_F(Recording, TheLoudestNoteHasTheSettingItselfAndAllHaveWhereLevelsDoNotCount) {
-    for (int level = 1; level < 1000; ++level) {
-        detector.level[45] = static_cast<float>(level);
-        detector.level[50] = 1e6F;
-        recorder.dynamicVelocity = level % 2 == 0;
-        recording->Start();
-        level % 2 == 0 ? Frame({45}) : Frame({45, 50});
-        Frame({});
-        recording->Stop();
-        ASSERT_EQ(std::exchange(recording->take, {})[1].message, 0x644590U) << level;
+TEST_F(Recording, AFrameSurvivesOutputsThatComeAndGoInTheMiddleOfIt) {
+    Meddler first, next, last, late;
+    for (Meddler* const out : {&first, &next, &last}) {
+        recorder.AddOutput(out);
+        out->Start();
     }
+    first.change = [&] {
+        recorder.RemoveOutput(&first);
+        recorder.RemoveOutput(&next);
+        recorder.AddOutput(&late);
+    };
+    PlayScale(detector, recorder, 45);
+    EXPECT_EQ((std::vector{first.heard, next.heard, last.heard}), (std::vector{1, 0, 1}));
+    for (Meddler* const out : {&last, &late}) recorder.RemoveOutput(out);
 }
 
-TEST_F(Recording, TheOriginOutlastsAStopButNotAClear) {
-    StartAt(origin);
-    recording->NoteOn(45);
-    recorder.SetTime(origin + 10);
-    recording->NoteOff(45);
-    recorder.SetTime(origin + 20);
-    recording->NoteOn(45);  // one note is finished, but has not reached the take
-    recording->Clear();
-    EXPECT_EQ(recording->origin, 0);
-    EXPECT_EQ(recording->pending.size(), 2U);
-    recording->Stop(), recording->Clear();
-    for (const std::int64_t start : {0, 5000, 8000}) {  // 0 counts as not begun, although the take has begun
-        StartAt(start);
-        recording->Stop();
+// While the recorder is active its lock may be held for a whole frame, and a setting must not wait for that;
+// while it is not, Start and Stop take none. Another thread than this one would wait for ever.
+TEST_F(Recording, ChangesWhileActiveAndStartsWhileInactiveTakeNoLock) {
+    recorder.Lock();
+    std::async(std::launch::async, [&] {
+        recorder.ChangeVelocity(1);
+        recorder.ChangeTranspose(1);
+        recorder.ChangeChannel(1);
+        recorder.ChangeMapping(2, 2, 2);
+        recorder.SetVelocity(3);
+    }).get();
+    EXPECT_EQ(recorder.velocity, 3);
+    recorder.Deactivate();
+    for (const bool starts : {true, false}) {
+        std::async(std::launch::async, [&] { starts ? recording->Start() : recording->Stop(); }).get();
+        EXPECT_EQ(recording->running, starts);
     }
-    recording->AppendToTake(0x03);  // runs or not
-    std::vector<std::pair<std::int64_t, std::uint32_t>> take;
-    for (const TRecordEvent& event : recording->GetTake()) take.emplace_back(event.time, event.message);
-    EXPECT_EQ(take, (decltype(take){{0, 0xC0}, {0, 0xC0}, {3000, 0xC0}, {3000, 0x03}}));
+    recorder.Unlock();
 }
 
 TEST_F(Recording, AnHourLosesNothingAllocatesNothingAndTakesMemoryByItsEvents) {

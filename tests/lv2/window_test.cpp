@@ -62,7 +62,7 @@ protected:
 
     HostWindow desktop;
     std::optional<Lv2Host> host{std::in_place};
-    const LV2_Handle handle = host->handle;
+    void* const handle = host->handle;
     const LV2UI_Descriptor* ui = WindowDescriptor();
     LV2UI_Handle window = nullptr;
     std::vector<float> written;
