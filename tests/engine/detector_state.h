@@ -1,6 +1,5 @@
 #pragma once
 #include <cstring>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -48,12 +47,8 @@ template <typename One, typename Other>
 std::string Difference(const One& one, const Other& other) {
     const DetectorState state = StateOf(one), otherState = StateOf(other);
     if (state.size() != otherState.size()) return "unlike numbers of bands";
-    for (std::size_t word = 0; word < state.size(); ++word) {
-        const auto& [name, index, bits] = state[word];
-        if (bits == otherState[word].bits) continue;
-        std::ostringstream text;
-        text << name << '[' << index << "]: " << std::hex << bits << " and " << otherState[word].bits;
-        return text.str();
-    }
+    for (std::size_t word = 0; word < state.size(); ++word)
+        if (state[word].bits != otherState[word].bits)
+            return std::string(state[word].name) + '[' + std::to_string(state[word].index) + ']';
     return {};
 }

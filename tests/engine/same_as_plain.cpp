@@ -1,6 +1,7 @@
 // The detector against its plain restatement: the whole state, bit for bit.
 #include <gtest/gtest.h>
 
+#include <cfenv>
 #include <random>
 #include <string>
 
@@ -32,8 +33,8 @@ class SameAsPlain : public testing::TestWithParam<std::tuple<int, DetectorKernel
 
 }  // namespace
 
-// Blocks of any length, compared after each: as in the plug-in, with tuning, mono, the fewest bands with all
-// on, and 64 bands, which fill whole vectors, so that nothing lies behind them.
+// Blocks of any length, as in the plug-in, with tuning, mono, the fewest bands with all on, and 64 bands,
+// which fill whole vectors.
 TEST_P(SameAsPlain, WholeStateIsTheSameAtEachCutOfTheAudio) {
     const auto& [rate, kernels] = GetParam();
     const Pcm audio = Everything(rate);
@@ -48,8 +49,8 @@ TEST_P(SameAsPlain, WholeStateIsTheSameAtEachCutOfTheAudio) {
         std::minstd_rand random(1);
         int notesSeen = 0;
         for (std::size_t at = 0; at < audio.size();) {
-            const std::size_t wanted = 1 + random() % Samples(rate, random() % 8 == 0 ? 0.001 : 0.03);
-            const std::size_t length = std::min(wanted, audio.size() - at);
+            const std::size_t length =
+                std::min<std::size_t>(1 + random() % Samples(rate, 0.03), audio.size() - at);
             const unsigned oddByte = random() % 2;  // which is ignored
             detector.Process(&audio[at], Bytes(length) + oddByte);
             plain.Process(&audio[at], Bytes(length) + oddByte);
@@ -72,27 +73,24 @@ INSTANTIATE_TEST_SUITE_P(Rates, SameAsPlain,
                                     std::get<1>(given.param).name;
                          });
 
-// Spectra that no sound makes: ties, zeros, partials stronger than their note, and templates of
-// any shape.
+// Spectra that no sound makes: ties, zeros, partials stronger than their note, templates of any shape.
 TEST(SameAsPlainByFrame, AnySpectrumAndTemplateGiveTheSameDecision) {
     static constexpr std::int32_t templates[][4] = {
         {1000, 750, 500, 250}, {0, 750, 500, 250}, {1000, -5, 1200, 300}, {4, 0, 0, 0}, {10, 9, 14, 20}};
-    static constexpr float tunes[] = {0, 0.74F, -0.74F, 0};
     static constexpr float steps[] = {0, 0.01F, 0.5F, 0.9F, 1, 1, 1, 1, 1.1F, 2, 30};
     std::minstd_rand random(3);
     for (int run = 0; run < 200; ++run) {
-        // Half the time the number for which there are loops of its own. 49 at least are given.
-        const std::int32_t wanted = run % 2 == 0 ? 84 : 39 + static_cast<std::int32_t>(random() % 90);
+        const std::int32_t wanted = run % 2 == 0 ? 84 : 39 + run % 90;  // 84: there are loops of its own
         TRealTimeTS107 detector(44100, 45, wanted);
         PlainDetector plain(44100, 45, wanted);
         const std::int32_t bands = plain.numBands;
         const auto& partials = templates[random() % 5];
+        const float tune = 0.74F * static_cast<float>(static_cast<int>(random() % 3) - 1);
         const auto set = [&, switches = random()](auto& d) {
             Apply({bands, (switches & 1) != 0, (switches & 2) != 0, (switches & 4) != 0}, d);
             d.SetHarmonics(partials[0], partials[1], partials[2], partials[3]);
             d.retriggerEnabled = (switches & 0x40) != 0;
             d.peakSlack = (switches & 0x80) != 0 ? 0.5F : 1.0F;
-            const float tune = tunes[switches >> 8 & 3];
             d.SetBandwidthAndTune(0.02F, tune);
             d.tuneLeft *= tune < 0 ? 9.0F : 1.0F;  // past the end of the grid in a few frames
             d.tuneRight *= tune > 0 ? 9.0F : 1.0F;
@@ -118,29 +116,27 @@ TEST(SameAsPlainByFrame, AnySpectrumAndTemplateGiveTheSameDecision) {
     }
 }
 
-// Setters in the middle of the sound, of the block and of the frame.
+// Setters in the middle of the sound, of the block and of the frame. The host's rounding makes no difference.
 TEST(SameAsPlainOnTheWay, SettingsTakeHoldWithoutDisturbingTheAnalysis) {
     TRealTimeTS107 detector(44100, 45, 84);
     PlainDetector plain(44100, 45, 84);
     const Pcm audio = Music(44100, 0.103, -40);
     std::minstd_rand random(5);
     for (int step = 0; step < 200; ++step) {
-        constexpr std::int32_t rates[] = {48000, 22050, 99, 30};  // below 100 Hz no frame ever comes
-        const std::int32_t rate = rates[random() % 4];
-        const auto change = [=, choice = random() % 9, on = random() % 2 == 0](auto& d) {
+        const auto change = [choice = random() % 6, on = random() % 2 == 0](auto& d) {
             switch (choice) {
                 case 0: d.SetBandwidthAndTune(0.03F, 0.3F); break;
-                case 1: d.SetMonoEnabled(on); break;
-                case 2: d.SetHarmonics(on ? 1000 : 0, 750, 500, 250); break;
-                case 3: d.Reset(); break;
-                case 4: d.SetSampleRate(rate); break;
-                case 5: d.SetBandGain(45, on ? 0.5F : 1.0F); break;
-                case 6: d.SetEqualizerEnabled(on); break;
+                case 1: d.SetHarmonics(on ? 1000 : 0, 750, 500, 250); break;
+                case 2: d.Reset(); break;
+                case 3: d.SetSampleRate(on ? 22050 : 99); break;  // below 100 Hz no frame ever comes
+                case 4: d.SetBandGain(45, on ? 0.5F : 1.0F); break;
                 default: d.SetTuningEnabled(on);
             }
         };
-        change(detector), change(plain);
-        Play(detector, audio), Play(plain, audio);
+        std::fesetround(FE_UPWARD);
+        change(detector), Play(detector, audio);
+        std::fesetround(FE_TONEAREST);
+        change(plain), Play(plain, audio);
         ASSERT_EQ(Difference(detector, plain), "") << "step " << step;
     }
 }

@@ -24,22 +24,14 @@ inline Pcm Music(int rate, double seconds, double cents = 0) {
     return Shorts(mix);
 }
 
-// Full scale up and down, `half` samples each.
-inline Pcm Square(int rate, double seconds, std::size_t half) {
-    Pcm audio(Samples(rate, seconds));
-    for (std::size_t at = 0; at < audio.size(); ++at) audio[at] = (at / half) % 2 == 0 ? 32767 : -32767;
-    return audio;
-}
-
 // Loud and quiet, on and off the grid, to the bound of the accumulators and beyond it, where they wrap (at
 // 8000 Hz, 65538 x 32768 = 2^31 + 65536), and a tail of single steps and of nothing, long enough for the
 // upper bands' energy (10 ms, so 90 time constants to the smallest normal number) to sink past it.
 inline Pcm Everything(int rate) {
     Pcm whole;
     for (const Pcm& part :
-         {Music(rate, 0.5, 30), Shorts(Noise(rate, 0.1)), Square(rate, 0.1, Samples(rate, 0.001)),
-          Square(rate, 0.05, 1), Pcm(Samples(rate, 0.1), -32768), Shorts(Sine(440, 1, rate, 0.05), 1),
-          Pcm(Samples(rate, 1.1), 0)})
+         {Music(rate, 0.5, 30), Shorts(Noise(rate, 0.1)), Shorts(Sine(440, 9, rate, 0.1)),
+          Pcm(Samples(rate, 0.1), -32768), Shorts(Sine(440, 1, rate, 0.05), 1), Pcm(Samples(rate, 1.1), 0)})
         whole.insert(whole.end(), part.begin(), part.end());
     return whole;
 }
