@@ -1,6 +1,5 @@
 #include <map>
 
-#include "desktop/shell.h"
 #include "desktop/user_store.h"
 #include "tests/editor/editor_test.h"
 #include "tests/support/devices.h"
@@ -9,10 +8,9 @@
 namespace {
 
 using Values = std::map<std::int32_t, float>;  // by parameter
-using Names = std::vector<std::string>;
 
 constexpr Place barsOff = {30, 279}, barsHalf = {130, 279};
-constexpr Place registerButton = {45, 291}, helpButton = {363, 23};
+constexpr Place registerButton = {45, 291};
 
 class Controls : public EditorTest {
 protected:
@@ -44,13 +42,11 @@ TEST_F(Controls, ReportWhatTheMouseSetsAndNothingElse) {
         Values reported;
     } rows[] = {
         {2, {80, 90}, {80, 60}, {{1, 1.0F}}},  // Sensitivity, beyond its upper end
-        {2, {80, 80}, {80, 305}, {{1, 0.0F}}},
         {3, barsHalf, barsHalf, Bars(0, 83, 0.5F)},
-        {3, barsOff, {30, 310}, Bars(0, 83, 0.0F)},  // even when released outside
+        {3, barsOff, {30, 310}, Bars(0, 83, 0.0F)},  // released outside
         // The bars begin at 7, 48; bar b is at 3 * b + 1. From bar 10 to bar 20 at half height: y 101 of 203.
         {3, {7 + 31, 48 + 101}, {7 + 61, 48 + 101}, Bars(10, 20, 102.0F / 203.0F)},
-        {4, {60, 62}, {60, 62}, {{93, 1.0F}}},  // Show chords
-        {4, {60, 62}, {60, 62}, {{93, 0.0F}}},
+        {4, {60, 62}, {60, 62}, {{93, 1.0F}}},      // Show chords
         {4, {60, 123}, {60, 123}, {{91, 0.0F}}},    // Notes to host, on at first
         {4, {60, 182}, {60, 182}, {{89, 1.0F}}},    // MIDI device
         {4, {152, 242}, {152, 242}, {{95, 1.0F}}},  // Send Program Change
@@ -76,14 +72,6 @@ TEST_F(Controls, ShowWhatTheHostSets) {
     EXPECT_TRUE(host->Await([&] { return host->Pixel(x, top) == 0xFFFF00U; }));
     EXPECT_TRUE(host->Await([&] { return host->Pixel(x, top - 1) != 0xFFFF00U; }));
     EXPECT_TRUE(host->automated.empty());
-    host->plugin.setParameter(92, 4);
-    const auto label = [this] {  // the instrument's name
-        host->Settle();
-        return host->Pixels(34, 38 + 242, 220, 17);
-    };
-    const Picture first = label();
-    host->plugin.setParameter(87, 1);
-    EXPECT_NE(label(), first);
 }
 
 TEST_F(Controls, MenusChooseAChannelAndADeviceThatIsSwitchedOn) {
@@ -104,13 +92,8 @@ TEST_F(Controls, ATakeIsSavedUnderTheChosenNameAndKeptUntilItIs) {
     folder.Program("xdotool", "exec /usr/bin/xdotool \"$@\"");
     folder.BecomePath(false);
     Open();
-    Click(recordButton);
-    EXPECT_TRUE(host->plugin.recordingOn);
-    Click(stopButton);
-    EXPECT_FALSE(host->plugin.recordingOn);
     const auto expectMessage = [this](const char* reason) {
         Click(saveButton);
-        EXPECT_FALSE(host->plugin.recordingOn) << reason;  // ended first
         EXPECT_TRUE(host->Await([&] { return MessageIsUp(); })) << reason;
         EndMessage();
     };
@@ -119,17 +102,19 @@ TEST_F(Controls, ATakeIsSavedUnderTheChosenNameAndKeptUntilItIs) {
 
     host->plugin.resume();
     Click(recordButton);
+    EXPECT_TRUE(host->plugin.recordingOn);
     Play({69}, 1.0);
     Play({}, 0.5);
+    Click(stopButton);
+    EXPECT_FALSE(host->plugin.recordingOn);
     expectMessage("no program for the dialog");
     folder.Program("zenity", "echo /nowhere/at/all/take.mid");
     expectMessage("a file that cannot be written");
     folder.Program("zenity", "echo " + (folder / "take.mid"));
     Click(saveButton);
     EXPECT_TRUE(host->Await([&] { return folder.Has("take.mid"); }));
-    const std::string file = ReadAll(folder / "take.mid");
-    EXPECT_EQ(file.substr(0, 4), "MThd");
-    EXPECT_NE(file.find("\x45\x64"), std::string::npos) << "no A 440 (note 69) at velocity 100";
+    EXPECT_TRUE(ReadAll(folder / "take.mid").find("\x45\x64") != std::string::npos)
+        << "no A 440, velocity 100";
     setenv("PATH", "/usr/bin:/bin", 1);
 }
 
@@ -156,59 +141,6 @@ TEST_F(Controls, TheAboutPageSavesTheLogAndStoresNameAndCodeTogether) {
     }
     EXPECT_EQ(readRegistryString("Name") + readRegistryString("Code"), "Jane Doe1234-ABCD");
     unsetenv("XDG_CONFIG_HOME");
-}
-
-struct FakeShell : IShell {
-    FakeShell() { SubstituteSystemShell(this); }
-    ~FakeShell() override { SubstituteSystemShell(nullptr); }
-    bool OpenWebPage(const std::string& address) override { return opened.push_back(address), true; }
-    bool OpenMail(const std::string& address) override { return opened.push_back(address), true; }
-    bool OpenHelpFile(const std::string& path) override {
-        return opened.push_back(path.substr(path.rfind('/'))), true;
-    }
-    Names opened;
-};
-
-TEST_F(Controls, LinksAndHelpOpenByMouseAndKey) {
-    FakeShell shell;
-    Open(5);
-    for (const Place place : {Place{78, 175}, Place{68, 228}, Place{68, 208}})
-        Click(place);  // the last between them
-    Names expected = {
-        "https://www.orva-labs.example/english/orva-audio-to-midi-vst.html?r=orvavst&ver=1.30&os=win",
-        "support@orva-labs.example"};
-    EXPECT_EQ(shell.opened, expected);
-    Click(helpButton);
-    EXPECT_EQ(host->Call(effEditKeyDown, 0, VKEY_F1), 1);
-    host->Settle();
-    host->Key("F1");  // the button's press has given the window the keys
-    expected.insert(expected.end(), 3, "/orva_vst.chm");
-    EXPECT_TRUE(host->Await([&] { return shell.opened == expected; }));
-}
-
-// The dialog's owner is the window that the manager knows, however deep the editor's parent lies in it.
-TEST_F(Controls, ADialogBelongsToTheHostsWindowAndEndsWithOurs) {
-    const TempFolder folder;
-    folder.Program("zenity",
-                   "cd " + folder.path.string() +
-                       "; echo $$ > pid; printf '%s\\n' \"$@\" > new; mv new options; exec sleep 1000");
-    folder.BecomePath(true);
-    const xcb_window_t outer = host->parent, inner = xcb_generate_id(host->connection);
-    xcb_create_window(host->connection, XCB_COPY_FROM_PARENT, inner, outer, 0, 0, 400, 320, 0,
-                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
-    xcb_map_window(host->connection, inner);
-    host->Sync();
-    host->parent = inner;
-    Open(5);
-    Click(saveLogButton);
-    EXPECT_TRUE(host->Await([&] { return folder.Has("options"); }));
-    EXPECT_NE(ReadAll(folder / "options").find("\n--attach=" + std::to_string(outer) + "\n"),
-              std::string::npos);
-    const pid_t dialog = std::stoi(ReadAll(folder / "pid"));
-    EXPECT_EQ(kill(dialog, 0), 0);
-    host->Call(effEditClose);
-    EXPECT_NE(kill(dialog, 0), 0);  // ended, and reaped
-    setenv("PATH", "/usr/bin:/bin", 1);
 }
 
 }  // namespace

@@ -1,18 +1,14 @@
 // The parts of the editor that know no toolkit.
 #include <gtest/gtest.h>
 
-#include <string>
 #include <utility>
 #include <vector>
 
 #include "editor/equalizer_stroke.h"
-#include "editor/help_file.h"
 #include "editor/idle_clock.h"
-#include "tests/support/temp_folder.h"
 
 namespace {
 
-namespace fs = std::filesystem;
 using Heights = std::vector<std::pair<int, int>>;  // bar, pixels
 
 int XOf(int bar) {
@@ -33,7 +29,6 @@ TEST(EqualizerStroke, SetsTheBarsThatTheMousePassesWithoutGaps) {
         {{{XOf(9), 10}, {XOf(6), 20}}, {{6, 183}, {8, 190}, {7, 187}}},
         {{{XOf(4), 80}, {XOf(4), 80}}, {}},  // a mouse that rests
         // Outside, the bar at the edge is set once.
-        {{{XOf(82), 100}, {400, 100}}, {{83, 103}}},
         {{{XOf(82), 100}, {400, 100}, {500, 30}}, {}},
         {{{XOf(1), 100}, {-20, 60}}, {{0, 143}}},
     };
@@ -61,29 +56,6 @@ TEST(IdleClock, LosesNoTimeToRoundingOrWrapping) {
     }
     EXPECT_EQ(steps, 66U);
     EXPECT_EQ(last, 0xFFFFFFF0 + 3300);
-}
-
-TEST(HelpFile, IsFoundInABuildAndUnderThePrefixOfAPackage) {
-    const TempFolder folder;
-    const fs::path build = folder / "build", prefix = folder / "usr", doc = prefix / "share/doc";
-    const struct {
-        fs::path module, written,
-            manual;  // the folder of the one, a file made before the look, what is found
-    } rows[] = {
-        {build, build / "manual/manual.html", build / "manual/manual.html"},
-        {build / "orva.lv2", "", build / "manual/manual.html"},
-        {prefix / "lib/lv2/orva.lv2", doc / "orva-lv2/manual.html", doc / "orva-lv2/manual.html"},
-        {prefix / "lib/vst", doc / "orva-vst/manual.html", doc / "orva-vst/manual.html"},
-        {prefix / "lib/x86_64-linux-gnu/vst", "", doc / "orva-vst/manual.html"},
-        {build / "lib/vst", "", ""},
-    };
-    for (const auto& [module, written, manual] : rows) {
-        if (!written.empty()) {
-            fs::create_directories(written.parent_path());
-            WriteAll(written, "<!DOCTYPE html>");
-        }
-        EXPECT_EQ(ManualOf(module), manual) << module;
-    }
 }
 
 }  // namespace
