@@ -31,6 +31,12 @@ void CEqualizer::setBarHeight(std::int32_t bar, std::int32_t pixels) {
     valueChanged();
 }
 
+std::int32_t CEqualizer::BarAt(const CPoint& where) const {
+    if (!getViewSize().pointInside(where)) return -1;
+    const std::int32_t bar = static_cast<std::int32_t>(where.x - getViewSize().left) / (barWidth + 1);
+    return bar < bandCount ? bar : -1;
+}
+
 void CEqualizer::draw(CDrawContext* context) {
     if (bufferIsStale) Redraw();
     CBufferedControl::draw(context);

@@ -21,6 +21,9 @@ public:
         return static_cast<std::int32_t>(getHeight()) - EqualizerStroke::frame;
     }
 
+    // The bar at a place of the page; -1 for none.
+    std::int32_t BarAt(const VSTGUI::CPoint& where) const;
+
     void draw(VSTGUI::CDrawContext* context) override;
     void onMouseDownEvent(VSTGUI::MouseDownEvent& event) override;
     void onMouseMoveEvent(VSTGUI::MouseMoveEvent& event) override;

@@ -1,5 +1,7 @@
 #include "editor/equalizer_frame.h"
 
+#include <algorithm>
+
 #include "base/truncate.h"
 #include "editor/gui_editor.h"
 #include "editor/look.h"
@@ -7,6 +9,7 @@
 #include "vst2/records.h"
 #include "vstgui/lib/cbitmap.h"
 #include "vstgui/lib/controls/cbuttons.h"
+#include "vstgui/lib/events.h"
 
 using namespace VSTGUI;
 
@@ -44,12 +47,29 @@ void CEqualizerFrame::valueChanged(CControl* control) {
     }
 }
 
+// From the parameter's own value: a bar's height is a whole number of pixels.
+void CEqualizerFrame::onMouseWheelEvent(MouseWheelEvent& event) {
+    CPoint where = event.mousePosition;
+    where.offset(-getViewSize().left, -getViewSize().top);
+    const std::int32_t bar = equalizer->BarAt(where);
+    if (bar < 0) return CORVAFrame::onMouseWheelEvent(event);
+    const double step = event.modifiers.has(ModifierKey::Shift) ? 0.001 : 0.01;
+    const std::int32_t index = paramFirstBar + bar;
+    const float value = std::clamp(
+        editor->effect->getParameter(index) + static_cast<float>(step * (event.deltaX + event.deltaY)), 0.0F,
+        1.0F);
+    setParameter(index, value);
+    editor->valueChanged(index, value);
+    event.consumed = true;
+}
+
 void CEqualizerFrame::SetAllBars(float value) {
     const std::int32_t height = TruncateToInt32(value * static_cast<float>(equalizer->HighestBar()));
     for (std::int32_t bar = 0; bar < bandCount; ++bar) {
         equalizer->barHeights[static_cast<std::size_t>(bar)] = height;
         editor->valueChanged(paramFirstBar + bar, value);
     }
+    editor->ShowStatus("All bars " + ParameterDisplay(paramFirstBar, value));
     equalizer->setDirty();
     invalid();
 }

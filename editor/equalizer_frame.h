@@ -11,6 +11,8 @@ public:
 
     void valueChanged(VSTGUI::CControl* control) override;
     void setParameter(std::int32_t index, float value) override;
+    // The wheel moves the bar under it by a hundredth a notch, with Shift by a thousandth.
+    void onMouseWheelEvent(VSTGUI::MouseWheelEvent& event) override;
 
     CLASS_METHODS_NOCOPY(CEqualizerFrame, CORVAFrame)
 

@@ -16,6 +16,7 @@
 #include "editor/plug_window.h"
 #include "editor/window_size.h"
 #include "parameters/parameters.h"
+#include "parameters/starting_points.h"
 #include "vst2/records.h"
 #include "vstgui/lib/cresourcedescription.h"
 #include "vstgui/lib/platform/common/genericoptionmenu.h"
@@ -113,6 +114,43 @@ void guiEditor::MakeViews() {
     mailbox.drain([](std::int32_t, float) {});  // older than what is read now
     for (std::int32_t i = 0; i < codeEnd; ++i) window->setParameter(i, effect->getParameter(i));
     window->ShowHearing(CurrentHearing());
+}
+
+void guiEditor::Change(const std::vector<ParameterSetting>& settings) {
+    for (const auto& [index, value] : settings) {
+        if (value == effect->getParameter(index)) continue;
+        if (window != nullptr) window->setParameter(index, value);
+        valueChanged(index, value);
+    }
+}
+
+void guiEditor::BeginWith(const std::string& instrument) {
+    tasks.emplace_back([this, instrument] {
+        std::vector<ParameterSetting> wanted;
+        if (!instrument.empty()) {
+            wanted = SettingsFor(instrument);
+        } else {
+            for (std::int32_t i = paramPolyphony; i <= paramLastBar; ++i)
+                if (i != paramVelocity) wanted.push_back({i, ParameterInitialValue(i)});
+        }
+        // Made for the classic ear: of another, only the reach counts.
+        if (CurrentHearing().ear != Ear::classic) {
+            std::erase_if(wanted, [](const ParameterSetting& each) { return each.index < paramFirstBar; });
+            for (ParameterSetting& each : wanted) each.value = each.value > 0 ? 1.0F : 0.0F;
+        }
+        beforeBegin.clear();
+        for (const ParameterSetting& each : wanted)
+            beforeBegin.push_back({each.index, effect->getParameter(each.index)});
+        Change(wanted);
+        ShowStatus("Begun with: " + (instrument.empty() ? "initial" : instrument));
+    });
+}
+
+void guiEditor::UndoBegin() {
+    tasks.emplace_back([this] {
+        Change(std::exchange(beforeBegin, {}));
+        ShowStatus("As before");
+    });
 }
 
 void guiEditor::PreferSize(std::int32_t percent) {
@@ -296,6 +334,10 @@ void guiEditor::PreferHearing(const Hearing& wanted) {
     if (!StorePreferredHearing(before, wanted))
         ShowMessage("This holds until the plug-in closes: it could not be stored with your settings.",
                     "Error");
+}
+
+void guiEditor::ShowStatus(const std::string& text) {
+    if (window != nullptr) window->ShowStatus(text);
 }
 
 bool guiEditor::TakeMessage(const std::string& text, const std::string& caption) {

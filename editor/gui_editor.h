@@ -13,6 +13,7 @@
 #include "editor/aeff_gui_editor.h"
 #include "editor/idle_clock.h"
 #include "editor/mailbox.h"
+#include "parameters/parameters.h"
 #include "plugin/gui_plugin.h"
 #include "vst2/records.h"
 #include "vstgui/lib/cbitmap.h"
@@ -62,12 +63,19 @@ public:
     Hearing CurrentHearing() const;
     void PreferHearing(const Hearing& wanted);  // by this instance at once, and by those to come
 
+    // Settings to begin with, by instrument (starting_points.h) or, for an empty name, the initial ones. Each
+    // is a change in the window like any other, so the host records it. One step can be undone.
+    void BeginWith(const std::string& instrument);
+    bool CanUndoBegin() const { return !beforeBegin.empty(); }
+    void UndoBegin();
+
     // The size of the window: a preference of the user's, which all windows of this process follow at once.
     std::int32_t WindowSize() const { return Size(); }
     void PreferSize(std::int32_t percent);
 
     // What leaves the window happens at the next idle call: within a control's own call the mouse is still
     // held.
+    void ShowStatus(const std::string& text);  // for a moment, in the window's lower edge
     void ShowMessage(const std::string& text, const std::string& caption);
     void AskForFile(const FileDialogRequest& request,
                     std::function<void(const std::string& path)> whenChosen);
@@ -84,6 +92,7 @@ private:
     bool MakeWindow(void* parent);
     void MakeViews();
     void CloseNow();
+    void Change(const std::vector<ParameterSetting>& settings);
     void ChooseSize();
     void FollowSize();
     void Resize(std::int32_t percent);
@@ -110,6 +119,8 @@ private:
     bool choseSize = false;         // it was in this window that the user did, so here a refusal is shown
     std::int32_t sizeFromHost = 0;  // percent, instead of the user's; 0 for none
     std::uint32_t sizeChoices = 0;  // those of the process that this window has followed
+
+    std::vector<ParameterSetting> beforeBegin;  // what a starting point has replaced
 
     Mailbox mailbox;
     std::vector<std::function<void()>> tasks;  // for the next idle call

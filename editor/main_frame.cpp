@@ -1,7 +1,9 @@
 #include "editor/main_frame.h"
 
+#include "base/file_path.h"
 #include "editor/gui_editor.h"
 #include "editor/look.h"
+#include "editor/slider.h"
 #include "parameters/parameters.h"
 #include "vst2/records.h"
 #include "vstgui/lib/cbitmap.h"
@@ -26,8 +28,8 @@ CMainFrame::CMainFrame(guiEditor* itsEditor) : CORVAFrame(itsEditor, 113) {
         const CRect area = controls::WholeOf(ground, sliderPlaces[i]);
         const auto top = static_cast<std::int32_t>(area.top);
         const auto bottom = static_cast<std::int32_t>(area.bottom - handle->getHeight());
-        sliders[i] = new CVerticalSlider(area, this, i, top, bottom, handle, ground);
-        sliders[i]->setDefaultValue(ParameterInitialValue(i));  // of a click with the control key
+        sliders[i] = new Slider<CVerticalSlider>(area, this, i, top, bottom, handle, ground);
+        sliders[i]->setDefaultValue(ParameterInitialValue(i));
         addView(sliders[i]);
 
         CRect below(area.left - 13, area.bottom + 1, 0, 0);
@@ -123,7 +125,9 @@ void CMainFrame::SaveRecording() {
     guiEditor* const saver = editor;
     saver->AskForFile({"Select MIDI file", "MIDI Files (*.mid)", "mid", "midi_output.mid"},
                       [saver](const std::string& path) {
-                          if (!saver->effect->saveRecording(path))
+                          if (saver->effect->saveRecording(path))
+                              saver->ShowStatus("Saved as " + Utf8(FilePath(path).filename()));
+                          else
                               saver->ShowMessage("Error saving MIDI file", "Error");
                       });
 }

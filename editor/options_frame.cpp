@@ -6,6 +6,7 @@
 
 #include "editor/gui_editor.h"
 #include "editor/look.h"
+#include "editor/slider.h"
 #include "parameters/parameters.h"
 #include "vst2/records.h"
 #include "vstgui/lib/cbitmap.h"
@@ -47,11 +48,11 @@ CHorizontalSlider* COptionsFrame::AddSlider(std::int32_t tag, CPoint position, s
     const CRect area = controls::WholeOf(getBitmap(id), position);
     const auto left = static_cast<std::int32_t>(area.left);
     const auto right = static_cast<std::int32_t>(area.right - handle->getWidth());
-    auto* slider =
-        new CHorizontalSlider(area, this, tag, left, right, handle, getBitmap(id), {0, 0}, CSlider::kLeft);
+    auto* slider = new Slider<CHorizontalSlider>(area, this, tag, left, right, handle, getBitmap(id), {0, 0},
+                                                 CSlider::kLeft);
     slider->setOffsetHandle(
         {0, (area.getHeight() - handle->getHeight()) / 2});  // the handle is a little higher
-    slider->setDefaultValue(0);
+    slider->setDefaultValue(ParameterInitialValue(tag));
     addView(slider);
     return slider;
 }

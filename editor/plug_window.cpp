@@ -9,6 +9,7 @@
 #include "editor/look.h"
 #include "editor/main_frame.h"
 #include "editor/options_frame.h"
+#include "editor/status_text.h"
 #include "editor/window_menu.h"
 #include "parameters/parameters.h"
 #include "vst2/records.h"
@@ -31,8 +32,8 @@ struct PageButton {
 const PageButton pageButtonPlaces[] = {{{20, 15}, 117}, {{92, 15}, 116}, {{164, 15}, 114}, {{236, 15}, 115}};
 
 const CRect formArea(269, 48, 389, 300);
-const CRect chordArea(7, 7, 112, 43);        // within the form
-const CRect hearingArea(96, 300, 258, 317);  // below the pages
+const CRect chordArea(7, 7, 112, 43);       // within the form
+const CRect statusArea(96, 300, 258, 317);  // below the pages
 
 }  // namespace
 
@@ -41,7 +42,7 @@ CPlugWindow::CPlugWindow(const CRect& size, guiEditor* itsEditor, CBitmap* backg
     setBackground(background);
     AddPageButtons();
     AddForm();
-    AddHearingLabel();
+    AddStatusLabel();
     pages[0] = owned(static_cast<CORVAFrame*>(new CMainFrame(editor)));
     pages[1] = owned(static_cast<CORVAFrame*>(new CEqualizerFrame(editor)));
     pages[2] = owned(static_cast<CORVAFrame*>(new COptionsFrame(editor)));
@@ -80,19 +81,34 @@ void CPlugWindow::AddForm() {
     addView(formContainer);
 }
 
-void CPlugWindow::AddHearingLabel() {
-    hearingLabel = new CLabel(hearingArea, this, tagHearing);
-    hearingLabel->setFont(EditorFont(11));
-    hearingLabel->setHoriAlign(kRightText);
-    hearingLabel->setMouseEnabled(false);
-    addView(hearingLabel);
+void CPlugWindow::AddStatusLabel() {
+    statusLabel = new CLabel(statusArea, this, tagHearing);
+    statusLabel->setFont(EditorFont(11));
+    statusLabel->setHoriAlign(kRightText);
+    statusLabel->setMouseEnabled(false);
+    addView(statusLabel);
 }
 
 void CPlugWindow::ShowHearing(const Hearing& hearing) {
-    const std::string text = HearingText(hearing);
-    if (text == hearingLabel->getText()) return;
-    hearingLabel->setText(text.c_str());
-    hearingLabel->setMouseEnabled(!text.empty());
+    hearingText = HearingText(hearing);
+}
+
+void CPlugWindow::ShowStatus(const std::string& text) {
+    constexpr int steps = 40;  // 2 s
+    touched = text;
+    stepsOfTouched = steps;
+}
+
+void CPlugWindow::RefreshStatus(const std::vector<unsigned char>& levels) {
+    std::string text = stepsOfTouched > 0 ? touched : SoundingText(levels);
+    if (stepsOfTouched > 0)
+        --stepsOfTouched;
+    else if (!text.empty() && chordLabel->visible && chordLabel->getText()[0] != '\0')
+        text += std::string(" ") + chordLabel->getText();  // which begins with a blank of its own
+    const bool isHearing = text.empty();
+    if (isHearing) text = hearingText;
+    statusLabel->setMouseEnabled(isHearing && !text.empty());  // a click opens the menu
+    if (text != statusLabel->getText()) statusLabel->setText(text.c_str());
 }
 
 void CPlugWindow::OpenMenu(CPoint where) {
@@ -163,6 +179,7 @@ void CPlugWindow::setParameter(std::int32_t index, float value) {
 }
 
 void CPlugWindow::onValueChanged(std::int32_t tag, float value) {
+    if (const std::string text = TouchedText(tag, value); !text.empty()) ShowStatus(text);
     if (tag == paramChordsEnabled) ShowChordLabel(IsOn(value));
     if (tag > hiddenGesture) {
         pages[equalizerPage]->setBackground(editor->getBitmap(177));
@@ -174,6 +191,7 @@ void CPlugWindow::onValueChanged(std::int32_t tag, float value) {
 
 void CPlugWindow::update(const std::vector<unsigned char>& levels) {
     volumeForm->update(levels);
+    RefreshStatus(levels);
 }
 
 void CPlugWindow::valueChanged(CControl* control) {

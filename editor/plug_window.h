@@ -1,5 +1,7 @@
 #pragma once
 #include <cstdint>
+#include <string>
+#include <vector>
 
 #include "editor/label.h"
 #include "editor/orva_frame.h"
@@ -28,6 +30,7 @@ public:
     // A page changed something, after the plug-in object heard of it.
     void onValueChanged(std::int32_t tag, float value);
     void update(const std::vector<unsigned char>& levels);  // one column for the scrolling picture
+    void ShowStatus(const std::string& text);               // for a moment
     void ShowHearing(const Hearing& hearing);               // nothing where it is what a plug-in begins with
 
     void showPage(std::int32_t page);
@@ -47,7 +50,8 @@ public:
 private:
     void AddPageButtons();
     void AddForm();
-    void AddHearingLabel();
+    void AddStatusLabel();
+    void RefreshStatus(const std::vector<unsigned char>& levels);
     void ShowChordLabel(bool show);
     void OpenMenu(VSTGUI::CPoint where);
 
@@ -60,7 +64,10 @@ private:
     CVolumeForm* volumeForm = nullptr;
     guiEditor* editor;
     CLabel* chordLabel = nullptr;
-    CLabel* hearingLabel = nullptr;
+    // One line below the pages: what was touched a moment ago, else what sounds, else how the plug-in hears.
+    CLabel* statusLabel = nullptr;
+    std::string touched, hearingText;
+    int stepsOfTouched = 0;                  // of idle time, for which it still stands
     bool menuIsDue = false;                  // the right button went down and has not come up
     std::int32_t registrationCountdown = 0;  // the registration role's; this one counts nothing down
 };

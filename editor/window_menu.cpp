@@ -1,9 +1,11 @@
 #include "editor/window_menu.h"
 
+#include <cctype>
 #include <cstdio>
 
 #include "editor/gui_editor.h"
 #include "editor/window_size.h"
+#include "parameters/starting_points.h"
 
 using namespace VSTGUI;
 
@@ -66,12 +68,30 @@ void AddSizes(COptionMenu& menu, guiEditor& editor) {
     menu.addEntry(sizes, "Window size");
 }
 
+void AddBeginnings(COptionMenu& menu, guiEditor& editor) {
+    const auto beginnings = Menu();
+    const auto add = [&](std::string name, const std::string& instrument) {
+        name[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(name[0])));
+        auto* item = new CCommandMenuItem(CCommandMenuItem::Desc(name.c_str()));
+        item->setActions([&editor, instrument](CCommandMenuItem*) { editor.BeginWith(instrument); });
+        beginnings->addEntry(item);
+    };
+    add("initial", "");
+    for (const StartingPoint& point : StartingPoints()) add(point.name, point.name);
+    auto* undo = new CCommandMenuItem(CCommandMenuItem::Desc("Undo"));
+    undo->setEnabled(editor.CanUndoBegin());
+    undo->setActions([&editor](CCommandMenuItem*) { editor.UndoBegin(); });
+    beginnings->addEntry(undo);
+    menu.addEntry(beginnings, "Begin with");
+}
+
 }  // namespace
 
 SharedPointer<COptionMenu> MakeWindowMenu(guiEditor& editor) {
     auto menu = Menu();
     if (editor.OffersHearing()) AddHearing(*menu, editor);
     AddSizes(*menu, editor);
+    AddBeginnings(*menu, editor);
     return menu;
 }
 

@@ -61,6 +61,11 @@ struct ParameterRow {
     std::vector<ParameterPoint> (*points)();       // null where no value has a name
 };
 
+struct ParameterSetting {
+    std::int32_t index = 0;
+    float value = 0;  // finite; 0 to 1 as a rule
+};
+
 // The row of parameter 0 to 95, the same one for all bars; null outside.
 const ParameterRow* FindParameter(std::int32_t index);
 

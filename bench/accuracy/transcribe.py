@@ -38,7 +38,7 @@ def sound_of(corpus, folder):
 
 def starting_points():
     """The instruments that `orva-host render --for` knows, from its own table."""
-    rows = (ROOT / "tools/host/starting_points.cpp").read_text()
+    rows = (ROOT / "parameters/starting_points.cpp").read_text()
     return re.findall(r'^ *\{.*"(\w+)"\},$', rows, re.MULTILINE)
 
 

@@ -70,6 +70,7 @@ public:
         MoveTo(x, y);
         Tool({"click", "3"});
     }
+    void Roll(const char* button) { Tool({"click", button}); }
     void Key(const char* name) { Tool({"key", name}); }
     void Type(const char* text) { Tool({"type", text}); }
 

@@ -4,6 +4,7 @@
 
 #include "editor/level_column.h"
 #include "editor/window_size.h"
+#include "parameters/starting_points.h"
 #include "plugin/hearing.h"
 #include "tests/editor/editor_test.h"
 #include "tests/support/temp_folder.h"
@@ -89,6 +90,25 @@ TEST_F(Window, ThePictureTakesTheLevelsAsAColumnAtItsLeftEdgeAndMovesOn) {
     EXPECT_TRUE(host->Await([&] { return host->Pixel(left, row) == 0x93BAD8U; }));  // no blocks: dark
 }
 
+// Polyphony is 0.87 at first; a hand's wheel is button 4 upward and 5 downward.
+TEST_F(Window, AWheelMovesASliderByAHundredthAndADoubleClickTakesItBack) {
+    Open();
+    host->plugin.setParameter(0, 0.5F);
+    host->Settle();
+    host->MoveTo(33, 200);
+    const auto expect = [this](float value) {
+        EXPECT_TRUE(host->Await([&] {
+            return !host->automated.empty() && std::abs(host->automated.back().value - value) < 1e-5F;
+        })) << value;
+    };
+    host->Roll("4");
+    expect(0.51F);
+    host->Roll("5");
+    expect(0.5F);
+    for (int i = 0; i < 2; ++i) host->Press(), host->Release();
+    expect(0.87F);
+}
+
 // The menu lies at the pointer, with rows of 19 pixels; what a row opens lies to its right.
 class WindowMenu : public EditorTest {
 protected:
@@ -153,6 +173,28 @@ TEST_F(WindowMenu, MakesTheWindowOfAnySizeIfItsHostFollows) {
     host->Call(effEditClose);
     EXPECT_EQ(host->Call(effVendorSpecific, vendorCall, vendorWindowScale, nullptr, 1.9F), 1);
     EXPECT_EQ(width(), 600);
+}
+
+TEST_F(WindowMenu, BeginsWithAnInstrumentsSettingsThatTheHostRecordsAndTakesThemBack) {
+    const auto choose = [this](int row) {
+        host->RightClick(150, 40);
+        host->Settle();
+        for (const int x : {170, 285}) host->MoveTo(x, 69), host->Settle();
+        Click({290, 69 + 19 * row});
+    };
+    choose(2);  // after Initial and Piano
+    const auto guitar = SettingsFor("guitar");
+    const auto all = [&](auto has) { return std::all_of(guitar.begin(), guitar.end(), has); };
+    EXPECT_TRUE(host->Await([&] {
+        return all([&](const auto& each) { return host->plugin.getParameter(each.index) == each.value; });
+    }));
+    EXPECT_GT(host->automated.size(), 30U);  // E2 to E6 stay open: 84 - 49 bars are shut
+    choose(7);                               // behind the six instruments
+    EXPECT_TRUE(host->Await([&] {
+        return all([&](const auto& each) {
+            return host->plugin.getParameter(each.index) == ParameterInitialValue(each.index);
+        });
+    }));
 }
 
 }  // namespace

@@ -4,16 +4,12 @@
 #include <string>
 #include <vector>
 
+#include "parameters/parameters.h"
 #include "tools/host/audio_file.h"
 #include "tools/host/ear_settings.h"
 #include "tools/host/plugin_module.h"
 #include "tools/host/take.h"
 #include "tools/host/tuning.h"
-
-struct ParameterSetting {
-    std::int32_t index = 0;
-    float value = 0;  // finite; 0 to 1 as a rule
-};
 
 struct RenderSettings {
     std::int32_t blockSize = 512;  // samples a call

@@ -3,7 +3,7 @@
 #include <charconv>
 #include <utility>
 
-#include "tools/host/starting_points.h"
+#include "parameters/starting_points.h"
 
 namespace {
 

@@ -3,9 +3,9 @@
 #include <iostream>
 #include <memory>
 
+#include "parameters/starting_points.h"
 #include "tools/host/commands/parameters.h"
 #include "tools/host/plugin_facts.h"
-#include "tools/host/starting_points.h"
 
 namespace {
 

@@ -6,9 +6,9 @@
 #include <charconv>
 
 #include "parameters/parameters.h"
+#include "parameters/starting_points.h"
 #include "tools/host/hosted_plugin.h"
 #include "tools/host/plugin_facts.h"
-#include "tools/host/starting_points.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/host/renderer.h"
+#include "parameters/parameters.h"
 
 // Settings of the plug-in to begin with, by instrument. They were looked for on one half of a corpus of
 // studies and are kept where they gained more than five points of F-measure on the other half, which

@@ -1,4 +1,4 @@
-#include "tools/host/starting_points.h"
+#include "parameters/starting_points.h"
 
 #include <algorithm>
 #include <cmath>
