@@ -7,6 +7,7 @@ it is known, since the recording is a table of events with their times, it is th
 
     compare_midi.py RECORDED.mid|RECORDED.csv AUDIO.wav BLOCK    (BLOCK in samples; orva-host from $ORVA_BUILD)
 """
+import collections
 import csv
 import io
 import os
@@ -17,7 +18,7 @@ import tempfile
 import wave
 
 ROUNDING = 0.001  # s; of a MIDI file's ticks, and of the host's clock
-AT_ONCE = 64  # alignments
+AT_ONCE = 64  # alignments that are rendered at once
 
 
 def delay(key):
@@ -45,26 +46,29 @@ def recorded(path):
             for row in rows if row[2] in ("Note_on_c", "Note_off_c")]
 
 
-def rendered(audio, block, shifts, folder):
+def rendered(audio, block, shifts):
     """For each shift, the notes as (s, on, key) in the order of sending, with so many samples of silence ahead."""
     with wave.open(audio) as sound:
         form, samples = sound.getparams(), sound.readframes(sound.getnframes())
-    files = [folder / f"{shift}.wav" for shift in shifts]
-    for file, shift in zip(files, shifts):
-        with wave.open(str(file), "wb") as sound:
-            sound.setparams(form)
-            sound.writeframes(bytes(shift * form.sampwidth * form.nchannels) + samples)
-    subprocess.run([f"{os.environ['ORVA_BUILD']}/orva-host", "render", "--ear", "classic", *map(str, files), "--block", str(block),
-                    "--events", str(folder), "--jobs", "2"], stdout=subprocess.DEVNULL, check=True)
-    for file, shift in zip(files, shifts):
-        yield [(time - shift / form.framerate, on, key) for time, on, key in table(file.with_suffix(".csv"))]
-        file.unlink()
+    for first in range(0, shifts, AT_ONCE):
+        with tempfile.TemporaryDirectory() as folder:
+            files = [pathlib.Path(folder, f"{shift}.wav") for shift in range(first, min(first + AT_ONCE, shifts))]
+            for shift, file in enumerate(files, first):
+                with wave.open(str(file), "wb") as sound:
+                    sound.setparams(form)
+                    sound.writeframes(bytes(shift * form.sampwidth * form.nchannels) + samples)
+            subprocess.run([f"{os.environ['ORVA_BUILD']}/orva-host", "render", "--ear", "classic", *map(str, files),
+                            "--block", str(block), "--events", folder, "--jobs", "2"],
+                           stdout=subprocess.DEVNULL, check=True)
+            for shift, file in enumerate(files, first):
+                yield shift, [(time - shift / form.framerate, on, key)
+                              for time, on, key in table(file.with_suffix(".csv"))]
 
 
 def per_key(events):
-    keys = {}
+    keys = collections.defaultdict(list)
     for time, on, key in events:
-        keys.setdefault(key, []).append((time, on))
+        keys[key].append((time, on))
     return keys
 
 
@@ -72,8 +76,8 @@ def compare(heard, expected, block):
     """The faults, and the longest that a note came later than it began (s); block in s."""
     faults, lag, end = [], 0.0, max(time for time, _, _ in heard)
     due_keys, heard_keys = per_key(expected), per_key(heard)
-    for key in sorted(set(due_keys) | set(heard_keys)):
-        events, got = due_keys.get(key, []), heard_keys.get(key, [])
+    for key in sorted({*due_keys, *heard_keys}):
+        events, got = due_keys[key], heard_keys[key]
         due = sum(time + delay(key) + 2 * block < end for time, _ in events)
         if not due <= len(got) <= len(events):
             faults.append(f"key {key}: {len(got)} events, {due} to {len(events)} were due")
@@ -88,25 +92,20 @@ def compare(heard, expected, block):
 
 
 def main():
-    heard, audio, block = recorded(sys.argv[1]), sys.argv[2], int(sys.argv[3])
+    path, audio, block = sys.argv[1], sys.argv[2], int(sys.argv[3])
+    heard, nearest = recorded(path), None
     notes = sum(on for _, on, _ in heard)
     if notes == 0:
         sys.exit("no note has arrived")
     with wave.open(audio) as sound:
         block_seconds = block / sound.getframerate()
-    nearest = None
-    begins = 1 if sys.argv[1].endswith(".csv") else block
-    for begin in range(0, begins, AT_ONCE):
-        with tempfile.TemporaryDirectory() as folder:
-            shifts = range(begin, min(begin + AT_ONCE, begins))
-            for shift, expected in zip(shifts, rendered(audio, block, shifts, pathlib.Path(folder))):
-                faults, lag = compare(heard, expected, block_seconds)
-                if not faults:
-                    print(f"{notes} notes as orva-host gives them, at most {lag * 1000:.0f} ms after they began "
-                          f"(the host began at sample {shift} of a block)")
-                    return
-                if nearest is None or len(faults) < len(nearest):
-                    nearest = faults
+    for shift, expected in rendered(audio, block, 1 if path.endswith(".csv") else block):
+        faults, lag = compare(heard, expected, block_seconds)
+        if not faults:
+            print(f"{notes} notes as orva-host gives them, at most {lag * 1000:.0f} ms after they began "
+                  f"(the host began at sample {shift} of a block)")
+            return
+        nearest = min(nearest or faults, faults, key=len)
     sys.exit("at no alignment the same notes; the nearest:\n" + "\n".join(nearest[:20]))
 
 

@@ -1,10 +1,10 @@
 // Plays a recording to a plug-in in a host of the JACK server that JACK_DEFAULT_SERVER names, and records
-// what comes back: MIDI as HEARD.csv, in the columns of orva-host's, and audio as HEARD.wav.
+// what comes back: MIDI as HEARD.csv, in the columns of orva-host's.
 //
 //   jack_play_and_record AUDIO CLIENT HEARD    CLIENT has the ports in, out and midi; awaits them
 //   jack_play_and_record                       awaits the server, and no more
 //
-// Exit code 0: the audio came back as it was played, to the last bit; 1: it did not, or something is missing.
+// Exit code 0: the audio came back as it was played, to the last bit.
 #include <cstdio>
 #include <fstream>
 #include <iostream>
@@ -14,25 +14,15 @@
 #include "tests/support/jack_server.h"
 #include "tools/host/take_output.h"
 
+using namespace std::chrono_literals;
+
 namespace {
 
 constexpr int margin = 10;  // s of recording beside the music, for the connections ahead of it
 
 template <typename Condition>
-void Await(const std::string& what, Condition condition, int seconds = 30) {
-    if (!AwaitThat(condition, std::chrono::seconds(seconds)))
-        throw std::runtime_error(what + " does not come");
-}
-
-using Client = std::unique_ptr<jack_client_t, decltype(&jack_client_close)>;
-
-Client AwaitServer() {
-    Client client(nullptr, jack_client_close);
-    Await("the JACK server", [&] {
-        client.reset(QuietJackClient("looker"));
-        return client != nullptr;
-    });
-    return client;
+void Await(const std::string& what, Condition condition, std::chrono::seconds limit = 30s) {
+    if (!AwaitThat(condition, limit)) throw std::runtime_error(what + " does not come");
 }
 
 bool PlayAndRecord(jack_client_t& looker, const std::string& audio, const std::string& host,
@@ -50,9 +40,8 @@ bool PlayAndRecord(jack_client_t& looker, const std::string& audio, const std::s
         throw std::runtime_error(host + " cannot be connected");
     player.Play();
     const std::vector<float>& samples = player.Samples();
-    const int length = static_cast<int>(samples.size()) / rate;
     Await(
-        "the recording's end", [&] { return player.Length() == samples.size(); }, 5 * length);
+        "the recording's end", [&] { return player.Length() == samples.size(); }, 5min);
     player.Stop();
 
     // The music begins where its first sample that is not zero comes back.
@@ -71,7 +60,6 @@ bool PlayAndRecord(jack_client_t& looker, const std::string& audio, const std::s
     csv << EventCsv(take);
     if (!csv.flush()) throw std::runtime_error(heard + ".csv cannot be written");
     const auto first = samples.begin() + begin;
-    WriteAudio(heard + ".wav", {first, samples.end()}, rate, 1, SF_FORMAT_WAV | SF_FORMAT_FLOAT);
     const auto [at, ignored] = std::mismatch(music.begin(), music.end(), first);
     std::printf("audio: %td of %zu samples came back as they were played\n", at - music.begin(),
                 music.size());
@@ -83,7 +71,8 @@ bool PlayAndRecord(jack_client_t& looker, const std::string& audio, const std::s
 int main(int count, char** words) {
     try {
         if (count != 1 && count != 4) throw std::runtime_error("usage: [AUDIO CLIENT HEARD]");
-        const Client looker = AwaitServer();
+        std::unique_ptr<jack_client_t, decltype(&jack_client_close)> looker(nullptr, jack_client_close);
+        Await("the JACK server", [&] { return looker.reset(QuietJackClient("looker")), looker != nullptr; });
         return count == 1 || PlayAndRecord(*looker, words[1], words[2], words[3]) ? 0 : 1;
     } catch (const std::exception& fault) {
         std::cerr << "jack_play_and_record: " << fault.what() << '\n';
