@@ -109,8 +109,8 @@ void AEffGUIEditor::FinishOpenedMenus() {
 }
 
 bool AEffGUIEditor::dispatchKey(const VstKeyCode& key, bool down) {
-    const std::lock_guard locked(ToolkitLock());
-    if (frame == nullptr) return false;
+    const std::unique_lock locked(ToolkitLock(), std::try_to_lock);
+    if (!locked || frame == nullptr) return false;
     VSTGUI::KeyboardEvent event = EventOf(key, down);
     const auto keep = VSTGUI::shared(frame);
     keep->dispatchEvent(event);

@@ -59,8 +59,8 @@ guiEditor::~guiEditor() {
 }
 
 bool guiEditor::getRect(ERect** editorRect) {
-    const std::lock_guard locked(ToolkitLock());
-    if (!isEditorOpen && busy == 0) ChooseSize();
+    const std::unique_lock locked(ToolkitLock(), std::try_to_lock);
+    if (locked && !isEditorOpen && busy == 0) ChooseSize();
     return AEffGUIEditor::getRect(editorRect);
 }
 
@@ -222,8 +222,8 @@ void guiEditor::CloseNow() {
 }
 
 void guiEditor::idle() {
-    const std::lock_guard locked(ToolkitLock());
-    if (busy > 0) return;
+    const std::unique_lock locked(ToolkitLock(), std::try_to_lock);
+    if (!locked || busy > 0) return;
     {
         const ScopedCount now(busy);
         mailbox.drain([this](std::int32_t index, float value) {
@@ -253,8 +253,8 @@ void guiEditor::idle() {
 }
 
 bool guiEditor::onKeyDown(const VstKeyCode& key) {
-    const std::lock_guard locked(ToolkitLock());
-    if (window == nullptr || busy > 0) return false;
+    const std::unique_lock locked(ToolkitLock(), std::try_to_lock);
+    if (!locked || window == nullptr || busy > 0) return false;
     if (key.virt == VKEY_F1) {
         OpenHelp();
         return true;

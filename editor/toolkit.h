@@ -5,7 +5,9 @@
 // The toolkit keeps state for the whole process: its factories, and under X11 one
 // connection to the display and one run loop.
 // It knows no threads. So every entry of every editor holds this lock; hosts that keep all windows on one
-// thread never wait for it.
+// thread never wait for it. An editor that opens or serves its user calls the host, which may then wait for a
+// lock that another of its threads holds while it calls an editor. So only opening and closing wait here: an
+// idle call, a key or a question for the size that finds the lock taken does nothing.
 std::recursive_mutex& ToolkitLock();
 
 // The process's share in the toolkit, held by each open editor. The first one starts it, the last one leaves
