@@ -2,7 +2,6 @@
 #include "devices/system_midi_out.h"
 
 #include <atomic>
-#include <functional>
 #include <thread>
 
 #include "base/wide_text.h"
@@ -14,28 +13,26 @@ using NameList = std::vector<std::string>;
 
 // A layer, and what it was asked to do; the devices hold it by a thin shell.
 struct Layer {
-    class Device : public MidiDevice {
-    public:
+    struct Device : MidiDevice {
         explicit Device(Layer& its) : layer(its) {}
-        ~Device() override { *open = false, ++layer.closed; }
+        ~Device() override {
+            ++layer.closed;
+            if (layer.inside != 0) ++layer.faults;
+        }
         std::uint32_t Send(std::uint32_t message, std::size_t) override {
-            if (layer.inSend)
-                layer.inSend(std::shared_ptr(open));  // outlives a device that goes meanwhile
-            else
-                layer.sent.push_back(message);
+            ++layer.inside;
+            if (layer.keeps) layer.sent.push_back(message);
+            for (int turn = 0; turn < 20; ++turn) std::this_thread::yield();  // a close may fall in here
+            --layer.inside;
             return MMSYSERR_NOERROR;
         }
         std::uint32_t SendLong(const MidiLongMessage& message) override {
             layer.longBytes += message.length;
             return MMSYSERR_NOERROR;
         }
-
-    private:
         Layer& layer;
-        const std::shared_ptr<std::atomic<bool>> open = std::make_shared<std::atomic<bool>>(true);
     };
-    class Backend : public MidiBackend {
-    public:
+    struct Backend : MidiBackend {
         explicit Backend(Layer& its) : layer(its) {}
         NameList DeviceNames() override { return layer.names; }
         MidiOpening Open(const std::string& name) override {
@@ -44,23 +41,21 @@ struct Layer {
                 return {nullptr, layer.refusal.code, layer.refusal.text};
             return {std::make_unique<Device>(layer)};
         }
-
-    private:
         Layer& layer;
     };
-
-    std::vector<std::string> names, opened = {};
-    MidiOpening refusal = {};  // with a code: the answer to every opening
+    NameList names, opened;
+    MidiOpening refusal;  // with a code: the answer to every opening
     int closed = 0;
-    std::vector<std::uint32_t> sent = {};
+    bool keeps = true;  // what is sent
+    std::vector<std::uint32_t> sent;
     std::size_t longBytes = 0;
-    std::function<void(const std::shared_ptr<std::atomic<bool>>& open)> inSend =
-        {};  // if there is one, nothing is kept of what is sent
+    std::atomic<int> inside{0}, faults{0};  // sends under way; devices closed during one
 };
 
 class SystemDevices : public testing::Test {
 protected:
     std::vector<std::unique_ptr<MidiBackend>> Layers() {
+        first.names = {"a", "b"}, second.names = {"b", "c"};
         std::vector<std::unique_ptr<MidiBackend>> layers;
         for (Layer* const layer : {&first, &second})
             layers.push_back(std::make_unique<Layer::Backend>(*layer));
@@ -89,7 +84,7 @@ protected:
     }
     void Close(MidiOutHandle handle) { EXPECT_EQ(devices.midiOutClose(handle), MMSYSERR_NOERROR); }
 
-    Layer first{{"a", "b"}}, second{{"b", "c"}};
+    Layer first, second;
     SystemMidiOut devices{Layers()};
 };
 
@@ -98,40 +93,27 @@ TEST_F(SystemDevices, AnIdOpensTheDeviceThatTheListShowedUnderItOrNone) {
     first.names = {"new", "b"};                              // "a" has gone, and what came takes its place
     EXPECT_EQ(Names(), (NameList{"a", "b", "b (2)", "c"}));  // read once, and when it is asked for
     Open(0, MMSYSERR_BADDEVICEID);
-    Close(Open(1));
-    EXPECT_EQ(first.opened, NameList{"b"});
-    EXPECT_EQ(Names(), (NameList{"-", "b", "b (2)", "c", "new"}));
-    Close(Open(4));
-    EXPECT_EQ(ReadNames(), (NameList{"new", "b", "b (2)", "c"}));  // nothing is open: in the layers' order
-}
-
-TEST_F(SystemDevices, WhileOneIsOpenNoDeviceChangesItsId) {
-    Names();
     const MidiOutHandle handle = Open(2);
     EXPECT_EQ(second.opened, NameList{"b"});
-    first.names = {"new", "b"};
-    second.names = {"c"};  // the open device itself has gone
-    EXPECT_EQ(ReadNames(), (NameList{"new", "b", "-", "c"}));
+    EXPECT_EQ(Names(), (NameList{"-", "b", "b (2)", "c", "new"}));
+    second.names = {"c"};  // the open device itself has gone, and no other changes its id
+    EXPECT_EQ(ReadNames(), (NameList{"-", "b", "-", "c", "new"}));
     EXPECT_EQ(devices.midiOutShortMsg(handle, 0x643C90), MMSYSERR_NOERROR);  // to a device that is no more
     Close(handle);
-    EXPECT_EQ(ReadNames(), (NameList{"new", "b", "c"}));
+    EXPECT_EQ(ReadNames(), (NameList{"new", "b", "c"}));  // nothing is open: in the layers' order
 }
 
 TEST_F(SystemDevices, NamesAndTextsFitTheirFieldsAndAreLegal) {
     const std::string piano = "\xF0\x9F\x8E\xB9";  // two units
-    first.names = {"", std::string(4096, 'x'), "cut \xC3", std::string(318, 'y') + piano};
+    first.names = {std::string(4096, 'x'), "cut \xC3", std::string(318, 'y') + piano};
     second.names = {std::string(4000, 'x')};
-    EXPECT_EQ(Names(), (NameList{"", std::string(319, 'x'), "cut \xEF\xBF\xBD", std::string(318, 'y'),
+    EXPECT_EQ(Names(), (NameList{std::string(319, 'x'), "cut \xEF\xBF\xBD", std::string(318, 'y'),
                                  std::string(315, 'x') + " (2)"}));
-    Close(Open(1));
+    Close(Open(0));
     EXPECT_EQ(first.opened, NameList{std::string(4096, 'x')});  // by its whole name
-
     first.refusal = {nullptr, MMSYSERR_ALLOCATED, std::string(300, 'w')};
-    EXPECT_NE(Text(MMSYSERR_ALLOCATED).find("in use"), std::string::npos);
     Open(0, MMSYSERR_ALLOCATED);
     EXPECT_EQ(Text(MMSYSERR_ALLOCATED), std::string(255, 'w'));  // the layer's own text
-    for (const std::uint32_t code : {0U, 1U, 2U, 4U, 5U, 6U, 7U, 8U, 11U})
-        EXPECT_GT(Text(code).size(), 5U) << code;
     EXPECT_EQ(Text(3), "-");
 }
 
@@ -145,7 +127,6 @@ TEST_F(SystemDevices, AHandleServesUntilItIsClosedAndNeverAgain) {
              {devices.midiOutShortMsg(stale, 0x643C90), devices.midiOutLongMsg(stale, {bytes, 2}),
               devices.midiOutReset(stale), devices.midiOutClose(stale)})
             EXPECT_EQ(result, MMSYSERR_INVALHANDLE) << stale;
-    EXPECT_TRUE(first.sent.empty());
     EXPECT_EQ(devices.midiOutShortMsg(next, 0x643C90), MMSYSERR_NOERROR);
     EXPECT_EQ(devices.midiOutShortMsg(next, 0x64903C), MMSYSERR_INVALPARAM);  // no status
     EXPECT_EQ(devices.midiOutLongMsg(next, {bytes, 2}), MMSYSERR_NOERROR);
@@ -173,18 +154,14 @@ TEST(ShortMessages, HaveTheLengthOfTheirStatus) {
 
 // Two threads send to one device while it is opened and closed: each message reaches it while it is open.
 TEST_F(SystemDevices, NoSendReachesADeviceThatIsBeingClosed) {
-    std::atomic<int> faults{0};
-    first.inSend = [&](const auto& open) {
-        for (int turn = 0; turn < 20; ++turn) std::this_thread::yield();  // a close may fall into the middle
-        if (!*open) ++faults;
-    };
+    first.keeps = false;
     std::atomic<MidiOutHandle> current{0};
     std::atomic<bool> done{false};
     const auto send = [&] {
         while (!done) {
             const std::uint32_t result =
                 devices.midiOutShortMsg(current.load(std::memory_order_relaxed), 0x90);
-            if (result != MMSYSERR_NOERROR && result != MMSYSERR_INVALHANDLE) ++faults;
+            if (result != MMSYSERR_NOERROR && result != MMSYSERR_INVALHANDLE) ++first.faults;
         }
     };
     std::thread one(send), two(send);
@@ -196,7 +173,7 @@ TEST_F(SystemDevices, NoSendReachesADeviceThatIsBeingClosed) {
     done = true;
     one.join();
     two.join();
-    EXPECT_EQ(faults, 0);
+    EXPECT_EQ(first.faults, 0);
 }
 
 }  // namespace

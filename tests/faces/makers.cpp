@@ -38,7 +38,7 @@ private:
 
 class Lv2Face : public Face {
 public:
-    explicit Lv2Face(double rate) : host(PluginDescriptor(), Lv2Host::everything, rate) {}
+    explicit Lv2Face(double rate) : host(PluginDescriptor(), rate) {}
 
     void SetActive(bool active) override { active ? host.Activate() : host.Deactivate(); }
     void Set(std::int32_t index, float value) override { host.control[index] = value; }

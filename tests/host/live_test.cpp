@@ -64,7 +64,7 @@ struct Neighbour : JackReceiver {
 };
 
 struct Live : testing::Test {
-    JackServer server{musicRate, JackServer::Clients::areAwaited};
+    JackServer server{musicRate};
 };
 
 TEST_F(Live, PlaysTheNotesThatRenderFindsPassesTheAudioOnAndLeavesNoNoteSounding) {

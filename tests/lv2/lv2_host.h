@@ -35,10 +35,7 @@ inline Lv2Events EventsOf(const LV2_Atom_Sequence& sequence, LV2_URID type) {
 // An LV2 host with one plug-in: its features, a buffer for each port, and the work that it was asked for.
 class Lv2Host {
 public:
-    enum Offer { everything, noWorker };
-
-    explicit Lv2Host(const LV2_Descriptor* plugin = PluginDescriptor(), Offer offer = everything,
-                     double rate = 44100)
+    explicit Lv2Host(const LV2_Descriptor* plugin = PluginDescriptor(), double rate = 44100)
         : descriptor(plugin) {
         map = {this, [](LV2_URID_Map_Handle self, const char* uri) {
                    return static_cast<Lv2Host*>(self)->Urid(uri);
@@ -48,8 +45,7 @@ public:
                     }};
         const LV2_Feature mapFeature{LV2_URID__map, &map}, workFeature{LV2_WORKER__schedule, &schedule};
         const LV2_Feature nameless{};
-        const LV2_Feature* const features[] = {&nameless, &mapFeature,
-                                               offer == everything ? &workFeature : nullptr, nullptr};
+        const LV2_Feature* const features[] = {&nameless, &mapFeature, &workFeature, nullptr};
         handle = descriptor->instantiate(descriptor, rate, ORVA_BUNDLE, features);
         for (std::int32_t i = 0; i < parameterCount; ++i) {
             control[i] = ParameterInitialValue(i);

@@ -1,7 +1,4 @@
 // What runs promise beyond what every face does.
-#include <future>
-#include <thread>
-
 #include "lv2/midi_port.h"
 #include "tests/lv2/lv2_host.h"
 #include "tests/support/devices.h"
@@ -47,44 +44,26 @@ TEST(Lv2MidiPort, StaysWithinTheHostsBuffer) {
 }
 
 // MIDI devices are never opened by the thread of a run.
-class Lv2Device : public DeviceTest {
-protected:
-    // What the devices were asked by a run with these values.
-    FakeDevices::Calls Run(Lv2Host& host, float device, float enabled) {
+using Lv2Device = DeviceTest;
+
+TEST_F(Lv2Device, TheHostsWorkerOpensItAndTheNewestRequestWins) {
+    Lv2Host host;
+    const auto run = [&](float device, float enabled) {
         host.control[paramDevice] = device;
         host.control[paramDeviceEnabled] = enabled;
         host.Run(Silence(64));
         return layer.Taken();
-    }
+    };
     using Calls = FakeDevices::Calls;
-};
-
-TEST_F(Lv2Device, TheHostsWorkerOpensItAndTheNewestRequestWins) {
-    Lv2Host host;
     host.refusesWork = true;  // such a host is asked again
-    EXPECT_EQ(Run(host, 0.01F, 1), Calls());
+    EXPECT_EQ(run(0.01F, 1), Calls());
     host.refusesWork = false;
-    EXPECT_EQ(Run(host, 0.01F, 1), Calls());
-    EXPECT_EQ(Run(host, 0.02F, 1), Calls());
+    EXPECT_EQ(run(0.01F, 1), Calls());
+    EXPECT_EQ(run(0.02F, 1), Calls());
     EXPECT_EQ(host.Work(), 2);
-    EXPECT_EQ(Run(host, 0.02F, 0), Calls{"open 2"});
+    EXPECT_EQ(run(0.02F, 0), Calls{"open 2"});
     host.Work();
     EXPECT_EQ(layer.Taken(), Calls{"close 1"});
-}
-
-TEST_F(Lv2Device, WithoutAWorkerAThreadOfItsOwnOpensIt) {
-    std::promise<std::thread::id> opened;
-    layer.during = [&opened](const std::string& call) {
-        if (call == "open 1") opened.set_value(std::this_thread::get_id());
-    };
-    {
-        Lv2Host host(PluginDescriptor(), Lv2Host::noWorker);
-        host.control[paramDevice] = 0.01F;
-        host.control[paramDeviceEnabled] = 1;
-        host.Run(Silence(64));
-        EXPECT_TRUE(opened.get_future().get() != std::this_thread::get_id());
-    }
-    EXPECT_EQ(layer.Taken(), (Calls{"open 1", "close 1"}));  // with the instance
 }
 
 }  // namespace

@@ -35,10 +35,7 @@ inline jack_client_t* QuietJackClient(const char* name) {
 // start.
 class JackServer {
 public:
-    enum class Clients { mayLag, areAwaited };  // what a cycle does about a client that gets no time
-
-    explicit JackServer(int newRate = 48000, Clients newClients = Clients::mayLag)  // Hz
-        : rate(std::to_string(newRate)), mode(newClients == Clients::areAwaited ? "-S" : "-r") {
+    explicit JackServer(int newRate = 48000) : rate(std::to_string(newRate)) {  // Hz
         for (int number = 0; !StartAs(number); ++number) continue;
     }
     ~JackServer() {
@@ -62,10 +59,7 @@ public:
         if (process == 0) Become();
         jack_client_t* client = nullptr;
         AwaitThat([&] { return HasEnded() || (client = QuietJackClient("probe")) != nullptr; });
-        if (client != nullptr) {
-            jack_client_close(client);
-            return;
-        }
+        if (client != nullptr) return static_cast<void>(jack_client_close(client));
         End(SIGKILL);
         throw std::runtime_error("jackd does not start. Its output:\n" + ReadAll(log));
     }
@@ -81,10 +75,7 @@ private:
         if (lock < 0) throw std::runtime_error("no lock file for " + name);
         setenv("JACK_DEFAULT_SERVER", name.c_str(), 1);
         try {
-            if (flock(lock, LOCK_EX | LOCK_NB) == 0) {
-                Start();
-                return true;
-            }
+            if (flock(lock, LOCK_EX | LOCK_NB) == 0) return Start(), true;
         } catch (const std::exception&) {
             if (number == 7 || ReadAll(log).find("already active") == std::string::npos) throw;
         }
@@ -96,10 +87,9 @@ private:
         const int file = open(log.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
         dup2(file, STDOUT_FILENO);
         dup2(file, STDERR_FILENO);
-        // Ten seconds for clients that get no time on a busy machine.
-        execlp("jackd", "jackd", "-n", name.c_str(), "-r", mode, "-t", "10000", "-d", "dummy", "-r",
+        // Each cycle awaits its clients, for ten seconds on a busy machine.
+        execlp("jackd", "jackd", "-n", name.c_str(), "-r", "-S", "-t", "10000", "-d", "dummy", "-r",
                rate.c_str(), "-p", "1024", nullptr);
-        perror("jackd");
         _exit(127);
     }
     bool HasEnded() {
@@ -119,10 +109,9 @@ private:
     }
 
     const std::string rate;
-    const char* const mode;  // on its command line; the one that is always given stands for none
-    std::string name, log;   // log: the file with its output
-    int lock = -1;           // the file that stands for the name
-    pid_t process = -1;      // -1: none
+    std::string name, log;  // log: the file with its output
+    int lock = -1;          // the file that stands for the name
+    pid_t process = -1;     // -1: none
 };
 
 // A client with a MIDI input, "NAME:in", and an audio input, "NAME:audio", that keep what arrives, and an
@@ -146,28 +135,21 @@ public:
         midi = jack_port_register(client, "in", JACK_DEFAULT_MIDI_TYPE, JackPortIsInput, 0);
         audio = jack_port_register(client, "audio", JACK_DEFAULT_AUDIO_TYPE, JackPortIsInput, 0);
         out = jack_port_register(client, "out", JACK_DEFAULT_AUDIO_TYPE, JackPortIsOutput, 0);
-        const auto process = [](jack_nframes_t n, void* self) {
-            return static_cast<JackReceiver*>(self)->Process(n);
-        };
+        const auto process = [](jack_nframes_t n, void* self) { return Of(self).Process(n); };
         jack_set_process_callback(client, process, this);
-        const auto died = [](void* self) { static_cast<JackReceiver*>(self)->serverDied = true; };
-        jack_on_shutdown(client, died, this);
+        jack_on_shutdown(
+            client, [](void* self) { Of(self).serverDied = true; }, this);
         jack_activate(client);
     }
     ~JackReceiver() { Stop(); }
-    JackReceiver(const JackReceiver&) = delete;
-    JackReceiver& operator=(const JackReceiver&) = delete;
 
     // A client whose server has died is the library's: the next one that anybody opens frees it.
     void Stop() {
         if (client != nullptr && !serverDied) jack_client_close(client);
         client = nullptr;
     }
-    bool Hear(const std::string& from) {
-        return jack_connect(client, from.c_str(), jack_port_name(audio)) == 0;
-    }
-    bool HearMidi(const std::string& from) {
-        return jack_connect(client, from.c_str(), jack_port_name(midi)) == 0;
+    bool Hear(const std::string& from, bool isMidi = false) {
+        return jack_connect(client, from.c_str(), jack_port_name(isMidi ? midi : audio)) == 0;
     }
     bool IsHeard() const { return jack_port_connected(out) > 0; }
     std::vector<std::string> Senders() const {  // the ports that are connected to the MIDI input
@@ -179,21 +161,17 @@ public:
         return senders;
     }
     void Play() { playing = true; }  // from the next period on
-    // For that many messages since the beginning; false if no more came for a long time.
-    bool Await(std::size_t wanted) const {
-        return AwaitThat([&] { return Count() >= wanted; });
-    }
     std::size_t Count() const { return count.load(); }
     const Event& EventAt(std::size_t index) const { return events[index]; }
     std::uint32_t At(std::size_t index) const {  // the first three bytes
         const auto& bytes = events[index].bytes;
-        return bytes[0] | static_cast<std::uint32_t>(bytes[1]) << 8 |
-               static_cast<std::uint32_t>(bytes[2]) << 16;
+        return bytes[0] | bytes[1] * 0x100U | bytes[2] * 0x10000U;
     }
     std::size_t Length() const { return length.load(); }  // samples kept so far
     const std::vector<float>& Samples() const { return kept; }
 
 private:
+    static JackReceiver& Of(void* self) { return *static_cast<JackReceiver*>(self); }
     // The server orders the access to the port buffers of one process's clients by means that the thread
     // sanitizer cannot see, so it does not look at this function, which copies messages by hand.
     __attribute__((no_sanitize("thread"))) int Process(jack_nframes_t frames) {

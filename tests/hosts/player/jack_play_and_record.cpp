@@ -36,7 +36,7 @@ bool PlayAndRecord(jack_client_t& looker, const std::string& audio, const std::s
 
     JackReceiver player("player", music, music.size() + Samples(rate, margin));
     if (jack_connect(&looker, "player:out", (host + ":in").c_str()) != 0 || !player.Hear(host + ":out") ||
-        !player.HearMidi(host + ":midi"))
+        !player.Hear(host + ":midi", true))
         throw std::runtime_error(host + " cannot be connected");
     player.Play();
     const std::vector<float>& samples = player.Samples();
