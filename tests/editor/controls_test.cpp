@@ -29,23 +29,29 @@ protected:
     FakeDevices devices;
 };
 
-Values Bars(int first, int last, float value) {
+Values Bars(int first, int last, int pixels, int slope = 0) {  // of 203
     Values values;
-    for (int bar = first; bar <= last; ++bar) values[bar + 3] = value;
+    for (int bar = first; bar <= last; ++bar, pixels += slope)
+        values[bar + 3] = static_cast<float>(pixels) / 203.0F;
     return values;
 }
 
 TEST_F(Controls, ReportWhatTheMouseSetsAndNothingElse) {
+    Values half;
+    for (int bar = 0; bar < 84; ++bar) half[bar + 3] = 0.5F;
     const struct {
         float page;
         Place from, to;
         Values reported;
     } rows[] = {
         {2, {80, 90}, {80, 60}, {{1, 1.0F}}},  // Sensitivity, beyond its upper end
-        {3, barsHalf, barsHalf, Bars(0, 83, 0.5F)},
-        {3, barsOff, {30, 310}, Bars(0, 83, 0.0F)},  // released outside
-        // The bars begin at 7, 48; bar b is at 3 * b + 1. From bar 10 to bar 20 at half height: y 101 of 203.
-        {3, {7 + 31, 48 + 101}, {7 + 61, 48 + 101}, Bars(10, 20, 102.0F / 203.0F)},
+        {3, barsHalf, barsHalf, half},
+        {3, barsOff, {30, 310}, Bars(0, 83, 0)},  // released outside
+        // The bars begin at 7, 48, bar b at 3 * b + 1: no gap from bar 10 to bar 20, and so past either end.
+        {3, {7 + 31, 48 + 101}, {7 + 61, 48 + 81}, Bars(10, 20, 102, 2)},
+        {3, {7 + 61, 48 + 101}, {7 + 31, 48 + 81}, Bars(10, 20, 122, -2)},
+        {3, {7 + 241, 48 + 101}, {300, 48 + 101}, Bars(80, 83, 102)},
+        {3, {7 + 241, 48 + 101}, {7 + 241, 310}, Bars(80, 80, 0)},
         {4, {60, 62}, {60, 62}, {{93, 1.0F}}},      // Show chords
         {4, {60, 123}, {60, 123}, {{91, 0.0F}}},    // Notes to host, on at first
         {4, {60, 182}, {60, 182}, {{89, 1.0F}}},    // MIDI device
