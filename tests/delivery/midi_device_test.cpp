@@ -1,9 +1,7 @@
 // The device list and the ports on top of it, on devices of the tests' own.
 #include <atomic>
 #include <future>
-#include <stdexcept>
 
-#include "delivery/rt_midi_out.h"
 #include "devices/midi_device_list.h"
 #include "devices/midi_ports.h"
 #include "tests/support/devices.h"
@@ -35,17 +33,6 @@ TEST_F(DeviceList, AMapperStandsInFrontOfTheDevicesUpToVersion61) {
         EXPECT_EQ(other.versionsAsked, 1);  // and kept
     }
     SubstituteMidiOut(&layer);
-}
-
-TEST_F(DeviceList, ARefusalRaisesItsText) {
-    layer.refusedOpens[1] = MMSYSERR_ALLOCATED;
-    try {
-        const TRTMidiOut out(1);
-        FAIL() << "it opened";
-    } catch (const std::runtime_error& error) {
-        EXPECT_STREQ(error.what(), "code 4");
-    }
-    EXPECT_FALSE(IsPortValid(0));
 }
 
 using Ports = DeviceTest;

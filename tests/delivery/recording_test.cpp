@@ -1,7 +1,6 @@
 // The recorder and its recording among several threads, and the capacity that is kept ahead.
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <future>
 #include <thread>
 
@@ -34,18 +33,6 @@ void PlayScale(FakeDetector& detector, TNoteRecorder& recorder, int frame) {
     recorder.OnFrame();
 }
 
-// An output that may change the list of outputs while it is being notified.
-struct Meddler : TmtNoteOut {
-    ~Meddler() override { Meddler::Stop(); }
-    void NoteOn(std::int32_t) override {
-        ++heard;
-        if (change) std::exchange(change, nullptr)();
-    }
-    void NoteOff(std::int32_t) override {}
-    int heard = 0;
-    std::function<void()> change;
-};
-
 class Recording : public testing::Test {
 protected:
     Recording() {
@@ -59,22 +46,6 @@ protected:
     TNoteRecorder recorder;
     TRTRecording* const recording = new TRTRecording;  // the recorder's, once attached
 };
-
-TEST_F(Recording, AFrameSurvivesOutputsThatComeAndGoInTheMiddleOfIt) {
-    Meddler first, next, last, late;
-    for (Meddler* const out : {&first, &next, &last}) {
-        recorder.AddOutput(out);
-        out->Start();
-    }
-    first.change = [&] {
-        recorder.RemoveOutput(&first);
-        recorder.RemoveOutput(&next);
-        recorder.AddOutput(&late);
-    };
-    PlayScale(detector, recorder, 45);
-    EXPECT_EQ((std::vector{first.heard, next.heard, last.heard}), (std::vector{1, 0, 1}));
-    for (Meddler* const out : {&last, &late}) recorder.RemoveOutput(out);
-}
 
 // While the recorder is active its lock may be held for a whole frame, and a setting must not wait for that;
 // while it is not, Start and Stop take none. Another thread than this one would wait for ever.

@@ -90,16 +90,4 @@ TEST(TakeToNotes, AtOneSampleOfChannel1ProgramGoesBeforeOnAndOnBeforeOff) {
     } while (std::next_permutation(order.begin(), order.end()));
 }
 
-// layer = count - count x velocity / (top + 1), whole numbers: steps at 101 / 3 and 202 / 3
-TEST(TakeToNotes, LoudNotesGetLowLayers) {
-    Take take;
-    for (const unsigned velocity : {100U, 68U, 67U, 34U, 33U, 0U}) {
-        take.push_back(On(100 - velocity, 69, velocity, velocity % 16));
-        take.push_back(Off(200, 69, velocity % 16));
-    }
-    std::vector<int> layers;
-    for (const Written& note : Notes(take, 3)) layers.push_back(std::get<5>(note));
-    EXPECT_EQ(layers, (std::vector{1, 1, 2, 2, 3, 3}));
-}
-
 }  // namespace
