@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <memory>
-#include <random>
 #include <tuple>
 #include <vector>
 
@@ -71,12 +70,9 @@ TEST(TakeToNotes, PitchIsTheNoteLess24AndLevelFollowsTheVelocity) {
 TEST(TakeToNotes, ANoteHasTheProgramOfItsChannelAtItsBegin) {
     Take take = {Program(0, 3), Program(5, 0x84, 1), On(10, 69), Program(15, 7), On(20, 69, 100, 1),
                  Off(30, 69),   Off(40, 69, 1),      On(50, 69), Off(60, 69)};
-    std::minstd_rand random(1);
-    for (int order = 0; order < 20; ++order) {  // the take's own order says nothing
-        EXPECT_EQ(Notes(take),
-                  (Score{N(10, 30, 45, -624, 3), N(20, 40, 45, -624, 4, 1, 2), N(50, 60, 45, -624, 7)}));
-        std::shuffle(take.begin(), take.end(), random);
-    }
+    std::reverse(take.begin(), take.end());  // the take's own order says nothing
+    EXPECT_EQ(Notes(take),
+              (Score{N(10, 30, 45, -624, 3), N(20, 40, 45, -624, 4, 1, 2), N(50, 60, 45, -624, 7)}));
 }
 
 // The note on closes the old note and opens a new one, which the note off closes at no length: one tick.

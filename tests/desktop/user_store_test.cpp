@@ -16,9 +16,7 @@ class UserStore : public testing::Test {
 protected:
     UserStore() { setenv("XDG_CONFIG_HOME", base.path.c_str(), 1); }
     ~UserStore() override { unsetenv("XDG_CONFIG_HOME"); }
-    std::size_t Files() const {
-        return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(folder), {}));
-    }
+    auto Files() const { return std::distance(std::filesystem::directory_iterator(folder), {}); }
     const TempFolder base;
     const std::filesystem::path folder = base.path / "Software/ORVA Labs/ORVA Audio To MIDI VST 1.30";
 };
@@ -29,7 +27,7 @@ TEST_F(UserStore, ASettingIsAFileForTheUserAloneReadUpTo255Bytes) {
         EXPECT_TRUE(writeRegistryString("Name", text));
         EXPECT_EQ(readRegistryString("Name"), text.size() < 256 ? text : "");
         EXPECT_EQ(ReadAll(folder / "Name"), text);  // without a terminator
-        EXPECT_EQ(Files(), 1U);                     // and no draft is left
+        EXPECT_EQ(Files(), 1);                      // and no draft is left
     }
     for (const char* name : {"", "..", "a/b"}) EXPECT_FALSE(writeRegistryString(name, "text")) << name;
     struct stat found = {};
@@ -49,7 +47,7 @@ TEST_F(UserStore, AWriteThatFailsLeavesWhatWasThere) {
     signal(SIGXFSZ, handler);
     EXPECT_FALSE(stored);
     EXPECT_EQ(readRegistryString("Name"), "Ada");
-    EXPECT_EQ(Files(), 1U);
+    EXPECT_EQ(Files(), 1);
 }
 
 }  // namespace
