@@ -15,7 +15,7 @@ int main() {
             detector.Process(&audio[at], Bytes(length));
             if (length >= 100) continue;
             unsigned long long digest = 14695981039346656037U;  // FNV-1a, by words
-            for (const StateWord& word : StateOf(detector)) digest = (digest ^ word.bits) * 1099511628211U;
+            for (const std::uint64_t word : StateOf(detector)) digest = (digest ^ word) * 1099511628211U;
             std::printf("%d %zu: %016llx\n", rate, at, digest);
         }
     }
