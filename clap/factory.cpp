@@ -163,7 +163,9 @@ const clap_plugin_gui_t gui = {
     [](const clap_plugin_t* plugin) {
         InWindow(plugin, [](ClapPlugin& self) { return self.EndWindow(), true; });
     },
-    [](const clap_plugin_t*, double) { return false; },  // it has one size
+    [](const clap_plugin_t* plugin, double scale) {
+        return InWindow(plugin, [&](ClapPlugin& self) { return self.SetScale(scale); });
+    },
     Size,
     [](const clap_plugin_t*) { return false; },
     [](const clap_plugin_t*, void*) { return false; },

@@ -274,6 +274,14 @@ struct clap_plugin_gui_t {
     bool (*hide)(const clap_plugin_t* plugin);
 };
 
+struct clap_host_gui_t {  // [any] but for what is said of main
+    void (*resize_hints_changed)(const clap_host_t* host);
+    bool (*request_resize)(const clap_host_t* host, std::uint32_t width, std::uint32_t height);
+    bool (*request_show)(const clap_host_t* host);
+    bool (*request_hide)(const clap_host_t* host);
+    void (*closed)(const clap_host_t* host, bool was_destroyed);
+};
+
 constexpr char CLAP_EXT_TIMER_SUPPORT[] = "clap.timer-support";
 
 struct clap_plugin_timer_support_t {

@@ -202,6 +202,11 @@ bool ClapPlugin::SetParent(std::uint32_t parent) {
 
 bool ClapPlugin::ShowWindow() {
     if (windowParent == 0 || !session->OpenWindow(windowParent)) return false;
+    session->Object().sizeWindow = [this](std::int32_t width, std::int32_t height) {
+        const auto* gui = Find<clap_host_gui_t>(CLAP_EXT_GUI);
+        return gui != nullptr && gui->request_resize(&host, static_cast<std::uint32_t>(width),
+                                                     static_cast<std::uint32_t>(height));
+    };
     if (idle.Begin()) return true;
     session->CloseWindow();
     return false;

@@ -22,11 +22,11 @@ std::int32_t WindowSizeFor(double scale) {
     return fits;
 }
 
-std::int32_t PreferredWindowSize() {
+std::int32_t PreferredWindowSize(std::optional<double> hostScale) {
     const std::string stored = readRegistryString(sizeKey);
     for (const std::int32_t size : windowSizes)
         if (stored == std::to_string(size)) return size;
-    return WindowSizeFor(DesktopScale());
+    return WindowSizeFor(hostScale ? *hostScale : DesktopScale());
 }
 
 bool PreferWindowSize(std::int32_t percent) {

@@ -1,5 +1,6 @@
 #pragma once
 #include <cstdint>
+#include <optional>
 
 // How large the window is, in percent of the layout's own size: a preference of the user's, kept in the
 // per-user store, and until there is one the choice of the desktop.
@@ -11,7 +12,8 @@ constexpr std::int32_t ownWindowSize = 100;
 // The largest of them that is no larger than `scale` times the layout; the smallest one below 1.
 std::int32_t WindowSizeFor(double scale);
 
-std::int32_t PreferredWindowSize();
+// Until the user has chosen, it fits the scale that the host or else the desktop says of its display.
+std::int32_t PreferredWindowSize(std::optional<double> hostScale = {});
 // From now on, for the windows that are open and those to come; false where it cannot be stored, and then
 // for those alone that are open.
 bool PreferWindowSize(std::int32_t percent);

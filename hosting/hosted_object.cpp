@@ -5,6 +5,7 @@
 #include "base/float_environment.h"
 #include "base/truncate.h"
 #include "editor/editor_factory.h"
+#include "editor/window_size.h"
 #include "parameters/parameters.h"
 #include "plugin/gui_plugin_ex.h"
 
@@ -77,6 +78,10 @@ void HostedObject::Process(const double* in, double* out, std::uint32_t frames) 
 ERect HostedObject::EditorSize() {
     ERect* size = nullptr;
     return Dispatch(effEditGetRect, 0, 0, &size) != 0 && size != nullptr ? *size : ERect();
+}
+
+bool HostedObject::SetScale(double scale) {
+    return scale > 0 && editor->setScale(static_cast<double>(PreferredWindowSize(scale)) / ownWindowSize);
 }
 
 bool HostedObject::OpenEditor(std::uint32_t parent) {

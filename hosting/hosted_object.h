@@ -42,6 +42,9 @@ public:
 
     // The editor. [ui]
     ERect EditorSize();
+    // What the host says of its display: the size of the next window, unless the user has chosen one. False
+    // while the window is open.
+    bool SetScale(double scale);
     bool OpenEditor(std::uint32_t parent);  // a window's number
     void CloseEditor() { Dispatch(effEditClose); }
     void IdleEditor() { Dispatch(effEditIdle); }

@@ -1,5 +1,6 @@
 // The identifiers of the interfaces that are used here; each program defines those that it uses.
 #include "pluginterfaces/gui/iplugview.h"
+#include "pluginterfaces/gui/iplugviewcontentscalesupport.h"
 #include "pluginterfaces/vst/ivstaudioprocessor.h"
 #include "pluginterfaces/vst/ivstcomponent.h"
 #include "pluginterfaces/vst/ivsteditcontroller.h"
@@ -9,6 +10,7 @@
 namespace Steinberg {
 DEF_CLASS_IID(IPlugView)
 DEF_CLASS_IID(IPlugFrame)
+DEF_CLASS_IID(IPlugViewContentScaleSupport)
 namespace Linux {
 DEF_CLASS_IID(ITimerHandler)
 DEF_CLASS_IID(IRunLoop)

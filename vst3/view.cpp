@@ -19,6 +19,9 @@ tresult Vst3View::attached(void* parent, FIDString type) {
     if (!started ||
         !session->OpenWindow(static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(parent))))
         return kResultFalse;
+    session->Object().sizeWindow = [this](std::int32_t width, std::int32_t height) {
+        return Resize(width, height);
+    };
     clock = std::move(started);
     return kResultOk;
 }
@@ -26,7 +29,10 @@ tresult Vst3View::attached(void* parent, FIDString type) {
 tresult Vst3View::removed() {
     if (!clock) return kResultFalse;
     clock.reset();
-    if (plugin->Session() != nullptr) plugin->Session()->CloseWindow();
+    if (SessionInstance* const session = plugin->Session()) {
+        session->CloseWindow();
+        session->Object().sizeWindow = nullptr;
+    }
     return kResultOk;
 }
 
@@ -35,6 +41,17 @@ tresult Vst3View::getSize(ViewRect* size) {
     const ERect own = plugin->Session()->Object().EditorSize();
     *size = {0, 0, own.right - own.left, own.bottom - own.top};
     return kResultOk;
+}
+
+tresult Vst3View::setContentScaleFactor(ScaleFactor factor) {
+    SessionInstance* const session = plugin->Session();
+    return session != nullptr && session->Object().SetScale(static_cast<double>(factor)) ? kResultTrue
+                                                                                         : kResultFalse;
+}
+
+bool Vst3View::Resize(std::int32_t width, std::int32_t height) {
+    ViewRect size(0, 0, width, height);
+    return frame != nullptr && frame->resizeView(this, &size) == kResultTrue;
 }
 
 tresult Vst3View::setFrame(IPlugFrame* newFrame) {

@@ -1,14 +1,17 @@
 #pragma once
 #include "pluginterfaces/base/funknownimpl.h"
 #include "pluginterfaces/gui/iplugview.h"
+#include "pluginterfaces/gui/iplugviewcontentscalesupport.h"
 #include "vst3/plugin.h"
 #include "vst3/window_clock.h"
 
-// The window of an instance, inside one of the host's: it is the editor of the plug-in object. It has one
-// size.
+// The window of an instance, inside one of the host's: it is the editor of the plug-in object. Its size
+// is the user's choice or fits the host's scale; the host's frame does not drag it.
 //
 // Threads: [ui].
-class Vst3View final : public Steinberg::U::Implements<Steinberg::U::Directly<Steinberg::IPlugView>> {
+class Vst3View final
+    : public Steinberg::U::Implements<
+          Steinberg::U::Directly<Steinberg::IPlugView, Steinberg::IPlugViewContentScaleSupport>> {
 public:
     using tresult = Steinberg::tresult;
 
@@ -31,9 +34,11 @@ public:
     tresult PLUGIN_API setFrame(Steinberg::IPlugFrame* newFrame) override;
     tresult PLUGIN_API canResize() override { return Steinberg::kResultFalse; }
     tresult PLUGIN_API checkSizeConstraint(Steinberg::ViewRect* size) override { return getSize(size); }
+    tresult PLUGIN_API setContentScaleFactor(ScaleFactor factor) override;  // refused while attached
 
 private:
     void Idle();
+    bool Resize(std::int32_t width, std::int32_t height);
 
     const Steinberg::IPtr<Vst3Plugin> plugin;
     Steinberg::IPlugFrame* frame = nullptr;  // the host's, between two calls of setFrame

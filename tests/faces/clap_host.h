@@ -82,8 +82,14 @@ public:
     bool OpenWindow(std::uint32_t parent) override {
         clap_window_t window{CLAP_WINDOW_API_X11, {}};
         window.x11 = parent;
-        return Gui().create(plugin, CLAP_WINDOW_API_X11, false) && Gui().set_parent(plugin, &window) &&
+        return Gui().create(plugin, CLAP_WINDOW_API_X11, false) &&
+               (scale == 0 || Gui().set_scale(plugin, scale)) && Gui().set_parent(plugin, &window) &&
                Gui().show(plugin);
+    }
+    std::int32_t WindowWidth() override {
+        std::uint32_t width = 0, height = 0;
+        EXPECT_TRUE(Gui().get_size(plugin, &width, &height));
+        return static_cast<std::int32_t>(width);
     }
     void IdleWindow() override {
         if (timer != CLAP_INVALID_ID)
@@ -134,6 +140,13 @@ private:
             [](const clap_host_t* self) { return Of(self).isMainThread; }, nullptr};
         static const clap_host_params_t params = {nullptr, nullptr,
                                                   [](const clap_host_t* self) { ++Of(self).flushRequests; }};
+        static const clap_host_gui_t gui = {nullptr,
+                                            [](const clap_host_t* self, std::uint32_t width, std::uint32_t) {
+                                                Of(self).hostWidth = static_cast<std::int32_t>(width);
+                                                return true;
+                                            },
+                                            nullptr, nullptr, nullptr};
+        if (id == CLAP_EXT_GUI) return &gui;
         if (id == CLAP_EXT_TIMER_SUPPORT) return hasTimers ? &timers : nullptr;
         if (id == CLAP_EXT_POSIX_FD_SUPPORT) return &descriptors;
         if (id == CLAP_EXT_THREAD_CHECK) return &threads;

@@ -28,7 +28,9 @@ public:
     virtual void SetRate(double) {}  // Hz, from the next SetActive on
     virtual std::string Save() { return {}; }
     virtual bool Load(const std::string&) { return false; }
-    virtual bool OpenWindow(std::uint32_t) { return false; }  // the parent's number
+    // The parent's number.
+    virtual bool OpenWindow(std::uint32_t) { return false; }
+    virtual std::int32_t WindowWidth() { return 0; }
     virtual void IdleWindow() {}
     virtual void CloseWindow() {}
 
@@ -47,6 +49,8 @@ public:
     }
 
     std::vector<Host::Event> events;  // three bytes each, whatever the format sends
+    std::int32_t hostWidth = 0;       // that its window asked for
+    double scale = 0;                 // of the display, as the host says; 0 for nothing
     std::size_t space = 1 << 20;      // for events of one block, where the format has such a limit
 
 protected:

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <thread>
 
+#include "editor/window_size.h"
 #include "parameters/parameters.h"
 #include "tests/faces/face.h"
 #include "tests/support/await.h"
@@ -12,6 +13,7 @@
 #include "tests/support/messages.h"
 #include "tests/support/music.h"
 #include "tests/support/parent_window.h"
+#include "tests/support/temp_folder.h"
 #include "tests/support/trial.h"
 #include "tests/support/watch.h"
 
@@ -196,6 +198,29 @@ TEST_P(LaterFaces, OpenTheirWindowAgainAndAgain) {
         face->CloseWindow();
         EXPECT_TRUE(desktop.Children().empty());
     }
+}
+
+TEST_P(LaterFaces, OpenTheirWindowAtTheHostsScaleUnlessTheUserHasChosen) {
+    const TempFolder settings;
+    setenv("XDG_CONFIG_HOME", settings.path.c_str(), 1);
+    HostWindow desktop;
+    const auto face = Active();
+    const auto width = [&](double scale) {
+        face->scale = scale;
+        EXPECT_TRUE(face->OpenWindow(desktop.parent));
+        const std::int32_t shown = face->WindowWidth();
+        face->CloseWindow();
+        return shown;
+    };
+    const std::int32_t own = width(1);
+    EXPECT_EQ(width(2.5), 2 * own);
+    EXPECT_TRUE(face->OpenWindow(desktop.parent));
+    PreferWindowSize(300);  // open windows follow, and the host's with them
+    EXPECT_TRUE(AwaitThat([&] { return face->IdleWindow(), face->WindowWidth() == 3 * own; }));
+    EXPECT_EQ(face->hostWidth, 3 * own);
+    face->CloseWindow();
+    EXPECT_EQ(width(1), 3 * own);
+    unsetenv("XDG_CONFIG_HOME");
 }
 
 const auto name = [](const auto& row) { return std::string(row.param.name); };

@@ -8,6 +8,7 @@
 #include "parameters/parameters.h"
 #include "pluginterfaces/base/ibstream.h"
 #include "pluginterfaces/gui/iplugview.h"
+#include "pluginterfaces/gui/iplugviewcontentscalesupport.h"
 #include "pluginterfaces/vst/ivstevents.h"
 #include "pluginterfaces/vst/ivstmidicontrollers.h"
 #include "pluginterfaces/vst/ivstparameterchanges.h"
@@ -64,8 +65,16 @@ public:
     bool OpenWindow(std::uint32_t parent) override {
         view = owned(controller->createView(ViewType::kEditor));
         view->setFrame(&callbacks);
+        FUnknownPtr<IPlugViewContentScaleSupport> scaled(view);
+        if (scale != 0 && scaled->setContentScaleFactor(static_cast<float>(scale)) != kResultTrue)
+            return false;
         return view->attached(reinterpret_cast<void*>(std::uintptr_t{parent}),
                               kPlatformTypeX11EmbedWindowID) == kResultOk;
+    }
+    std::int32_t WindowWidth() override {
+        ViewRect size;
+        EXPECT_EQ(view->getSize(&size), kResultTrue);
+        return size.getWidth();
     }
     void IdleWindow() override {
         if (callbacks.timer != nullptr) callbacks.timer->onTimer();
@@ -153,7 +162,11 @@ private:
         Vst3Host& host;
     };
     struct Callbacks : Implements<IPlugFrame, Linux::IRunLoop> {
-        tresult PLUGIN_API resizeView(IPlugView*, ViewRect*) override { return kResultFalse; }
+        explicit Callbacks(Vst3Host& newHost) : host(newHost) {}
+        tresult PLUGIN_API resizeView(IPlugView* view, ViewRect* size) override {
+            host.hostWidth = size->getWidth();
+            return view->onSize(size);
+        }
         tresult PLUGIN_API registerEventHandler(Linux::IEventHandler*, int) override { return kResultFalse; }
         tresult PLUGIN_API unregisterEventHandler(Linux::IEventHandler*) override { return kResultFalse; }
         tresult PLUGIN_API registerTimer(Linux::ITimerHandler* handler, uint64) override {
@@ -163,6 +176,7 @@ private:
             return timer = nullptr, kResultOk;
         }
         Linux::ITimerHandler* timer = nullptr;
+        Vst3Host& host;
     };
 
     // As the MIDI message that it stands for.
@@ -190,7 +204,7 @@ private:
     std::vector<Change> changes;
     ParameterList parameterList{*this};
     EventList eventList{*this};
-    Callbacks callbacks;
+    Callbacks callbacks{*this};
 };
 
 }  // namespace Steinberg::Vst
