@@ -1,6 +1,7 @@
 // A small host of the module for Windows.
 // player MODULE SOUND EVENTS BLOCK [device]: plays floats; writes a line an event: sample, then status and
 // data.
+// player MODULE: writes how wide the module's window is to be where a window of the host's is.
 // player MODULE WINDOWS: opens the window so many times, and shows each page in the last: writes "page N",
 // and goes on when there is a file page_N.png in this folder.
 #include <windows.h>
@@ -37,6 +38,15 @@ std::intptr_t Answer(AEffect*, std::int32_t opcode, std::int32_t, std::intptr_t,
 
 std::intptr_t Call(AEffect* effect, std::int32_t opcode, std::intptr_t value = 0, void* data = nullptr) {
     return effect->dispatcher(effect, opcode, 0, value, data, rate);
+}
+
+int Width(AEffect* effect) {
+    SetThreadDpiAwarenessContext(DPI_AWARENESS_CONTEXT_PER_MONITOR_AWARE_V2);
+    CreateWindowW(L"STATIC", L"host", WS_POPUP | WS_VISIBLE, 0, 0, 400, 320, nullptr, nullptr, nullptr,
+                  nullptr);
+    const ERect* rect = nullptr;
+    Call(effect, effEditGetRect, 0, static_cast<void*>(&rect));
+    return rect->right - rect->left;
 }
 
 // What comes out is what went in.
@@ -93,7 +103,9 @@ int main(int count, char** arguments) {
     Call(effect, effSetSampleRate);
     Call(effect, effMainsChanged, 1);
     bool done = true;
-    if (count == 3) {
+    if (count == 2) {
+        std::printf("%d", Width(effect));
+    } else if (count == 3) {
         done = ShowWindows(effect, std::atoi(arguments[2]));
     } else {
         if (count > 5) effect->setParameter(effect, 89, 1);
