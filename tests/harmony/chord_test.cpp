@@ -116,7 +116,9 @@ TEST(Vocabulary, WordsAndIntervalsStayAsUsersKnowThem) {
     add(IntervalNames), add(IntervalQualities), add(IntervalPairNames), add(BassDegreeNames);
     add(DegreeNumerals), add(ModeNames), add(AccidentalMarks), add(ChordSuffixes), add(InstrumentNames);
     for (const auto& set : DegreeNameSets) add(set);
-    EXPECT_EQ(words.value, 1367031080U);
+    for (const auto& [third, fifth, seventh, ninth] : ChordIntervals)
+        for (const int semitones : {third, fifth, seventh, ninth}) words.Add(std::to_string(semitones));
+    EXPECT_EQ(words.value, 1097642231U);
     EXPECT_STREQ(IntervalNames[3], "forth");
     EXPECT_STREQ(IntervalQualities[0], "double dimished");
     EXPECT_STREQ(InstrumentNames[75], "75 Pan Flute ");

@@ -101,5 +101,33 @@ TEST(Memory, WhicheverAllocationFailsThePlugInWorksOnAndNothingIsLost) {
     });
 }
 
+// At length 25 hours, which pass 2^32 samples.
+TEST(Memory, HoursOfAudioLeaveMemoryAndEventsAsTheyWere) {
+    RunTrials({1, 1, 3600}, [](Trial& trial) {
+        FakeDevices devices;
+        devices.keepsLines = false;
+        SubstituteMidiOut(&devices);
+        Host host(48000);
+        ASSERT_TRUE(host.Open(OpenPlugin));
+        for (const auto output : {paramDeviceEnabled, paramChordsEnabled}) host.Set(output, 1);
+        const Audio music = RandomMusic(trial.random, 48000, 56);
+        std::vector<Host::Event> first;
+        std::int64_t blocks = 0;
+        for (std::uint64_t minute = 0, end = Scaled(100) > 1000 ? 1500 : 3; minute < end; ++minute) {
+            host.Play(Silence(4 * 48000)), host.TakenEvents();
+            const std::int64_t begin = host.clock;
+            host.Play(music);
+            const std::vector<Host::Event> events = Later(host.TakenEvents(), -begin);
+            if (minute == 0) first = events;
+            if (minute == 1) blocks = Allocations::Live();
+            ASSERT_TRUE(minute == 0 || Allocations::Live() == blocks) << "minute " << minute;
+            ASSERT_EQ(events, first) << "minute " << minute;
+        }
+        EXPECT_GT(first.size(), 100U);
+        host.Close();
+        SubstituteMidiOut(nullptr);
+    });
+}
+
 }  // namespace
 #endif
