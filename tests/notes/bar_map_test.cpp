@@ -47,10 +47,12 @@ TEST(BarMap, NormalizingIsAddingAndRemovingOneByOne) {
         auto time = static_cast<std::uint32_t>(random() % 3 * 5000);
         for (int bar = 0; bar < 12; ++bar) {
             score->bars[time] = TBar{static_cast<std::uint32_t>(random() % 90), 4};
-            time += static_cast<std::uint32_t>(1 + random() % (random() % 4 == 0 ? 600000 : 20000));
+            const auto length = random();
+            time += static_cast<std::uint32_t>(1 + length % (random() % 4 == 0 ? 600000 : 20000));
         }
         const auto shift = static_cast<std::uint32_t>(random() % 6);
-        const auto bpm = static_cast<std::uint32_t>(1 + random() % (random() % 2 == 0 ? 300 : 4000));
+        const auto speed = random();
+        const auto bpm = static_cast<std::uint32_t>(1 + speed % (random() % 2 == 0 ? 300 : 4000));
         score->NormalizeBars(4, shift, bpm, static_cast<std::uint32_t>(random() % 2 * (time + 30000)));
         for (const char letter : Bars(*score)) digest = digest * 31 + static_cast<unsigned char>(letter);
     }
