@@ -1,10 +1,13 @@
-// The places of files.
-#include <gtest/gtest.h>
+// The places of files, and how far a run over several has come.
+#include <gmock/gmock.h>
+#include <pty.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "tests/support/temp_folder.h"
 #include "tools/host/audio_folder.h"
 #include "tools/host/output_file.h"
+#include "tools/host/progress.h"
 
 namespace {
 
@@ -54,6 +57,24 @@ TEST(OutputFile, WhatWouldBeLostByMistakeIsRefused) {
     EXPECT_NO_THROW(guard({sound}, true));
     EXPECT_THROW(guard({list}, true), std::invalid_argument);
     EXPECT_THROW(guard({"new.mid", "./new.mid"}, true), std::invalid_argument);
+}
+
+TEST(Progress, IsTheMeanOfAllFilesOnATerminal) {
+    int terminal = -1, side = -1;
+    ASSERT_EQ(openpty(&terminal, &side, nullptr, nullptr, nullptr), 0);
+    setenv("TERM", "xterm", 1);
+    const int before = dup(STDERR_FILENO);
+    dup2(side, STDERR_FILENO);
+    {
+        Progress progress(2);
+        for (const auto& [file, share] : {std::pair{0U, 0.5}, {0U, 1.0}, {1U, 0.5}})
+            progress.Advance(file, share);
+    }
+    dup2(before, STDERR_FILENO);
+    char text[1024] = {};
+    ASSERT_GT(read(terminal, text, sizeof text - 1), 0);
+    EXPECT_THAT(text, testing::ContainsRegex("25%.* 50%.* 75%"));
+    for (const int each : {before, terminal, side}) close(each);
 }
 
 }  // namespace
