@@ -103,7 +103,7 @@ TEST(Memory, WhicheverAllocationFailsThePlugInWorksOnAndNothingIsLost) {
 
 // At length 25 hours, which pass 2^32 samples.
 TEST(Memory, HoursOfAudioLeaveMemoryAndEventsAsTheyWere) {
-    RunTrials({1, 1, 3600}, [](Trial& trial) {
+    RunTrials({1, 1, 3600, true}, [](Trial& trial) {
         FakeDevices devices;
         devices.keepsLines = false;
         SubstituteMidiOut(&devices);
