@@ -40,7 +40,7 @@ public:
     bool MakeWindow();
     void EndWindow();
     // Before SetParent, as the interface has it.
-    bool SetScale(double scale) { return windowIsMade && session->Object().SetScale(scale); }
+    bool SetScale(double scale) { return windowIsMade && session->SetScale(scale); }
     bool SetParent(std::uint32_t parent);  // a window's number; opens it
     bool ShowWindow();
     bool HideWindow();

@@ -64,7 +64,10 @@ std::intptr_t PluginHost::Answer(std::int32_t opcode, std::int32_t index, std::i
         case audioMasterProcessEvents:
             if (ptr != nullptr) EventsSent(*static_cast<const VstEvents*>(ptr));
             return 1;
-        case audioMasterSizeWindow: return sizeWindow && sizeWindow(index, static_cast<std::int32_t>(value));
+        case audioMasterSizeWindow: {
+            const auto ask = sizeWindow;  // a copy: a host may close the window from inside its answer
+            return ask && ask(index, static_cast<std::int32_t>(value));
+        }
         case audioMasterAutomate: ParameterEdited(index, opt); return 1;
         case audioMasterUpdateDisplay:
         case audioMasterWantMidi: return 1;

@@ -15,6 +15,7 @@ void SessionInstance::Make() {
     IInstanceListener& itsListener = *this;
     auto made = std::make_unique<HostedInstance>(rate, itsListener);
     made->Object().UsePreferredHearing();
+    if (scale > 0) made->Object().SetScale(scale);
     for (Relaxed<float>& value : requested) value = 0;
     hosted = std::move(made);
 }
@@ -79,6 +80,12 @@ bool SessionInstance::Restore(const State& state) {
     if (!std::all_of(bits.begin(), bits.end(), [&](auto word) { return std::isfinite(value(word)); }))
         return false;
     for (std::int32_t i = 0; i < parameterCount; ++i) Set(i, value(bits[static_cast<std::size_t>(i)]));
+    return true;
+}
+
+bool SessionInstance::SetScale(double newScale) {
+    if (!Object().SetScale(newScale)) return false;
+    scale = newScale;
     return true;
 }
 

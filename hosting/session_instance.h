@@ -47,6 +47,7 @@ public:
     State Save();                      // [any]
     bool Restore(const State& state);  // [any] false, and nothing is changed, where a value is no number
 
+    bool SetScale(double scale);            // as HostedObject's
     bool OpenWindow(std::uint32_t parent);  // a window's number
     void CloseWindow();
     bool WindowIsOpen() const { return windowIsOpen; }
@@ -63,6 +64,7 @@ private:
 
     ISessionListener& listener;
     double rate = 44100;  // Hz, until the host has said
+    double scale = 0;     // of the display; 0 until the host has said
     bool isActive = false, wasActive = false;
     Relaxed<bool> windowIsOpen = false;
     Relaxed<float> requested[2];             // parameters 88 and 89; begin as the object's do

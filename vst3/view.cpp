@@ -45,8 +45,7 @@ tresult Vst3View::getSize(ViewRect* size) {
 
 tresult Vst3View::setContentScaleFactor(ScaleFactor factor) {
     SessionInstance* const session = plugin->Session();
-    return session != nullptr && session->Object().SetScale(static_cast<double>(factor)) ? kResultTrue
-                                                                                         : kResultFalse;
+    return session != nullptr && session->SetScale(static_cast<double>(factor)) ? kResultTrue : kResultFalse;
 }
 
 bool Vst3View::Resize(std::int32_t width, std::int32_t height) {
@@ -61,6 +60,7 @@ tresult Vst3View::setFrame(IPlugFrame* newFrame) {
 
 void Vst3View::Idle() {
     if (!clock || plugin->Session() == nullptr) return;
+    const IPtr<Vst3View> keep(this);  // a host that resizes its window may end this one in the middle
     plugin->Session()->IdleWindow();
-    plugin->ReportEdits();
+    if (plugin->Session() != nullptr) plugin->ReportEdits();
 }

@@ -63,6 +63,18 @@ TEST(Clap, RefusesCallsInAnOrderOrOnAThreadThatTheInterfaceForbids) {
     EXPECT_EQ(desktop.Children().size(), 1U);  // and destroyed while active, with its window open
 }
 
+TEST(Clap, TheHostsScaleOutlivesAnotherRate) {
+    ClapHost host(44100);
+    ASSERT_TRUE(host.Init());
+    ASSERT_TRUE(host.Gui().create(host.plugin, CLAP_WINDOW_API_X11, false));
+    EXPECT_TRUE(host.Gui().set_scale(host.plugin, 2));
+    host.SetRate(48000);
+    host.SetActive(true);
+    std::uint32_t width = 0, height = 0;
+    EXPECT_TRUE(host.Gui().get_size(host.plugin, &width, &height));
+    EXPECT_EQ(width, 800U);
+}
+
 TEST(Clap, WhatIsMovedInTheWindowIsAGestureThatAFullListDoesNotTear) {
     HostWindow desktop;
     ClapHost host(44100);
