@@ -108,6 +108,7 @@ void CORVA_vst::FeedBlock(const Sample* in, std::size_t count) {
         firstBlock = false;  // before the question: a host may answer it with a block
         requestHostEvents();
     }
+    inputMeter.Measure(in, count);
     if (!gate.TryEnter()) {
         totalSamples = totalSamples + count;
         return;

@@ -11,6 +11,7 @@
 #include "listening/refined_detector.h"
 #include "plugin/block_gate.h"
 #include "plugin/hearing.h"
+#include "plugin/input_meter.h"
 #include "vst2/audio_effect_x.h"
 #include "vst2/vendor_call.h"
 
@@ -104,6 +105,7 @@ public:
     Relaxed<bool> firstBlock = true;       // no block has been processed yet
     float levelAverage = 0;                // smoothed logarithmic peak of the levels; the editor's, [ui]
     Relaxed<bool> stopped = true;
+    InputMeter inputMeter;                   // of the host's samples, ahead of inputGain
     Relaxed<float> inputGain = 1.0F;         // factor; exactly 1 leaves the samples to the plain conversion
     Relaxed<bool> hostAskedMidiOut = false;  // the host has asked canDo("sendVstMidiEvent")
     bool hostIsAbletonCopy = false;          // taken at construction

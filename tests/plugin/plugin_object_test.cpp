@@ -73,6 +73,26 @@ TEST(SampleConversion, TheHostsRoundingMakesNoDifference) {
     }
 }
 
+// A host's buffer has any length, and may hold what is no number.
+TEST(InputMeter, TakesTheHighestSampleSinceTheLastLookWhereverItStands) {
+    InputMeter meter;
+    std::vector<float> block(11, 0.25F);
+    meter.Measure(block.data(), block.size());
+    EXPECT_EQ(meter.TakePeak(), 0.0F);  // nobody watches
+    meter.Watch(true);
+    for (std::size_t at = 0; at < block.size(); ++at) {
+        std::vector<float> single = block;
+        single[at] = at % 2 != 0 ? -1.5F : 1.5F;
+        single[(at + 4) % single.size()] = std::nanf("");
+        meter.Measure(single.data(), single.size());
+        meter.Measure(block.data(), block.size());
+        EXPECT_EQ(meter.TakePeak(), 1.5F) << at;
+        meter.Measure(std::vector<double>(single.begin(), single.end()).data(), single.size());
+        EXPECT_EQ(meter.TakePeak(), 1.5F) << at;
+    }
+    EXPECT_EQ(meter.TakePeak(), 0.0F);
+}
+
 // The detector forgets at a stop, so a tone is the first tone once more, later.
 TEST_F(PluginObject, AHostMayChangeTheRateOrSuspendFromInsideAnEvent) {
     host.Play(tone);
