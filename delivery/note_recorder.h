@@ -65,6 +65,7 @@ public:
 
     void AllNotesOff();  // bands that stay on start afresh in the next frame
     void Broadcast(std::uint32_t message);
+    void CountSent() { messagesSent = messagesSent + 1; }
 
     void SetSendProgramChange(bool on);  // turning it on sends the program at once
     void SetProgram(std::int32_t newProgram);
@@ -123,6 +124,9 @@ public:
     Relaxed<std::int32_t> program;         // its low 7 bits are used
     bool dynamicVelocity = true;           // a recording scales velocities by level; no setter
     Relaxed<bool> active;                  // frames are handled
+    // What outputs have sent out of the plug-in, for a lamp: two threads at once may count as one. Any
+    // writes.
+    Relaxed<std::uint32_t> messagesSent;
     Relaxed<bool> firstNoteSeen;
     Relaxed<float*> bandLevel = nullptr;  // the detector's; for OnFrame alone
     std::int32_t frameLength = 0;         // samples; taken by Attach

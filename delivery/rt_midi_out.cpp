@@ -19,15 +19,16 @@ TRTMidiOut::~TRTMidiOut() {
 void TRTMidiOut::NoteOn(std::int32_t band) {
     const TNoteRecorder* const from = recorder;
     if (from == nullptr) return;
-    if (const std::uint32_t message = from->messages[band].onMessage) SendShort(port, message);
+    if (const std::uint32_t message = from->messages[band].onMessage) Send(message);
 }
 
 void TRTMidiOut::NoteOff(std::int32_t band) {
     const TNoteRecorder* const from = recorder;
     if (from == nullptr) return;
-    if (const std::uint32_t message = from->messages[band].offMessage) SendShort(port, message);
+    if (const std::uint32_t message = from->messages[band].offMessage) Send(message);
 }
 
 void TRTMidiOut::Send(std::uint32_t message) {
     SendShort(port, message);
+    if (TNoteRecorder* const from = recorder) from->CountSent();
 }

@@ -60,10 +60,12 @@ void TRTRecording::NoteOn(std::int32_t band) {
     TBandTrack& track = bandTracks[band];
     if (track.state == TBandTrack::idle) {
         track.startTime = time;
+        notesBegun = notesBegun + 1;
     } else if (track.state == TBandTrack::released && time - track.endTime > from->minNoteGap) {
         if (track.endTime - track.startTime > from->minNoteLength)
             PushNote(note.on, note.off, track.startTime, track.endTime, peakLevel[band]);
         track.startTime = time;
+        notesBegun = notesBegun + 1;
     }
     peakLevel[band] = level;  // a note that resumes forgets its earlier peak, too
     track.state = TBandTrack::on;
@@ -207,6 +209,7 @@ void TRTRecording::Clear() {
     origin = 0;
     const std::lock_guard<PriorityLock> held(leaf);
     take.clear();
+    notesBegun = 0;
     ++clears;
 }
 

@@ -77,6 +77,7 @@ public:
     TBandTrack bandTracks[maxBands];    // cleared at each start
     float peakLevel[maxBands] = {};     // highest level of each band during its current note
     std::vector<TRecordEvent> take;     // the recording
+    Relaxed<std::uint32_t> notesBegun;  // of the take, for a display; those that sound too
     Relaxed<std::int64_t> origin;       // the recorder's time at which the take began; 0: not begun
 
 private:

@@ -49,4 +49,5 @@ void TVSTMIDIOut::SendAt(std::int32_t deltaFrames, std::uint32_t message) {
     events.numEvents = 1;
     events.events[0] = reinterpret_cast<VstEvent*>(&event);  // as the published records are laid out
     effect->SendEvents(events);
+    if (TNoteRecorder* const from = recorder) from->CountSent();
 }

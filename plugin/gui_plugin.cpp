@@ -222,6 +222,16 @@ void CORVAguivst::stopRecording() {
     recording->Stop();
 }
 
+double CORVAguivst::takeSeconds() const {
+    const auto elapsed = static_cast<double>(std::max<std::int64_t>(recording->GetElapsed(), 0));
+    const auto rate = static_cast<double>(getSampleRate());
+    return rate > 0 ? elapsed / rate : 0;
+}
+
+std::uint32_t CORVAguivst::takeNotes() const {
+    return recording->notesBegun;
+}
+
 bool CORVAguivst::nothingRecorded() {
     if (recording->GetTake().empty()) return true;
     const auto score = std::make_unique<TNotes>();

@@ -51,6 +51,8 @@ public:
     // --- for the editor, [ui] ---
     void startRecording();  // discards the last take
     void stopRecording();
+    double takeSeconds() const;                   // since the take began
+    std::uint32_t takeNotes() const;              // that have begun in it
     bool nothingRecorded();                       // the take is empty, or no note comes of it
     bool saveRecording(const std::string& path);  // as a MIDI file; false when it could not be written whole
     // One display byte a band: 255 for a band that is on, else its level against a running average, 0 to 254.
