@@ -1,12 +1,15 @@
 // The reader of stored scores on any bytes: it loads, or raises one of its messages or an allocation failure,
-// and what it loaded is sound, comes back the same, and took memory in proportion.
+// and what it loaded is sound, comes back the same, took memory in proportion, and is exported as a whole
+// MIDI file, whatever its tempo, meter, bars, layers and levels.
 #include <algorithm>
+#include <cstdio>
+#include <cstdlib>
 #include <memory>
 #include <random>
 #include <stdexcept>
 #include <string>
 
-#include "fuzz/demand.h"
+#include "midifile/midi_exporter.h"
 #include "notes/notes.h"
 #include "tests/notes/memory_stream.h"
 #include "tests/notes/score_check.h"
@@ -15,9 +18,17 @@ extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, st
 
 namespace {
 
-constexpr std::size_t headSize = 18;      // bytes before the notes
-constexpr std::size_t recordSize = 24;    // bytes of a note
-constexpr std::size_t checkedNotes = 30;  // the check scans all notes for each point
+constexpr std::size_t headSize = 18;         // bytes before the notes
+constexpr std::size_t recordSize = 24;       // bytes of a note
+constexpr std::size_t checkedNotes = 30;     // the check scans all notes for each point
+constexpr std::uint32_t longest = 0xFFFFFF;  // ticks, 12 minutes
+
+// Ends the fuzzing, with the input kept, unless it is true. Time and memory are limited by libFuzzer.
+void Demand(bool isTrue, const std::string& what) {
+    if (isTrue) return;
+    std::fprintf(stderr, "not true: %s\n", what.c_str());
+    std::abort();
+}
 
 bool Load(TNotes& score, const Bytes& bytes) {
     MemoryStream stream(Text(bytes));
@@ -39,6 +50,18 @@ bool Load(TNotes& score, const Bytes& bytes) {
 bool AnyOverlap(const TNotes& score) {
     return std::any_of(score.points.begin(), score.points.end(),
                        [](const TNoteBoundary* point) { return point->sounding[0].size() > 1; });
+}
+
+// Header, then chunks up to the very end.
+bool IsWhole(MemoryStream& stream) {
+    stream.Rewind();
+    for (const char* name = "MThd"; !stream.IsAtEnd(); name = "MTrk") {
+        ExpectTag(stream, name);
+        const std::uint32_t length = GetU32(stream);
+        if (length > static_cast<std::uint32_t>(stream.GetSize() - stream.GetPosition())) return false;
+        stream.SetPosition(stream.GetPosition() + static_cast<std::int32_t>(length));
+    }
+    return true;
 }
 
 void PutField(std::uint8_t* place, std::uint32_t value) {
@@ -65,6 +88,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Demand(Load(*again, Written(*score)), "what is written can be read");
     score->ResizeLayers(score->layers.size() + 1);
     Demand(Written(*again) == Written(*score), "what was read is written again, with one more layer name");
+
+    MemoryStream file;
+    const std::uint32_t lastBar = score->bars.empty() ? 0 : score->bars.rbegin()->first;
+    if (std::max(score->LastTime(), lastBar) > longest)
+        score->meterDenominatorLog2 |= 32;  // fills no gaps: to fill days with bars takes its time
+    SaveScore(*score, file, size % 2 == 0);
+    Demand(IsWhole(file), "the MIDI file is whole");
     return 0;
 }
 
