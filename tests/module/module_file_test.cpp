@@ -1,15 +1,18 @@
 // The module's file: what it exports, how it is linked, and that it works in hosts of several kinds.
+#include <dlfcn.h>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <array>
+#include <cfenv>
 #include <cstdio>
-#include <filesystem>
+#include <set>
 #include <sstream>
-#include <string>
-#include <vector>
 
+#include "tests/support/host.h"
+#include "tests/support/music.h"
 #include "tests/support/temp_folder.h"
+#include "tests/support/trial.h"
 
 namespace {
 
@@ -104,14 +107,48 @@ TEST(ModuleFile, TakesNothingThatReachesAcrossTheProcess) {
 
 // --- hosts of several kinds ---
 
-// plain_host prints what is wrong.
-std::string PlainHost(const std::string& how) {
-    return Output(ORVA_PLAIN_HOST " " + how);
+// What a process shares among all its parts: the mask of new files, and the floating-point modes.
+std::pair<mode_t, std::fenv_t> State() {
+    std::pair<mode_t, std::fenv_t> state;
+    umask(state.first = umask(0));
+    std::feclearexcept(FE_ALL_EXCEPT);
+    std::fegetenv(&state.second);
+    return state;
+}
+
+// Loads all of the files, hears a note through each and unloads them, again and again.
+void LiveIn(const std::vector<std::string>& names, int flags) {
+    InChild([&](Trial&) {
+        const auto before = State();
+        const auto expectSame = [&before] {
+            const auto now = State();
+            EXPECT_EQ(now.first, before.first);
+            EXPECT_EQ(std::memcmp(&now.second, &before.second, sizeof now.second), 0);
+        };
+        for (std::uint64_t round = Scaled(25); round > 0; --round) {
+            std::set<void*> files, entries;
+            for (const std::string& name : names) files.insert(dlopen(name.c_str(), RTLD_NOW | flags));
+            ASSERT_EQ(files.count(nullptr), 0U) << dlerror();
+            expectSame();
+            for (void* const file : files) {
+                void* const entry = *entries.insert(dlsym(file, "VSTPluginMain")).first;
+                Host host;
+                ASSERT_TRUE(host.Open(reinterpret_cast<AEffect* (*)(audioMasterCallback)>(entry)));
+                EXPECT_TRUE(host.Play(Tones({69}, 0.3)));
+                EXPECT_EQ(host.Sounding(), 1);
+            }
+            EXPECT_EQ(entries.size(), names.size()) << "a file without an entry of its own";
+            for (void* const file : files) dlclose(file);
+            expectSame();
+        }
+    });
 }
 
 TEST(ModuleLoad, WorksInEveryWayOfLoadingAndLeavesTheProcessAsItWas) {
-    for (const char* const way : {"local", "global", "deepbind"})
-        EXPECT_EQ(PlainHost(std::string(way) + " 33 " ORVA_MODULE_FILE), "") << way;
+    for (const int flags : {RTLD_LOCAL, RTLD_GLOBAL, RTLD_LOCAL | RTLD_DEEPBIND})
+        LiveIn({ORVA_MODULE_FILE}, flags);
+    // A program without the C++ library.
+    EXPECT_EQ(Output("/usr/bin/python3 -c 'import ctypes; ctypes.CDLL(\"" ORVA_MODULE_FILE "\")'"), "");
 }
 
 // Two plug-ins of the same make, visible to all.
@@ -119,7 +156,7 @@ TEST(ModuleLoad, CopiesLiveSideBySide) {
     const TempFolder folder;
     for (const char* const name : {"one.so", "two.so"})
         std::filesystem::copy_file(ORVA_MODULE_FILE, folder / name);
-    EXPECT_EQ(PlainHost("global 25 " + folder / "one.so" + " " + folder / "two.so"), "");
+    LiveIn({folder / "one.so", folder / "two.so"}, RTLD_GLOBAL);
 }
 
 #endif
