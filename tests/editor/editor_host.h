@@ -9,6 +9,7 @@
 #include "editor/editor_factory.h"
 #include "plugin/gui_plugin_ex.h"
 #include "tests/support/await.h"
+#include "tests/support/host.h"
 #include "tests/support/parent_window.h"
 
 struct Automation {
@@ -16,25 +17,17 @@ struct Automation {
     float value;
 };
 
-// What a host sees of the plug-in and its editor: a window, the host calls, and the changes that it reports.
-class EditorHost : public ParentWindow {
+// A host with a window for the plug-in's editor, and the changes that it reports.
+class EditorHost : public Host, public ParentWindow {
 public:
-    EditorHost() : plugin(&Callback, &MakeGuiEditor) {
-        host = this;
-        Connect();
-    }
+    EditorHost() { Connect(); }
     ~EditorHost() {
         Call(effEditClose);
-        if (host == this) host = nullptr;
+        Close();
     }
     EditorHost(const EditorHost&) = delete;
     EditorHost& operator=(const EditorHost&) = delete;
 
-    std::intptr_t Call(std::int32_t opcode, std::int32_t index = 0, std::intptr_t value = 0,
-                       void* ptr = nullptr, float opt = 0) {
-        AEffect* effect = plugin.getAeffect();
-        return effect->dispatcher(effect, opcode, index, value, ptr, opt);
-    }
     bool Open() { return Call(effEditOpen, 0, 0, Handle()) != 0; }
 
     // Gives idle time until the condition holds; false if it never does.
@@ -47,12 +40,12 @@ public:
     }
     // Until the window shows the same for a while: whatever was on its way has been drawn.
     void Settle() {
-        std::vector<std::uint8_t> last;
+        std::vector<std::uint8_t> before;
         int same = 0;
         Await([&] {
             auto now = Pixels(0, 0, 267, 320);  // all but the picture that never rests
-            same = now == last ? same + 1 : 0;
-            last = std::move(now);
+            same = now == before ? same + 1 : 0;
+            before = std::move(now);
             return same > 15;
         });
     }
@@ -81,7 +74,7 @@ public:
 
     std::vector<Automation> automated;
     bool resizes = true;
-    CORVAguivstEx plugin;
+    CORVAguivstEx& plugin = Made();
 
 private:
     void Tool(std::vector<std::string> words) {
@@ -95,17 +88,19 @@ private:
         Sync();
         return 1;
     }
-    static std::intptr_t Callback(AEffect*, std::int32_t opcode, std::int32_t index, std::intptr_t value,
-                                  void* ptr, float opt) {
-        switch (opcode) {
-            case audioMasterAutomate:
-                if (host != nullptr) host->automated.push_back({index, opt});
-                return 0;
-            case audioMasterVersion: return 2400;
-            case audioMasterSizeWindow: return host->Resize(index, value);
-            case audioMasterCanDo: return std::string(static_cast<const char*>(ptr)) == "receiveVstMidiEvent";
-            default: return 0;
-        }
+    CORVAguivstEx& Made() {
+        keepsEvents = false;
+        answers = [this](const Request& request, std::intptr_t& answer) { return Answer(request, answer); };
+        Host::Open([](audioMasterCallback callback) {
+            return (new CORVAguivstEx(callback, &MakeGuiEditor))->getAeffect();
+        });
+        return Object<CORVAguivstEx>();
     }
-    static inline EditorHost* host = nullptr;  // the callback carries no word of its own: the last one made
+    bool Answer(const Request& request, std::intptr_t& answer) {
+        if (request.opcode == audioMasterAutomate) automated.push_back({request.index, request.opt});
+        if (request.opcode == audioMasterCanDo)
+            answer = std::string(static_cast<const char*>(request.ptr)) == "receiveVstMidiEvent";
+        if (request.opcode == audioMasterSizeWindow) answer = Resize(request.index, request.value);
+        return answer != 0;
+    }
 };
