@@ -71,19 +71,13 @@ void TNotes::MoveBar(std::uint32_t time, std::uint32_t newTime) {
     if (bar != bars.end()) ReplaceBar(*bar, {newTime, bar->second});
 }
 
-// Each bar behind a removed one goes down by one; all of them in one pass.
 void TNotes::MergeCloseBars() {
-    if (bars.empty()) return;
-    std::uint32_t removed = 0;
-    auto bar = bars.begin();
-    for (auto next = std::next(bar); next != bars.end();) {
-        if (next->first - bar->first < closestBars) {
-            next = bars.erase(next);
-            ++removed;
-        } else {
-            next->second.barIndex -= removed;
-            bar = next++;
-        }
+    for (auto bar = bars.begin(); bar != bars.end();) {
+        const auto next = std::next(bar);
+        if (next != bars.end() && next->first - bar->first < closestBars)
+            RemoveBar(next->first);
+        else
+            bar = next;
     }
 }
 

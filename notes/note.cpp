@@ -3,17 +3,13 @@
 #include <algorithm>
 #include <functional>
 #include <limits>
-#include <new>
+#include <utility>
 
-#include "notes/note_run.h"
 #include "notes/notes.h"
 
 namespace {
 
 constexpr std::uint32_t lastTick = std::numeric_limits<std::uint32_t>::max();
-
-// A note outside any run: the word behind which it stands, and as much again to keep the alignment.
-constexpr std::size_t soleHeader = 2 * NoteRun::originSize;
 
 template <typename Value>
 int Sign(Value a, Value b) {
@@ -192,24 +188,8 @@ void TNote::SetLayer(std::uint8_t newLayer) {
     layer = newLayer;
 }
 
-void* TNote::operator new(std::size_t size) {
-    void* const note = static_cast<std::byte*>(::operator new(size + soleHeader)) + soleHeader;
-    NoteRun::Origin(note) = nullptr;
-    return note;
-}
-
-void* TNote::operator new(std::size_t, NoteRun& run) {
-    return run.TakeSlot();
-}
-
-void TNote::operator delete(void* note) {
-    if (note == nullptr) return;
-    if (NoteRun* const run = NoteRun::Origin(note))
-        run->Drop();
-    else
-        ::operator delete(static_cast<std::byte*>(note) - soleHeader);
-}
-
-void TNote::operator delete(void* note, NoteRun&) {
-    operator delete(note);
+void TNote::operator delete(TNote* note, std::destroying_delete_t) {
+    const std::shared_ptr<void> run = std::move(note->run);  // outlives the note that stands in it
+    note->~TNote();
+    if (run == nullptr) ::operator delete(note);
 }

@@ -1,7 +1,8 @@
 #pragma once
-#include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <memory_resource>
+#include <new>
 #include <vector>
 
 #include "notes/note_memory.h"
@@ -14,7 +15,6 @@
 // negative below. Channels count from 1; 0 and those above 16 keep a note out of MIDI files.
 // Threads: a note belongs to the thread that owns its score; nothing here locks.
 
-class NoteRun;
 class TNote;
 class TNotes;
 
@@ -126,16 +126,14 @@ public:
     void SetPitch(std::uint8_t newPitch) override;  // moves between the owner's pitch maps
     void SetLayer(std::uint8_t newLayer) override;  // moves its count in the owner's layer table
 
-    // A collection makes its notes in runs, at ascending addresses; `delete` is right for every note.
-    static void* operator new(std::size_t size);
-    static void* operator new(std::size_t size, NoteRun& run);
-    static void operator delete(void* note);
-    static void operator delete(void* note, NoteRun& run);
+    // `delete` is right for every note, whether made by `new` or in a collection's run.
+    static void operator delete(TNote* note, std::destroying_delete_t);
 
     TNotes* owner = nullptr;
     TNoteBoundary startPoint;
     TNoteBoundary endPoint;
     std::int32_t listIndex[2] = {};  // place in `notes` of the map of all notes, and of the pitch's map
+    std::shared_ptr<void> run;       // the collection's memory in which it stands; null after a plain `new`
 
 private:
     void MoveBegin(std::uint32_t time);

@@ -1,6 +1,7 @@
 #include "notes/note_map.h"
 
 #include <algorithm>
+#include <cassert>
 #include <functional>
 #include <iterator>
 
@@ -97,6 +98,7 @@ void TNoteMap::Remove(TNote* note) {
     points.erase(points.begin() + static_cast<std::ptrdiff_t>(end));
     points.erase(points.begin() + static_cast<std::ptrdiff_t>(start));
     const std::size_t index = static_cast<std::size_t>(note->listIndex[mapIndex]);
+    assert(index < notes.size() && notes[index] == note);
     notes.erase(notes.begin() + static_cast<std::ptrdiff_t>(index));
     Renumber(index, notes.size());
 }
@@ -207,7 +209,9 @@ void TNoteMap::TakeOverPrevious(std::size_t point, std::size_t more) {
 }
 
 std::size_t TNoteMap::IndexOf(TNoteBoundary* boundary) const {
-    return Place(points, boundary, PointOrder());
+    const std::size_t place = Place(points, boundary, PointOrder());
+    assert(place < points.size() && points[place] == boundary);
+    return place;
 }
 
 void TNoteMap::MoveNote(TNote* note) {

@@ -9,26 +9,13 @@ namespace {
 
 thread_local MemoryBudget* currentBudget = nullptr;
 
-constexpr bool IsPlain(std::size_t alignment) {
-    return alignment <= __STDCPP_DEFAULT_NEW_ALIGNMENT__;
-}
-
 class FreeStore : public std::pmr::memory_resource {
     void* do_allocate(std::size_t bytes, std::size_t alignment) override {
         MemoryBudget::Charge(MemoryBudget::BlockSize(bytes));
-        try {  // an alignment that any block has is not asked for, which would take a slower path
-            return IsPlain(alignment) ? ::operator new(bytes)
-                                      : ::operator new (bytes, std::align_val_t{alignment});
-        } catch (...) {
-            MemoryBudget::Release(MemoryBudget::BlockSize(bytes));
-            throw;
-        }
+        return std::pmr::new_delete_resource()->allocate(bytes, alignment);
     }
     void do_deallocate(void* block, std::size_t bytes, std::size_t alignment) override {
-        if (IsPlain(alignment))
-            ::operator delete(block);
-        else
-            ::operator delete (block, std::align_val_t{alignment});
+        std::pmr::new_delete_resource()->deallocate(block, bytes, alignment);
         MemoryBudget::Release(MemoryBudget::BlockSize(bytes));
     }
     bool do_is_equal(const std::pmr::memory_resource& other) const noexcept override {

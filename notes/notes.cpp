@@ -1,10 +1,9 @@
 #include "notes/notes.h"
 
 #include <algorithm>
+#include <cassert>
 #include <limits>
 #include <memory>
-
-#include "notes/note_run.h"
 
 namespace {
 
@@ -27,22 +26,20 @@ TPitchMaps::~TPitchMaps() {
 TNotes::TNotes(std::pmr::memory_resource* source)
     : TNoteMap(0, source), bars(source), layers(source), pitchMaps(source), memory(source) {}
 
-TNotes::~TNotes() {
-    TNotes::Clear();
-    if (run != nullptr) run->Drop();
-}
-
 TNote* TNotes::NewNote() {
-    if (run == nullptr || run->Left() == 0)
-        ReserveNotes(run == nullptr ? firstRun : std::min(2 * run->Capacity(), longestRun));
-    return new (*run) TNote(memory);
+    if (run == nullptr || run->size() == run->capacity())
+        ReserveNotes(run == nullptr ? firstRun : std::min(2 * run->capacity(), longestRun));
+    assert(run->size() < run->capacity());
+    TNote* const note = ::new (&run->emplace_back()) TNote(memory);
+    note->run = run;
+    return note;
 }
 
 void TNotes::ReserveNotes(std::size_t count) {
-    if (count == 0 || (run != nullptr && run->Left() >= count)) return;
-    NoteRun* const next = NoteRun::Make(memory, count);
-    if (run != nullptr) run->Drop();
-    run = next;
+    if (count == 0 || (run != nullptr && run->capacity() - run->size() >= count)) return;
+    auto next = std::allocate_shared<NoteRun>(std::pmr::polymorphic_allocator<NoteRun>(memory));
+    next->reserve(count);
+    run = std::move(next);
 }
 
 TNote* TNotes::AddNote(std::uint32_t begin, std::uint32_t end, std::uint8_t pitch, std::int32_t level,
@@ -55,6 +52,7 @@ TNote* TNotes::AddNote(std::uint32_t begin, std::uint32_t end, std::uint8_t pitc
 
 void TNotes::InsertNote(TNote* note, std::uint32_t begin, std::uint32_t end, std::uint8_t pitch,
                         std::int32_t level, std::uint8_t program, std::uint8_t layer, std::uint8_t channel) {
+    assert(begin < end);
     note->startPoint.note = note;
     note->endPoint.note = note;
     note->startPoint.time = begin;
@@ -136,10 +134,10 @@ void TNotes::Clear() {
     for (TNote* note : notes) delete note;
     for (TNoteMap& map : pitchMaps) map.Clear();
     TNoteMap::Clear();
-    if (run != nullptr && !run->Reuse()) {  // a note that has moved elsewhere still lives in it
-        run->Drop();
-        run = nullptr;
-    }
+    if (run.use_count() == 1)
+        run->clear();
+    else
+        run.reset();  // a note that has moved elsewhere still lives in it
 }
 
 void TNotes::AppendNotesInPitchRange(TNoteList& result, std::uint8_t pitchA, std::uint8_t pitchB,

@@ -1,5 +1,7 @@
 #pragma once
+#include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <memory_resource>
 #include <string>
 #include <utility>
@@ -47,7 +49,7 @@ private:
 class TNotes : public TNoteMap, public TSerial {
 public:
     explicit TNotes(std::pmr::memory_resource* memory = NoteMemory());
-    ~TNotes() override;
+    ~TNotes() override { TNotes::Clear(); }
 
     // Notes. An `end` that is not after `begin` becomes begin + 1 (at the last tick, 2^32 - 1, the begin
     // gives way instead). Filling in order of begin is what is cheap: everything happens near the end.
@@ -123,6 +125,14 @@ public:
 
 private:
     struct TStoredNote;
+    // Memory for one note, in a run of such side by side. Notes that begin together are ordered by address,
+    // so those made one after the other in one run keep the order in which they were made, and scores come
+    // out the same each time.
+    struct NoteSlot {
+        NoteSlot() {}  // leaves the bytes as they are
+        alignas(TNote) std::byte bytes[sizeof(TNote)];
+    };
+    using NoteRun = std::pmr::vector<NoteSlot>;  // never grows past its capacity, so notes stay in place
 
     void File(TNote* note);
     void TrimLayers();
@@ -133,5 +143,5 @@ private:
     void ReadBars(TBaseStream& stream);
 
     std::pmr::memory_resource* memory;  // fixed after construction, not owned
-    NoteRun* run = nullptr;             // where the next notes are made, or null
+    std::shared_ptr<NoteRun> run;       // where the next notes are made; also held by each of its notes
 };
