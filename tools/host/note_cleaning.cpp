@@ -1,22 +1,18 @@
 #include "tools/host/note_cleaning.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <map>
 #include <stdexcept>
 #include <string_view>
-#include <tuple>
 #include <utility>
+
+#include "tools/host/read_number.h"
 
 namespace {
 
 constexpr std::string_view gridStart = "1/";
 constexpr int finestGrid = 192;  // parts of a whole note: a triplet of 1/128
-
-bool Before(const HeardNote& a, const HeardNote& b) {
-    return std::tie(a.begin, a.pitch, a.channel) < std::tie(b.begin, b.pitch, b.channel);
-}
 
 // Hands each note, with the last one kept of its channel and pitch or null, to `merge`, which says whether it
 // has gone into that one.
@@ -48,7 +44,7 @@ std::vector<HeardNote> OnGrid(std::vector<HeardNote> notes, double first, double
         note.begin = sample(begin);
         note.end = sample(end);
     }
-    std::stable_sort(notes.begin(), notes.end(), Before);
+    std::stable_sort(notes.begin(), notes.end(), BeginsBefore);
     return Merged(notes, [](HeardNote& earlier, const HeardNote& note) {
         const bool sameLine = earlier.begin == note.begin;
         if (sameLine) {
@@ -65,11 +61,9 @@ std::vector<HeardNote> OnGrid(std::vector<HeardNote> notes, double first, double
 
 int ParseGrid(const std::string& text) {
     int parts = 0;
-    const char* const end = text.data() + text.size();
-    if (text.starts_with(gridStart)) {
-        const auto [stop, fault] = std::from_chars(text.data() + gridStart.size(), end, parts);
-        if (fault == std::errc() && stop == end && parts >= 1 && parts <= finestGrid) return parts;
-    }
+    if (text.starts_with(gridStart) && ReadNumber(text.substr(gridStart.size()), parts) && parts >= 1 &&
+        parts <= finestGrid)
+        return parts;
     throw std::invalid_argument("\"" + text + "\" is no part of a whole note, 1/1 to 1/" +
                                 std::to_string(finestGrid));
 }
@@ -78,9 +72,7 @@ std::optional<double> ParseBarOne(const std::string& text) {
     constexpr double longest = 86400;  // a day
     if (text == "auto") return std::nullopt;
     double seconds = -1;
-    const char* const end = text.data() + text.size();
-    const auto [stop, fault] = std::from_chars(text.data(), end, seconds);
-    if (fault == std::errc() && stop == end && seconds >= 0 && seconds <= longest) return seconds;
+    if (ReadNumber(text, seconds) && seconds >= 0 && seconds <= longest) return seconds;
     throw std::invalid_argument("\"" + text + "\" is neither auto nor a number of seconds");
 }
 

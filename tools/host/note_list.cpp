@@ -12,6 +12,10 @@ constexpr std::array<const char*, 12> pitchClasses = {"C",  "C#", "D",  "D#", "E
 
 }  // namespace
 
+bool BeginsBefore(const HeardNote& a, const HeardNote& b) {
+    return std::tie(a.begin, a.pitch, a.channel) < std::tie(b.begin, b.pitch, b.channel);
+}
+
 std::vector<HeardNote> PairNotes(const Take& take) {
     std::vector<HeardNote> notes;
     // By channel and pitch: index into notes of what sounds there, or none.
@@ -40,9 +44,7 @@ std::vector<HeardNote> PairNotes(const Take& take) {
     }
     for (std::size_t& open : sounding) close(open, take.length);
 
-    std::stable_sort(notes.begin(), notes.end(), [](const HeardNote& a, const HeardNote& b) {
-        return std::tie(a.begin, a.pitch, a.channel) < std::tie(b.begin, b.pitch, b.channel);
-    });
+    std::stable_sort(notes.begin(), notes.end(), BeginsBefore);
     return notes;
 }
 

@@ -15,6 +15,8 @@ struct HeardNote {
     int program = 0;         // 0 to 127: the channel's when the note began
 };
 
+bool BeginsBefore(const HeardNote& a, const HeardNote& b);  // or at one time with a lower pitch, or channel
+
 // Pairs each note-on with the note-off that follows it on the same channel and pitch, in the order of
 // sending. A second note-on ends the first; what nothing ends lasts to the end of the take; a note-off alone
 // is no note. Messages of other kinds, events of three zero bytes among them, are passed over. Sorted by

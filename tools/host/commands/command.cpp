@@ -15,6 +15,19 @@ void ReportError(std::string_view text) {
     std::cerr << "orva-host: " + Printable(text) + '\n' << std::flush;
 }
 
+void AddForce(CLI::App& command, bool& force) {
+    command.add_flag("--force", force, "write even over files of another kind");
+}
+
+void Guard(const std::vector<PlannedOutput>& outputs, const std::vector<std::filesystem::path>& inputs,
+           bool force) {
+    try {
+        GuardOutputs(outputs, inputs, force);
+    } catch (const std::invalid_argument& reason) {
+        throw UsageError(reason.what());
+    }
+}
+
 CLI::Validator NumberFrom(double lowest, double highest) {
     return CLI::Validator(
         [lowest, highest](const std::string& text) {

@@ -1,8 +1,7 @@
-#include "tools/host/commands/devices.h"
-
 #include <iostream>
 
 #include "devices/midi_device_list.h"
+#include "tools/host/commands/command.h"
 #include "tools/host/printable.h"
 
 std::uint32_t FindDevice(const std::string& name) {

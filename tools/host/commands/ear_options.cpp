@@ -1,9 +1,9 @@
 #include "tools/host/commands/ear_options.h"
 
-#include <charconv>
 #include <utility>
 
 #include "parameters/starting_points.h"
+#include "tools/host/read_number.h"
 
 namespace {
 
@@ -41,9 +41,8 @@ EarSettings ParseEar(const EarTexts& texts, const std::string& usual, const std:
     settings.threshold = texts.threshold.value_or(RefinedThresholdFor(instrument));
     settings.autoLevel = texts.level == "auto";
     if (settings.autoLevel) return settings;
-    const char* const end = texts.level.data() + texts.level.size();
-    const auto [stop, fault] = std::from_chars(texts.level.data(), end, settings.level);
-    if (fault != std::errc() || stop != end || !(settings.level >= -furthest && settings.level <= furthest))
+    if (!ReadNumber(texts.level, settings.level) ||
+        !(settings.level >= -furthest && settings.level <= furthest))
         throw UsageError("--level: \"" + texts.level + "\" is neither auto nor dB from -60 to 60");
     return settings;
 }

@@ -1,5 +1,3 @@
-#include "tools/host/commands/edit.h"
-
 #include <algorithm>
 #include <chrono>
 #include <iostream>
@@ -9,10 +7,9 @@
 
 #include "parameters/parameters.h"
 #include "tools/host/audio_file.h"
-#include "tools/host/commands/output_options.h"
+#include "tools/host/commands/command.h"
 #include "tools/host/editor_window.h"
 #include "tools/host/hosted_plugin.h"
-#include "tools/host/output_file.h"
 
 namespace {
 
@@ -74,7 +71,7 @@ int Edit(const EditOptions& options) {
 
 int Shot(const EditOptions& options) {
     const auto page = std::find(pages.begin(), pages.end(), options.page);
-    GuardOutput({"OUT", options.target, pictureFirstBytes}, {options.audio}, options.force);
+    Guard({{"OUT", options.target, pictureFirstBytes}}, {options.audio}, options.force);
     Player player(options);
     player.Plugin().SetParameter(paramActivePage, PageValue(static_cast<std::int32_t>(page - pages.begin())));
     if (options.chords) player.Plugin().SetParameter(paramChordsEnabled, 1.0F);

@@ -1,9 +1,8 @@
-#include "tools/host/commands/info.h"
-
 #include <iostream>
 #include <memory>
 
 #include "parameters/starting_points.h"
+#include "tools/host/commands/command.h"
 #include "tools/host/commands/parameters.h"
 #include "tools/host/plugin_facts.h"
 
@@ -21,7 +20,7 @@ int Info(const InfoOptions& options) {
         std::cout << SettingsTable(module, ParseParameters(options.parameters, module, Ear::classic));
         return exitDone;
     }
-    const PluginFacts facts = AskPlugin(module);
+    const nlohmann::ordered_json facts = AskPlugin(module);
     std::cout << (options.json ? FactsJson(facts) : FactsTable(facts));
     return exitDone;
 }

@@ -1,5 +1,3 @@
-#include "tools/host/commands/live.h"
-
 #include <chrono>
 #include <filesystem>
 #include <iostream>
@@ -8,8 +6,8 @@
 #include <thread>
 
 #include "notes/notes.h"
+#include "tools/host/commands/command.h"
 #include "tools/host/commands/ear_options.h"
-#include "tools/host/commands/output_options.h"
 #include "tools/host/commands/parameters.h"
 #include "tools/host/editor_window.h"
 #include "tools/host/end_signal.h"
@@ -17,7 +15,6 @@
 #include "tools/host/live_plugin.h"
 #include "tools/host/live_take.h"
 #include "tools/host/live_view.h"
-#include "tools/host/output_file.h"
 #include "tools/host/score_output.h"
 
 namespace {
@@ -215,7 +212,7 @@ int Live(const LiveOptions& options) {
     if (options.list) return ListPorts(options);
     const std::filesystem::path plugin = FindPlugin(options.plugin);
     if (!options.midi.empty()) {
-        GuardOutput({"--midi", options.midi, midiFirstBytes}, {plugin}, options.force);
+        Guard({{"--midi", options.midi, midiFirstBytes}}, {plugin}, options.force);
         CheckFolderOf(options.midi);
     }
     const PluginModule module(plugin);

@@ -8,16 +8,11 @@
 #include <vector>
 
 #include "tools/host/commands/command.h"
-#include "tools/host/commands/devices.h"
-#include "tools/host/commands/edit.h"
-#include "tools/host/commands/info.h"
-#include "tools/host/commands/live.h"
-#include "tools/host/commands/render.h"
-#include "tools/host/commands/score.h"
 
 namespace {
 
-constexpr AddCommand commands[] = {AddRender, AddLive, AddEdit, AddShot, AddScore, AddDevices, AddInfo};
+constexpr void (*commands[])(CLI::App&, Job&) = {AddRender, AddLive,    AddEdit, AddShot,
+                                                 AddScore,  AddDevices, AddInfo};
 
 // Changes of one letter that make one word of the other.
 std::size_t Distance(const std::string& a, const std::string& b) {
@@ -52,7 +47,7 @@ int Run(int argc, char** argv) {
     program.require_subcommand(1);
     program.set_version_flag("--version", "orva-host " ORVA_VERSION);
     Job chosen;
-    for (const AddCommand add : commands) add(program, chosen);
+    for (const auto add : commands) add(program, chosen);
     if (argc > 1) CheckCommand(program, argv[1]);
     try {
         program.parse(argc, argv);

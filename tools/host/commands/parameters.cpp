@@ -3,22 +3,14 @@
 #include <strings.h>
 
 #include <algorithm>
-#include <charconv>
 
 #include "parameters/parameters.h"
 #include "parameters/starting_points.h"
 #include "tools/host/hosted_plugin.h"
 #include "tools/host/plugin_facts.h"
+#include "tools/host/read_number.h"
 
 namespace {
-
-// The whole of the text as a number; false if there is anything else.
-template <typename Number>
-bool ReadNumber(const std::string& text, Number& number) {
-    const char* const end = text.data() + text.size();
-    const auto [stop, fault] = std::from_chars(text.data(), end, number);
-    return fault == std::errc() && stop == end;
-}
 
 std::int32_t FindParameter(const std::string& name, const std::vector<std::string>& names) {
     const auto named = std::find_if(names.begin(), names.end(), [&](const std::string& known) {
@@ -71,17 +63,13 @@ std::vector<ParameterSetting> ParseParameters(const ParameterTexts& texts, const
     const auto isOfClassic = [](const ParameterSetting& setting) {
         return setting.index < paramFirstBar || setting.value > 0;
     };
-    const char* option = "--for: ";
-    try {
-        if (!texts.instrument.empty()) settings = SettingsFor(texts.instrument);
-        if (ear != Ear::classic) std::erase_if(settings, isOfClassic);
-        option = "--param: ";
-        if (texts.values.empty()) return settings;
-        const std::vector<std::string> names = ParameterNames(module);
-        HostedPlugin plugin(module, askingRate, "ORVA", nullptr);
-        for (const std::string& text : texts.values) settings.push_back(ParseParameter(text, names, plugin));
-    } catch (const std::invalid_argument& reason) {
-        throw UsageError(option + std::string(reason.what()));
-    }
+    if (!texts.instrument.empty())
+        settings = ParseOption("--for", [&] { return SettingsFor(texts.instrument); });
+    if (ear != Ear::classic) std::erase_if(settings, isOfClassic);
+    if (texts.values.empty()) return settings;
+    const std::vector<std::string> names = ParameterNames(module);
+    HostedPlugin plugin(module, askingRate, "ORVA", nullptr);
+    for (const std::string& text : texts.values)
+        settings.push_back(ParseOption("--param", [&] { return ParseParameter(text, names, plugin); }));
     return settings;
 }

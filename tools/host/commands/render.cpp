@@ -1,7 +1,4 @@
-#include "tools/host/commands/render.h"
-
 #include <algorithm>
-#include <charconv>
 #include <filesystem>
 #include <iostream>
 #include <memory>
@@ -11,18 +8,17 @@
 #include "notes/notes.h"
 #include "parameters/parameters.h"
 #include "tools/host/audio_folder.h"
-#include "tools/host/commands/devices.h"
+#include "tools/host/commands/command.h"
 #include "tools/host/commands/ear_options.h"
-#include "tools/host/commands/output_options.h"
 #include "tools/host/commands/parameters.h"
 #include "tools/host/end_signal.h"
 #include "tools/host/file_list.h"
 #include "tools/host/music_xml.h"
 #include "tools/host/note_cleaning.h"
-#include "tools/host/output_file.h"
 #include "tools/host/picture.h"
 #include "tools/host/printable.h"
 #include "tools/host/progress.h"
+#include "tools/host/read_number.h"
 #include "tools/host/render_queue.h"
 #include "tools/host/score_output.h"
 #include "tools/host/take_output.h"
@@ -90,11 +86,8 @@ struct RenderOptions {
 
 void FindPaths(const std::vector<std::string>& files, RenderOutput& output) {
     if (!output.target) return;
-    try {
-        output.paths = OutputPaths(files, *output.target, output.extension);
-    } catch (const std::invalid_argument& reason) {
-        throw UsageError(std::string(output.option) + ": " + reason.what());
-    }
+    output.paths =
+        ParseOption(output.option, [&] { return OutputPaths(files, *output.target, output.extension); });
 }
 
 void GuardFiles(const RenderOptions& options, const std::filesystem::path& plugin) {
@@ -105,7 +98,7 @@ void GuardFiles(const RenderOptions& options, const std::filesystem::path& plugi
     std::vector<std::filesystem::path> inputs(options.files.begin(), options.files.end());
     inputs.push_back(plugin);
     if (!options.list.empty()) inputs.emplace_back(options.list);
-    GuardAll(planned, inputs, options.force);
+    Guard(planned, inputs, options.force);
 }
 
 // The recordings that are named on the command line and in lists, and those in the folders named there.
@@ -239,24 +232,17 @@ int RenderFiles(RenderOptions& options) {
 double ParseTuning(const std::string& text) {
     if (text == "auto") return 0;
     double hertz = 0;
-    const char* const end = text.data() + text.size();
-    const auto [stop, fault] = std::from_chars(text.data(), end, hertz);
-    if (fault == std::errc() && stop == end && hertz >= lowestTuning && hertz <= highestTuning) return hertz;
+    if (ReadNumber(text, hertz) && hertz >= lowestTuning && hertz <= highestTuning) return hertz;
     throw UsageError("--tuning: \"" + text + "\" is neither auto nor Hz from 415 to 466");
 }
 
 void CheckUsage(RenderOptions& options) {
     options.settings.tuning = ParseTuning(options.tuning);
-    const char* option = "--quantise: ";
-    try {
-        if (!options.grid.empty()) options.cleaning.gridParts = ParseGrid(options.grid);
-        option = "--meter: ";
-        options.cleaning.meter = ParseMeter(options.meter);
-        option = "--bar-one: ";
-        options.cleaning.barOne = ParseBarOne(options.barOne);
-    } catch (const std::invalid_argument& reason) {
-        throw UsageError(option + std::string(reason.what()));
-    }
+    NoteCleaning& cleaning = options.cleaning;
+    if (!options.grid.empty())
+        cleaning.gridParts = ParseOption("--quantise", [&] { return ParseGrid(options.grid); });
+    cleaning.meter = ParseOption("--meter", [&] { return ParseMeter(options.meter); });
+    cleaning.barOne = ParseOption("--bar-one", [&] { return ParseBarOne(options.barOne); });
     if (options.files.empty() && options.list.empty()) throw UsageError("AUDIO is required, or --list");
     if (!options.played.empty() && (options.files.size() != 1 || !options.list.empty()))
         throw UsageError("--played: belongs to one recording");

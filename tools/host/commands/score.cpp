@@ -1,13 +1,10 @@
-#include "tools/host/commands/score.h"
-
 #include <iostream>
 #include <memory>
 
 #include "notes/notes.h"
 #include "notes/serial.h"
 #include "notes/stream.h"
-#include "tools/host/commands/output_options.h"
-#include "tools/host/output_file.h"
+#include "tools/host/commands/command.h"
 #include "tools/host/printable.h"
 #include "tools/host/score_output.h"
 
@@ -20,7 +17,7 @@ struct ScoreOptions {
 };
 
 int ConvertScore(const ScoreOptions& options) {
-    GuardOutput({"--midi", options.midi, midiFirstBytes}, {options.file}, options.force);
+    Guard({{"--midi", options.midi, midiFirstBytes}}, {options.file}, options.force);
     const auto score = std::make_unique<TNotes>();
     std::string error;
     try {
