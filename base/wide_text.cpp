@@ -32,14 +32,9 @@ void AppendUtf8(std::string& text, char32_t character) {
     }
 }
 
-// The character at the front of `text`, which is not empty, and how many bytes it takes. One byte that starts
-// no legal sequence counts as U+FFFD: too long a form, a surrogate and what lies above U+10FFFF are not
-// legal.
-struct Decoded {
-    char32_t character;
-    std::size_t length;
-};
-Decoded DecodeFront(std::string_view text) {
+}  // namespace
+
+DecodedCharacter DecodeFront(std::string_view text) {
     const auto byte = [text](std::size_t at) { return static_cast<unsigned char>(text[at]); };
     const char32_t first = byte(0);
     if (first < 0x80) return {first, 1};
@@ -53,10 +48,8 @@ Decoded DecodeFront(std::string_view text) {
     constexpr char32_t lowest[] = {0, 0, 0x80, 0x800, 0x10000};  // of a sequence of this length
     const bool legal = character >= lowest[length] && character <= 0x10FFFF && !IsHighSurrogate(character) &&
                        !IsLowSurrogate(character);
-    return legal ? Decoded{character, length} : Decoded{noCharacter, 1};
+    return legal ? DecodedCharacter{character, length} : DecodedCharacter{noCharacter, 1};
 }
-
-}  // namespace
 
 std::string WideCharToMultiByte(std::u16string_view wide) {
     wide = wide.substr(0, wide.find(u'\0'));
@@ -77,7 +70,7 @@ std::string WideCharToMultiByte(std::u16string_view wide) {
 std::u16string WideText(std::string_view utf8, std::size_t maxUnits) {
     std::u16string wide;
     while (!utf8.empty()) {
-        const Decoded front = DecodeFront(utf8);
+        const DecodedCharacter front = DecodeFront(utf8);
         utf8.remove_prefix(front.length);
         const bool pair = front.character >= 0x10000;
         if (wide.size() + (pair ? 2 : 1) > maxUnits) break;

@@ -8,6 +8,16 @@
 //
 // Threads: [any]; pure functions that allocate their result.
 
+// The character at the front of a text that is not empty, and how many bytes it takes. One byte that starts
+// no legal sequence counts as U+FFFD: too long a form, a surrogate and what lies above U+10FFFF are not
+// legal.
+struct DecodedCharacter {
+    char32_t character;
+    std::size_t length;
+    bool IsLegal() const { return character != U'\uFFFD' || length > 1; }
+};
+DecodedCharacter DecodeFront(std::string_view utf8);
+
 // A lone surrogate becomes U+FFFD. The text ends at its first zero unit, if it has one.
 std::string WideCharToMultiByte(std::u16string_view wide);
 

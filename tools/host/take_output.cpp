@@ -44,10 +44,6 @@ std::string OneLine(const nlohmann::ordered_json& object) {
     return object.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
 }
 
-}  // namespace
-
-namespace {
-
 // JSON holds text, and a file's name is any bytes: those that are no text stand beside it in hexadecimal
 // digits.
 nlohmann::ordered_json Named(const std::string& file) {
