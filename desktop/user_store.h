@@ -1,4 +1,5 @@
 #pragma once
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -17,3 +18,8 @@ bool writeRegistryString(std::string_view subKey, std::string_view text);
 // The text, or an empty one where there is none, where it cannot be read, or where it is longer than 255
 // bytes: that is as much as a reader of these settings ever makes room for. It ends at a zero byte.
 std::string readRegistryString(std::string_view subKey);
+
+// The same on this system, for legal names.
+constexpr std::size_t longestStoredText = 255;  // bytes that are read
+bool WriteSetting(std::string_view name, std::string_view text);
+std::string ReadSetting(std::string_view name);

@@ -413,14 +413,13 @@ void guiEditor::OwnFileDialog() {
 
 void guiEditor::OpenWebPage(const std::string& address) {
     tasks.emplace_back([this, address] {
-        if (!SystemShell().OpenWebPage(address))
-            ShowMessage("The web page could not be opened:\n" + address, "Error");
+        if (!ShowWebPage(address)) ShowMessage("The web page could not be opened:\n" + address, "Error");
     });
 }
 
 void guiEditor::OpenMail(const std::string& address) {
     tasks.emplace_back([this, address] {
-        if (!SystemShell().OpenMail(address))
+        if (!ComposeMail(address))
             ShowMessage("No mail program could be opened. Please write to\n" + address, "Error");
     });
 }
@@ -428,9 +427,9 @@ void guiEditor::OpenMail(const std::string& address) {
 void guiEditor::OpenHelp() {
     tasks.emplace_back([this] {
         const std::filesystem::path file = ModuleFolder() / "orva_vst.chm";
-        if (SystemShell().OpenHelpFile(Utf8(file))) return;
+        if (ShowHelpFile(Utf8(file))) return;
         const std::filesystem::path manual = ManualOf(ModuleFolder());
-        if (!manual.empty() && SystemShell().OpenHelpFile(Utf8(manual))) return;
+        if (!manual.empty() && ShowHelpFile(Utf8(manual))) return;
         ShowMessage("The help could not be opened:\n" + Utf8(manual.empty() ? file : manual), "Error");
     });
 }

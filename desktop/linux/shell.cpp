@@ -5,35 +5,20 @@
 #include <filesystem>
 #include <system_error>
 
-#include "base/lasting.h"
 #include "desktop/linux/programs.h"
 
-namespace {
+bool ShowWebPage(const std::string& address) {
+    const std::string program = FindProgram("xdg-open");
+    // An address that begins with a dash would be read as an option.
+    return !program.empty() && !address.empty() && address.front() != '-' && StartProgram({program, address});
+}
 
-class XdgShell : public IShell {
-public:
-    bool OpenWebPage(const std::string& address) override { return Open(address); }
-    bool OpenMail(const std::string& address) override {
-        return !address.empty() && Open("mailto:" + address);
-    }
-    bool OpenHelpFile(const std::string& path) override {
-        std::error_code fault;
-        const std::filesystem::path file = std::filesystem::absolute(path, fault);
-        return !fault && access(file.c_str(), R_OK) == 0 && Open(file);
-    }
+bool ComposeMail(const std::string& address) {
+    return !address.empty() && ShowWebPage("mailto:" + address);
+}
 
-private:
-    static bool Open(const std::string& target) {
-        const std::string program = FindProgram("xdg-open");
-        // A target that begins with a dash would be read as an option.
-        return !program.empty() && !target.empty() && target.front() != '-' &&
-               StartProgram({program, target});
-    }
-};
-
-}  // namespace
-
-IShell& DesktopShell() {
-    static Lasting<XdgShell> own;
-    return own.value;
+bool ShowHelpFile(const std::string& path) {
+    std::error_code fault;
+    const std::filesystem::path file = std::filesystem::absolute(path, fault);
+    return !fault && access(file.c_str(), R_OK) == 0 && ShowWebPage(file);
 }

@@ -7,7 +7,6 @@
 
 #include <cstdint>
 
-#include "base/lasting.h"
 #include "base/windows/wide.h"
 
 namespace {
@@ -27,22 +26,18 @@ bool ShowInHelpViewer(const std::wstring& file) {
     return show != nullptr && show(GetDesktopWindow(), file.c_str(), HH_DISPLAY_TOPIC, 0) != nullptr;
 }
 
-class WindowsShell : public IShell {
-public:
-    bool OpenWebPage(const std::string& address) override { return !address.empty() && Open(address); }
-    bool OpenMail(const std::string& address) override {
-        return !address.empty() && Open("mailto:" + address);
-    }
-    bool OpenHelpFile(const std::string& path) override {
-        const std::wstring file = Wide(path);
-        if (GetFileAttributesW(file.c_str()) == INVALID_FILE_ATTRIBUTES) return false;
-        return (path.ends_with(".chm") && ShowInHelpViewer(file)) || Open(path);
-    }
-};
-
 }  // namespace
 
-IShell& DesktopShell() {
-    static Lasting<WindowsShell> own;
-    return own.value;
+bool ShowWebPage(const std::string& address) {
+    return !address.empty() && Open(address);
+}
+
+bool ComposeMail(const std::string& address) {
+    return !address.empty() && Open("mailto:" + address);
+}
+
+bool ShowHelpFile(const std::string& path) {
+    const std::wstring file = Wide(path);
+    if (GetFileAttributesW(file.c_str()) == INVALID_FILE_ATTRIBUTES) return false;
+    return (path.ends_with(".chm") && ShowInHelpViewer(file)) || Open(path);
 }

@@ -92,9 +92,9 @@ TEST_F(Programs, AMessageIsShownByTheInstalledDialogProgramOrAsOneLine) {
 }
 
 TEST_F(Programs, TheShellOpensMail) {
-    EXPECT_FALSE(SystemShell().OpenMail("support@host.example"));  // no such program
+    EXPECT_FALSE(ComposeMail("support@host.example"));  // no such program
     AddProgram("xdg-open");
-    EXPECT_TRUE(SystemShell().OpenMail("support@host.example"));
+    EXPECT_TRUE(ComposeMail("support@host.example"));
     EXPECT_EQ(Report(), (Words{"xdg-open", "mailto:support@host.example"}));
 }
 
