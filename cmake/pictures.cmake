@@ -1,8 +1,11 @@
-# orva_pictures(TARGET): renders each vector source of resources/ to a PNG at one, two and three times its size, and
-# embeds them all in TARGET, by id and scale, so that the module is one file to install. A source is named by its id, then whatever helps a reader: 141_record.svg.
-# The same sources, renderer and font give the same bytes.
+# orva_pictures(TARGET): renders each vector source of resources/ to a PNG at one, two and three times its size, in its
+# own light colours and in dark ones, and embeds them all in TARGET, by id, scale and variant, so that the module is one
+# file to install. A source is named by its id, then whatever helps a reader: 141_record.svg.
+# Each PNG has a palette of 256 colours, which halves its bytes and cannot be seen. The same sources, renderer and font
+# give the same bytes; one thread, since the order of its sums would show.
 # With them goes the font of the window's texts, so that they look and fit alike on every machine.
 find_program(RSVG_CONVERT rsvg-convert REQUIRED)
+find_program(PNGQUANT pngquant REQUIRED)
 find_program(FC_MATCH fc-match)
 if(FC_MATCH)
   execute_process(COMMAND ${FC_MATCH} -f "%{family}" "Roboto Condensed" OUTPUT_VARIABLE picture_font)
@@ -20,6 +23,7 @@ endforeach()
 function(orva_pictures target)
   file(GLOB sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/resources/*.svg)
   set(folder ${PROJECT_BINARY_DIR}/pictures)
+  set(palette ${PROJECT_SOURCE_DIR}/editor/palette.h)
   file(MAKE_DIRECTORY ${folder})
   set(section_begins ".pushsection .rodata")
   set(section_ends .popsection)
@@ -38,16 +42,31 @@ function(orva_pictures target)
   foreach(source ${sources})
     get_filename_component(name ${source} NAME_WE)
     string(REGEX MATCH "^[0-9]+" id ${name})
-    foreach(scale 1 2 3)
-      set(picture ${id}_${scale})
-      set(png ${folder}/${picture}.png)
-      add_custom_command(OUTPUT ${png} DEPENDS ${source} VERBATIM
-        COMMAND ${RSVG_CONVERT} --zoom=${scale} --format=png --output=${png} ${source}
-        COMMENT "Rendering ${name}.svg, ${scale} to 1")
-      list(APPEND rendered ${png})
-      string(APPEND bytes "    \"${prefix}picture_${picture}: .incbin \\\"${picture}.png\\\"\\n\"\n    \"${prefix}picture_${picture}_end:\\n\"\n")
-      string(APPEND names "extern const unsigned char picture_${picture}[], picture_${picture}_end[];\n")
-      string(APPEND rows "    {${id}, ${scale}, picture_${picture}, picture_${picture}_end},\n")
+    add_custom_command(OUTPUT ${folder}/${id}_dark.svg VERBATIM
+      DEPENDS ${source} ${palette} ${PROJECT_SOURCE_DIR}/cmake/darken.cmake
+      COMMAND ${CMAKE_COMMAND} -DPALETTE=${palette} -DSOURCE=${source} -DOUT=${folder}/${id}_dark.svg
+              -P ${PROJECT_SOURCE_DIR}/cmake/darken.cmake
+      COMMENT "Darkening ${name}.svg")
+    set(source_of_light ${source})
+    set(source_of_dark ${folder}/${id}_dark.svg)
+    foreach(variant light dark)
+      set(outputs "")
+      set(commands "")
+      foreach(scale 1 2 3)
+        set(picture ${id}_${variant}_${scale})
+        set(png ${folder}/${picture}.png)
+        list(APPEND outputs ${png})
+        list(APPEND commands
+          COMMAND ${RSVG_CONVERT} --zoom=${scale} --format=png --output=${png} ${source_of_${variant}}
+          COMMAND ${CMAKE_COMMAND} -E env OMP_NUM_THREADS=1
+                  ${PNGQUANT} --speed=1 --nofs --strip --force --output=${png} 256 ${png})
+        string(APPEND bytes "    \"${prefix}picture_${picture}: .incbin \\\"${picture}.png\\\"\\n\"\n    \"${prefix}picture_${picture}_end:\\n\"\n")
+        string(APPEND names "extern const unsigned char picture_${picture}[], picture_${picture}_end[];\n")
+        string(APPEND rows "    {${id}, ${scale}, Variant::${variant}, picture_${picture}, picture_${picture}_end},\n")
+      endforeach()
+      add_custom_command(OUTPUT ${outputs} DEPENDS ${source_of_${variant}} ${commands} VERBATIM
+        COMMENT "Rendering ${name}.svg, ${variant}")
+      list(APPEND rendered ${outputs})
     endforeach()
   endforeach()
   set(font_rows "")

@@ -49,9 +49,9 @@ CAboutFrame::CAboutFrame(guiEditor* itsEditor) : CORVAFrame(itsEditor, 135) {
 CTextEdit* CAboutFrame::AddField(std::int32_t tag, CCoord top) {
     auto* field = new CTextEdit(CRect(fieldLeft, top, fieldRight, top + fieldHeight), this, tag, "");
     field->setFont(EditorFont(12));
-    field->setFontColor(labelColor);
-    field->setBackColor(kWhiteCColor);
-    field->setFrameColor(CColor(143, 182, 211));
+    field->setFontColor(ColorOf(palette::text));
+    field->setBackColor(ColorOf(palette::box));
+    field->setFrameColor(ColorOf(palette::buttonFrame));
     field->setHoriAlign(kLeftText);
     field->setTextInset({4, 0});
     addView(field);

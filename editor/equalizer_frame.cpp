@@ -23,8 +23,8 @@ constexpr std::int32_t tagOff = 0, tagHalf = 5, tagFull = 10;  // tenths of a fu
 CEqualizerFrame::CEqualizerFrame(guiEditor* itsEditor) : CORVAFrame(itsEditor, 118) {
     const CCoord height = getHeight();
     equalizer = new CEqualizer(CRect(7, 10, 260, height - 47), this, tagEqualizer);
-    equalizer->gridColor = labelColor;
-    equalizer->barColor = barColorOfEqualizer;
+    equalizer->gridColor = ColorOf(palette::grid);
+    equalizer->barColor = ColorOf(palette::bar);
     addView(equalizer);
 
     const auto add = [this, height](std::int32_t tag, CCoord left, std::int32_t id) {

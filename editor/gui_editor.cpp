@@ -31,13 +31,12 @@ constexpr std::int32_t backgroundId = 103;
 // Menus within the window, in its colours; the toolkit's own are dark.
 VSTGUI::GenericOptionMenuTheme MenuTheme() {
     VSTGUI::GenericOptionMenuTheme theme;
-    theme.font = EditorFont(11);  // the sixteen channels fit the window
-    theme.backgroundColor = menuColor;
-    theme.backgroundColor.alpha = 254;  // a wholly opaque one is not drawn
-    theme.textColor = labelColor;
-    theme.disabledTextColor = labelColor;
-    theme.selectedBackgroundColor = labelColor;
-    theme.selectedTextColor = menuFrameColor;
+    theme.font = EditorFont(11);                              // the sixteen channels fit the window
+    theme.backgroundColor = ColorOf(palette::openMenu, 254);  // a wholly opaque one is not drawn
+    theme.textColor = ColorOf(palette::text);
+    theme.disabledTextColor = ColorOf(palette::faintText);
+    theme.selectedBackgroundColor = ColorOf(palette::chosen);
+    theme.selectedTextColor = ColorOf(palette::chosenText);
     theme.menuAnimationTime = 40;  // ms
     return theme;
 }
@@ -72,6 +71,11 @@ bool guiEditor::setScale(double scale) {
     return true;
 }
 
+bool guiEditor::setDark(bool dark) {
+    SetVariant(dark ? Variant::dark : Variant::light);
+    return true;
+}
+
 // Of the next window.
 void guiEditor::ChooseSize() {
     const std::int32_t chosen = sizeFromHost != 0 ? sizeFromHost : PreferredWindowSize();
@@ -95,8 +99,7 @@ bool guiEditor::open(void* parent) {
 
 bool guiEditor::MakeWindow(void* parent) {
     if (!AEffGUIEditor::open(parent)) return false;
-    auto theme = MenuTheme();
-    frame->getPlatformFrame()->setupGenericOptionMenu(true, &theme);
+    ReadPreferredVariant();
     MakeViews();
     isEditorOpen = true;
     sizeChoices = LastWindowSizeChoice().count;
@@ -107,6 +110,10 @@ bool guiEditor::MakeWindow(void* parent) {
 }
 
 void guiEditor::MakeViews() {
+    if (variantChanges != VariantChanges()) bitmaps.clear();
+    variantChanges = VariantChanges();
+    auto theme = MenuTheme();
+    frame->getPlatformFrame()->setupGenericOptionMenu(true, &theme);
     background = getBitmap(backgroundId);
     window = new CPlugWindow(Layout(), this, background);
     frame->addView(window);
@@ -153,22 +160,33 @@ void guiEditor::UndoBegin() {
     });
 }
 
+void guiEditor::ShowStored(bool stored) {
+    if (!stored)
+        ShowMessage("This holds until the plug-in closes: it could not be stored with your settings.",
+                    "Error");
+}
+
 void guiEditor::PreferSize(std::int32_t percent) {
     tasks.emplace_back([this, percent] {
         choseSize = true;
-        if (!PreferWindowSize(percent))
-            ShowMessage("This holds until the plug-in closes: it could not be stored with your settings.",
-                        "Error");
+        ShowStored(PreferWindowSize(percent));
     });
 }
 
+void guiEditor::PreferDark(bool dark) {
+    tasks.emplace_back([this, dark] { ShowStored(PreferVariant(dark ? Variant::dark : Variant::light)); });
+}
+
 // A message or a menu that is up stays; the window follows when it has gone.
-void guiEditor::FollowSize() {
+void guiEditor::FollowPreferences() {
+    if (frame->getModalView() != nullptr) return;
     const WindowSizeChoice last = LastWindowSizeChoice();
-    if (last.count == sizeChoices || frame->getModalView() != nullptr) return;
-    sizeChoices = last.count;
-    sizeFromHost = 0;
-    if (last.percent != Size()) Resize(last.percent);
+    if (last.count != sizeChoices) {
+        sizeChoices = last.count;
+        sizeFromHost = 0;
+        if (last.percent != Size()) Resize(last.percent);
+    }
+    if (variantChanges != VariantChanges()) RemakeViews();
 }
 
 // The host's window first: nothing may be cut off, so in one that stays as it is, ours stays, too.
@@ -184,9 +202,13 @@ void guiEditor::Resize(std::int32_t percent) {
                 "Window size");
         return;
     }
+    SetSize(percent);
+    RemakeViews();
+}
+
+void guiEditor::RemakeViews() {
     frame->removeView(window);
     bitmaps.clear();
-    SetSize(percent);
     MakeViews();
 }
 
@@ -243,7 +265,7 @@ void guiEditor::idle() {
                     std::fill(levels.begin(), levels.end(), 0);
                 window->update(levels);
                 window->ShowHearing(CurrentHearing());
-                FollowSize();
+                FollowPreferences();
             }
             AEffGUIEditor::idle();
             lastIdleTick = AdvanceIdleTick(lastIdleTick, steps);
@@ -277,7 +299,7 @@ VSTGUI::CBitmap* guiEditor::getBitmap(std::int32_t id) {
     if (!bitmap) {
         VSTGUI::PlatformBitmapPtr picture;
         const std::int32_t scale = PictureScale(Size() / 100.0);
-        if (const Picture* bytes = FindPicture(id, scale))
+        if (const Picture* bytes = FindPicture(id, scale, CurrentVariant()))
             picture = VSTGUI::getPlatformFactory().createBitmapFromMemory(
                 bytes->begin, static_cast<std::uint32_t>(bytes->Size()));
         if (picture) picture->setScaleFactor(scale);
@@ -331,9 +353,7 @@ Hearing guiEditor::CurrentHearing() const {
 void guiEditor::PreferHearing(const Hearing& wanted) {
     const Hearing before = CurrentHearing();
     effect->setHearing(wanted);
-    if (!StorePreferredHearing(before, wanted))
-        ShowMessage("This holds until the plug-in closes: it could not be stored with your settings.",
-                    "Error");
+    ShowStored(StorePreferredHearing(before, wanted));
 }
 
 void guiEditor::ShowStatus(const std::string& text) {

@@ -46,6 +46,7 @@ public:
     // From the plug-in object. [any] A value arrives at the views with the next idle call.
     void parameterChanged(std::int32_t index, float value) override;
     bool setScale(double scale) override;
+    bool setDark(bool dark) override;
     bool TakeMessage(const std::string& text, const std::string& caption) override;  // [any]
 
     // From the views.
@@ -72,6 +73,7 @@ public:
     // The size of the window: a preference of the user's, which all windows of this process follow at once.
     std::int32_t WindowSize() const { return Size(); }
     void PreferSize(std::int32_t percent);
+    void PreferDark(bool dark);  // likewise; light until chosen
 
     // What leaves the window happens at the next idle call: within a control's own call the mouse is still
     // held.
@@ -94,7 +96,9 @@ private:
     void CloseNow();
     void Change(const std::vector<ParameterSetting>& settings);
     void ChooseSize();
-    void FollowSize();
+    void FollowPreferences();
+    void RemakeViews();
+    void ShowStored(bool stored);  // a message where a preference was not
     void Resize(std::int32_t percent);
     void RunTasks();
     void PollFileDialog();
@@ -119,6 +123,7 @@ private:
     bool choseSize = false;         // it was in this window that the user did, so here a refusal is shown
     std::int32_t sizeFromHost = 0;  // percent, instead of the user's; 0 for none
     std::uint32_t sizeChoices = 0;  // those of the process that this window has followed
+    std::uint32_t variantChanges = 0;
 
     std::vector<ParameterSetting> beforeBegin;  // what a starting point has replaced
 

@@ -13,7 +13,7 @@ CLabel::CLabel(const CRect& size, IControlListener* clickListener, std::int32_t 
     : CParamDisplay(size, nullptr, kNoFrame) {
     setListener(clickListener);
     setTag(controlTag);
-    setFontColor(labelColor);
+    setFontColor(ColorOf(palette::text));
     setTransparency(true);
 }
 

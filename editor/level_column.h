@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <span>
 
+#include "editor/palette.h"
 #include "parameters/parameters.h"
 
 // One column of the scrolling picture: what each of its 252 pixels shows, as entries of the palette. The
@@ -22,13 +23,16 @@ struct PaletteColor {
 
 // Entry i below 255 lies i / 255 of the way between two blues, each channel in integers; 255 is the notes'
 // orange.
-constexpr PaletteColor PaletteEntry(int entry) {
-    if (entry == soundingEntry) return {255, 150, 70};
-    constexpr int first[] = {147, 186, 216}, last[] = {64, 152, 221};
-    const auto channel = [entry](int from, int to) {
+constexpr PaletteColor PaletteEntry(int entry, bool dark = false) {
+    const auto channel = [=](unsigned shift) {
+        const auto of = [=](const Shade& shade) {
+            return static_cast<int>((dark ? shade.dark : shade.light) >> shift & 0xFF);
+        };
+        if (entry == soundingEntry) return static_cast<std::uint8_t>(of(palette::note));
+        const int from = of(palette::quiet), to = of(palette::loud);
         return static_cast<std::uint8_t>(from + (to - from) * entry / 255);
     };
-    return {channel(first[0], last[0]), channel(first[1], last[1]), channel(first[2], last[2])};
+    return {channel(16), channel(8), channel(0)};
 }
 
 // From the top down, high notes first. A sounding note takes two pixels of orange with one of the gradient's

@@ -1,14 +1,18 @@
 #pragma once
+#include "editor/palette.h"
+#include "editor/window_look.h"
 #include "vst2/records.h"
 #include "vstgui/lib/ccolor.h"
 #include "vstgui/lib/cfont.h"
 
-// The window's colours and fonts, all in one place. The pictures use the same blues.
+// The window's colours and fonts, all in one place.
 
-constexpr VSTGUI::CColor labelColor(44, 102, 141);  // texts of labels and menus, the equalizer's grid
-constexpr VSTGUI::CColor menuColor(145, 214, 238);
-constexpr VSTGUI::CColor menuFrameColor(255, 255, 255);
-constexpr VSTGUI::CColor barColorOfEqualizer(255, 255, 0);
+// As the windows look now. A view asks when it is made: a change of the variant makes all views anew.
+inline VSTGUI::CColor ColorOf(const Shade& shade, std::uint8_t alpha = 255) {
+    const std::uint32_t rgb = CurrentVariant() == Variant::dark ? shade.dark : shade.light;
+    return {static_cast<std::uint8_t>(rgb >> 16), static_cast<std::uint8_t>(rgb >> 8 & 0xFF),
+            static_cast<std::uint8_t>(rgb & 0xFF), alpha};
+}
 
 // The captions' family, which the module carries (editor/fonts.h). Sizes are pixels.
 inline VSTGUI::SharedPointer<VSTGUI::CFontDesc> EditorFont(double size, std::int32_t style = 0) {

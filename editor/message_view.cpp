@@ -42,14 +42,13 @@ Paragraph Broken(const std::string& text, CFontDesc& font) {
     return paragraph;
 }
 
-constexpr CColor veil(20, 50, 80, 110), panelColor(242, 248, 252), panelFrame(44, 102, 141);
-constexpr CColor buttonTop(79, 165, 230), buttonBottom(42, 124, 192);
+constexpr std::uint8_t veilAlpha = 110;
 
 CMultiLineTextLabel* Text(const CRect& area, const std::string& text, CFontDesc* font) {
     auto* label = new CMultiLineTextLabel(area);
     label->setText(text.c_str());
     label->setFont(font);
-    label->setFontColor(labelColor);
+    label->setFontColor(ColorOf(palette::text));
     label->setTransparency(true);
     label->setStyle(CParamDisplay::kNoFrame);
     label->setLineLayout(CMultiLineTextLabel::LineLayout::clip);
@@ -79,10 +78,11 @@ CMessageView::CMessageView(const CRect& size, const std::string& text, const std
     button->setFont(EditorFont(13, kBoldFace));
     button->setTextColor(kWhiteCColor);
     button->setTextColorHighlighted(kWhiteCColor);
-    button->setFrameColor(panelFrame);
-    button->setFrameColorHighlighted(panelFrame);
-    button->setGradient(owned(CGradient::create(0, 1, buttonTop, buttonBottom)));
-    button->setGradientHighlighted(owned(CGradient::create(0, 1, buttonBottom, buttonTop)));
+    button->setFrameColor(ColorOf(palette::onFrame));
+    button->setFrameColorHighlighted(ColorOf(palette::onFrame));
+    const CColor lit = ColorOf(palette::onTop), shaded = ColorOf(palette::onBottom);
+    button->setGradient(owned(CGradient::create(0, 1, lit, shaded)));
+    button->setGradientHighlighted(owned(CGradient::create(0, 1, shaded, lit)));
     button->setRoundRadius(4);
     addView(button);
     setTransparency(false);
@@ -90,7 +90,7 @@ CMessageView::CMessageView(const CRect& size, const std::string& text, const std
 
 void CMessageView::drawBackgroundRect(CDrawContext* context, const CRect& /*updateRect*/) {
     context->setDrawMode(kAntiAliasing);
-    context->setFillColor(veil);
+    context->setFillColor(ColorOf(palette::veil, veilAlpha));
     CRect everything = getViewSize();
     everything.originize();
     context->drawRect(everything, kDrawFilled);
@@ -98,9 +98,9 @@ void CMessageView::drawBackgroundRect(CDrawContext* context, const CRect& /*upda
     box.inset(0.5, 0.5);
     const auto path = owned(context->createRoundRectGraphicsPath(box, corner));
     if (!path) return;
-    context->setFillColor(panelColor);
+    context->setFillColor(ColorOf(palette::openMenu));
     context->drawGraphicsPath(path, CDrawContext::kPathFilled);
-    context->setFrameColor(panelFrame);
+    context->setFrameColor(ColorOf(palette::frame));
     context->setLineWidth(1);
     context->drawGraphicsPath(path, CDrawContext::kPathStroked);
 }

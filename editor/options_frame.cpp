@@ -60,9 +60,9 @@ CHorizontalSlider* COptionsFrame::AddSlider(std::int32_t tag, CPoint position, s
 COptionMenu* COptionsFrame::AddMenu(std::int32_t tag, const CRect& area) {
     constexpr std::int32_t style = int{CParamDisplay::k3DIn} | int{COptionMenu::kCheckStyle};
     auto* menu = new COptionMenu(area, this, tag, nullptr, nullptr, style);
-    menu->setFontColor(labelColor);
-    menu->setBackColor(menuColor);
-    menu->setFrameColor(menuFrameColor);
+    menu->setFontColor(ColorOf(palette::text));
+    menu->setBackColor(ColorOf(palette::menu));
+    menu->setFrameColor(ColorOf(palette::menuFrame));
     menu->setFont(EditorFont(12));
     addView(menu);
     return menu;

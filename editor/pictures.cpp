@@ -15,10 +15,11 @@ std::int32_t BigEndian(const unsigned char* at) {
 
 }  // namespace
 
-const Picture* FindPicture(std::int32_t id, std::int32_t scale) {
+const Picture* FindPicture(std::int32_t id, std::int32_t scale, Variant variant) {
     const std::span<const Picture> all = AllPictures();
-    const auto found = std::find_if(
-        all.begin(), all.end(), [=](const Picture& each) { return each.id == id && each.scale == scale; });
+    const auto found = std::find_if(all.begin(), all.end(), [=](const Picture& each) {
+        return each.id == id && each.scale == scale && each.variant == variant;
+    });
     return found == all.end() ? nullptr : &*found;
 }
 

@@ -3,10 +3,13 @@
 #include <cstdint>
 #include <span>
 
-// A picture of the editor as it lies in the module: the bytes of a PNG file, under its id and its scale.
+#include "editor/window_look.h"
+
+// A picture of the editor as it lies in the module: the bytes of a PNG file, under its id, scale and variant.
 struct Picture {
     std::int32_t id;
     std::int32_t scale;  // 1 to 3: its pixels for each of the layout
+    Variant variant;
     const unsigned char* begin;
     const unsigned char* end;
 
@@ -19,11 +22,11 @@ struct PictureSize {
     std::int32_t height = 0;
 };
 
-// All of them, ascending by id, then scale; made at build time from resources/. [any]
+// All of them; made at build time from resources/. [any]
 std::span<const Picture> AllPictures();
 
-// The picture of that id and scale; none where there is no such one. [any]
-const Picture* FindPicture(std::int32_t id, std::int32_t scale = 1);
+// The picture of that id, scale and variant; none where there is no such one. [any]
+const Picture* FindPicture(std::int32_t id, std::int32_t scale = 1, Variant variant = Variant::light);
 
 // The pictures to use in a window of that zoom: its own, or twice as fine where it is no whole number. [any]
 constexpr std::int32_t PictureScale(double zoom) {

@@ -3,13 +3,14 @@
 #include <utility>
 
 #include "editor/level_column.h"
+#include "editor/window_look.h"
 
 using namespace VSTGUI;
 
 CVolumeForm::CVolumeForm(const CRect& size) : CBufferedControl(size, nullptr, 0) {
     palette.reserve(soundingEntry + 1);
     for (int i = 0; i <= soundingEntry; ++i) {
-        const PaletteColor entry = PaletteEntry(i);
+        const PaletteColor entry = PaletteEntry(i, CurrentVariant() == Variant::dark);
         palette.emplace_back(entry.red, entry.green, entry.blue, std::uint8_t{255});
     }
     setMouseEnabled(false);

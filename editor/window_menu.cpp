@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "editor/gui_editor.h"
+#include "editor/window_look.h"
 #include "editor/window_size.h"
 #include "parameters/starting_points.h"
 
@@ -85,6 +86,14 @@ void AddBeginnings(COptionMenu& menu, guiEditor& editor) {
     menu.addEntry(beginnings, "Begin with");
 }
 
+void AddDark(COptionMenu& menu, guiEditor& editor) {
+    const bool isDark = CurrentVariant() == Variant::dark;
+    auto* item = new CCommandMenuItem(CCommandMenuItem::Desc("Dark"));
+    item->setChecked(isDark);
+    item->setActions([&editor, isDark](CCommandMenuItem*) { editor.PreferDark(!isDark); });
+    menu.addEntry(item);
+}
+
 }  // namespace
 
 SharedPointer<COptionMenu> MakeWindowMenu(guiEditor& editor) {
@@ -92,6 +101,7 @@ SharedPointer<COptionMenu> MakeWindowMenu(guiEditor& editor) {
     if (editor.OffersHearing()) AddHearing(*menu, editor);
     AddSizes(*menu, editor);
     AddBeginnings(*menu, editor);
+    AddDark(*menu, editor);
     return menu;
 }
 

@@ -8,8 +8,8 @@
 class guiEditor;
 
 // The menu that a right click on an empty part of the window opens, with what is no parameter: how the
-// instance hears, unless the host has controls for that, the window's size, and settings to
-// begin with.
+// instance hears, unless the host has controls for that, the window's size and look, and settings to begin
+// with.
 //
 // Threads: [ui]. The editor must outlive the menu.
 VSTGUI::SharedPointer<VSTGUI::COptionMenu> MakeWindowMenu(guiEditor& editor);

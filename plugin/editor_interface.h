@@ -15,6 +15,8 @@ public:
     virtual void parameterChanged(std::int32_t index, float value) = 0;
     // [ui] While closed: the scale to open at, instead of the user's own; false while open.
     virtual bool setScale(double /*scale*/) { return false; }
+    // [ui] Dark windows, or light ones, instead of the user's own.
+    virtual bool setDark(bool /*dark*/) { return false; }
 };
 
 // Makes the editor of a plug-in object under construction, which it may keep but not yet call. Null, or an

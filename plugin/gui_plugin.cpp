@@ -180,6 +180,8 @@ std::intptr_t CORVAguivst::dispatcher(std::int32_t opcode, std::int32_t index, s
                                       float opt) {
     if (opcode == effVendorSpecific && index == vendorCall && value == vendorWindowScale)
         return editorObject != nullptr && editorObject->setScale(opt);
+    if (opcode == effVendorSpecific && index == vendorCall && value == vendorWindowDark)
+        return editorObject != nullptr && editorObject->setDark(opt != 0);
     const std::intptr_t answer = CORVA_vst::dispatcher(opcode, index, value, ptr, opt);
     if (!InsideBlock()) keepRoomAhead();
     return answer;

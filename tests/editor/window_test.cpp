@@ -3,6 +3,7 @@
 #include <thread>
 
 #include "editor/level_column.h"
+#include "editor/window_look.h"
 #include "editor/window_size.h"
 #include "parameters/starting_points.h"
 #include "plugin/hearing.h"
@@ -173,6 +174,21 @@ TEST_F(WindowMenu, MakesTheWindowOfAnySizeIfItsHostFollows) {
     host->Call(effEditClose);
     EXPECT_EQ(host->Call(effVendorSpecific, vendorCall, vendorWindowScale, nullptr, 1.9F), 1);
     EXPECT_EQ(width(), 600);
+}
+
+TEST_F(WindowMenu, DarkensThisWindowAndThoseToCome) {
+    const auto showsAs = [this](std::uint32_t color) {  // where the picture is quiet
+        return host->Await([&] { return host->Pixel(300, 250) == color; });
+    };
+    host->RightClick(150, 40);
+    host->Settle();
+    Click({170, 88});  // its third row
+    EXPECT_TRUE(showsAs(0x1B2D3DU));
+    host->Call(effEditClose);
+    Open();
+    EXPECT_TRUE(showsAs(0x1B2D3DU));
+    EXPECT_TRUE(PreferVariant(Variant::light));
+    EXPECT_TRUE(showsAs(0x93BAD8U));
 }
 
 TEST_F(WindowMenu, BeginsWithAnInstrumentsSettingsThatTheHostRecordsAndTakesThemBack) {

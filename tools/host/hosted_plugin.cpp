@@ -90,6 +90,10 @@ void HostedPlugin::SetWindowScale(double scale) const {
     Dispatch(effVendorSpecific, vendorCall, vendorWindowScale, nullptr, static_cast<float>(scale));
 }
 
+void HostedPlugin::SetWindowDark() const {
+    Dispatch(effVendorSpecific, vendorCall, vendorWindowDark, nullptr, 1);
+}
+
 void HostedPlugin::EventsSent(const VstEvents& events) {
     if (!sink) return;
     VstEvent* const* const list = events.events;  // really numEvents of them

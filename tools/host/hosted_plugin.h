@@ -43,7 +43,8 @@ public:
     // Asks for the level of each note at its end, of a plug-in that knows of it.
     void AskForLevels() { asksForLevels = true; }
     void SetWindowScale(double scale) const;  // while its window is closed; 1 is the layout's own size
-    void SetLevel(float dB) const;            // [audio]
+    void SetWindowDark() const;
+    void SetLevel(float dB) const;  // [audio]
 
 private:
     void EventsSent(const VstEvents& events) override;

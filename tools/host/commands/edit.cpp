@@ -24,6 +24,7 @@ struct EditOptions {
     std::string target;  // of shot
     double at = 3;       // s of music before the picture is taken
     double scale = 0;    // of the window; 0: the user's own
+    bool dark = false;   // false: as the user prefers
     bool chords = false;
     bool force = false;  // of shot
 };
@@ -34,6 +35,7 @@ public:
     explicit Player(const EditOptions& options) : module(FindPlugin(options.plugin)) {
         if (!options.audio.empty()) audio.emplace(options.audio, AudioFile::Channel::first);
         plugin.emplace(module, audio ? audio->Rate() : usualRate, "ORVA", nullptr);
+        if (options.dark) plugin->SetWindowDark();
         plugin->Start(static_cast<std::int32_t>(blockSize));
     }
     HostedPlugin& Plugin() { return *plugin; }
@@ -90,6 +92,7 @@ void AddCommon(CLI::App& command, EditOptions& options) {
     command.add_option("--scale", options.scale, "size of the window: 1, 1.5, 2 or 3 times its own")
         ->check(CLI::IsMember({1.0, 1.5, 2.0, 3.0}))
         ->type_name("SCALE");
+    command.add_flag("--dark", options.dark, "a dark window");
     command.add_option("--plugin", options.plugin, "the plug-in's file")->type_name("FILE");
 }
 
