@@ -1,12 +1,9 @@
 // The plug-in's faces, each in a host of its format.
-#include <cstring>
-
 #include "module/plugin_entry.h"
 #include "parameters/parameters.h"
 #include "tests/faces/clap_host.h"
-#include "tests/faces/face.h"
+#include "tests/faces/lv2_host.h"
 #include "tests/faces/vst3_host.h"
-#include "tests/lv2/lv2_host.h"
 
 namespace {
 
@@ -36,38 +33,13 @@ private:
     Host host;
 };
 
-class Lv2Face : public Face {
-public:
-    explicit Lv2Face(double rate) : host(PluginDescriptor(), rate) {}
-
-    void SetActive(bool active) override { active ? host.Activate() : host.Deactivate(); }
-    void Set(std::int32_t index, float value) override { host.control[index] = value; }
-    float Get(std::int32_t index) override { return host.control[index]; }
-    std::string Save() override {  // an LV2 host saves the ports
-        return {reinterpret_cast<const char*>(host.control), sizeof host.control};
-    }
-    bool Load(const std::string& state) override {
-        if (state.size() == sizeof host.control) std::memcpy(host.control, state.data(), state.size());
-        return state.size() == sizeof host.control;
-    }
-
-private:
-    void Run(const float* in, float* out, std::uint32_t frames) override {
-        host.descriptor->connect_port(host.handle, portAudioIn, const_cast<float*>(in));
-        host.descriptor->connect_port(host.handle, portAudioOut, out);
-        for (const auto& [frame, data] : host.RunConnected(frames)) Keep(frame, data);
-        host.Work();
-    }
-    Lv2Host host;
-};
-
 }  // namespace
 
 std::unique_ptr<Face> MakeVst2(double rate) {
     return std::make_unique<Vst2Face>(rate);
 }
 std::unique_ptr<Face> MakeLv2(double rate) {
-    return std::make_unique<Lv2Face>(rate);
+    return std::make_unique<Lv2Host>(rate);
 }
 std::unique_ptr<Face> MakeClap(double rate) {
     auto made = std::make_unique<ClapHost>(rate);

@@ -80,7 +80,7 @@ TEST_P(Faces, TakeAnyBlockInPlaceWithoutBuffersAndConstant) {
     EXPECT_TRUE(face->Play(Audio(1000, 0.25F), 100));
 }
 
-TEST_P(LaterFaces, AllocateNothingOnceWarm) {
+TEST_P(Faces, AllocateNothing) {
     const auto face = Active();
     Audio audio = Tones({60, 64, 67}, 1);
     std::uint64_t requested = 0;
@@ -188,7 +188,7 @@ TEST_P(LaterFaces, KeepTheRequestForADeviceThatIsNotAvailableButForWhatTheWindow
     SubstituteMidiOut(nullptr);
 }
 
-TEST_P(LaterFaces, OpenTheirWindowAgainAndAgain) {
+TEST_P(Faces, OpenTheirWindowAgainAndAgain) {
     HostWindow desktop;
     const auto face = Active();
     for (std::uint64_t i = 0; i < Scaled(200); ++i) {

@@ -99,6 +99,7 @@ TEST(AudioThread, NeitherWaitsNorAllocatesNorLeavesForTheSystemNorTouchesTheHost
                 case 1: host.Call(effSetSampleRate, 0, 0, nullptr, rate); break;
                 case 2: player.object().stopRecording(), player.object().startRecording(); break;
                 case 3: host.Set(paramDeviceEnabled, 0), host.Set(paramDeviceEnabled, 1); break;
+                case 4: player.object().setHearing({static_cast<Ear>(trial.Below(3)), 0, 0}); break;
                 default: host.Set(index, static_cast<float>(trial.Within(0, 1)));
             }
             ASSERT_EQ(_mm_getcsr() & ~0x3FU, hostModes & ~0x3FU);
