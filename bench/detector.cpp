@@ -22,6 +22,7 @@ void Run(benchmark::State& state, const Pcm& audio, int rate, const DetectorKern
     Detector detector(rate, 45, 84);
     if constexpr (requires { detector.kernels; })
         if (kernels != nullptr) detector.kernels = *kernels;
+    if constexpr (requires { detector.stepsByFrame; }) detector.stepsByFrame = true;
     detector.SetTuningEnabled(false);  // as the plug-in has it
     detector.SetEqualizerEnabled(true);
     detector.SetFloorDb(-35);

@@ -24,6 +24,7 @@ void BothEars(benchmark::State& state, int rate, const std::string& set) {
         if (of.name == set) kernels = of;
     const auto refined = std::make_unique<TRefinedDetector>(inner, TRefinedDetector::Look::live, kernels);
     inner.handler = refined.get();
+    inner.stepsByFrame = true;
     inner.SetTuningEnabled(false);  // as the plug-in has it
     inner.SetEqualizerEnabled(true);
     inner.SetFloorDb(-35);

@@ -69,37 +69,25 @@ TRealTimeTS107::TRealTimeTS107(std::int32_t rate, std::int32_t reference, std::i
     SeedTuning();
 }
 
-// Samples go in runs that end where a frame does: whole blocks straight from the caller's samples, and what
-// is cut by the edge of a frame or a buffer by way of `held`. What the handler throws leaves once all samples
-// are taken, since later frames would be dated wrongly otherwise.
+// Samples are kept until the frame ends, and its blocks stepped together: at 64 samples a call, stepping them
+// at each call would cost a third more. What the handler throws leaves once all samples are taken, since
+// later frames would be dated wrongly otherwise.
 void TRealTimeTS107::Process(const short* samples, unsigned bytes) {
-    FlushToZero arithmetic;
-    ResonatorBank bank = Bank();
     std::exception_ptr failure;
     for (std::int32_t left = static_cast<std::int32_t>(bytes / sizeof(short)); left > 0;) {
-        const std::int32_t ahead = SamplesToFrame(left);
-        std::int32_t run = std::min(ahead, blockCountdown);
-        // One sample behind the last block must be there to read.
-        const std::int32_t whole = std::min(left - 1, ahead) / blockLength;
-        if (blockCountdown == blockLength && whole > 0) {
-            run = whole * blockLength;
-            kernels.stepBlocks(bank, samples, whole);
-        } else {
-            KeepSamples(samples, run);
-            if (blockCountdown == 0) FinishBlock();
-        }
+        const std::int32_t run = std::min(SamplesToFrame(left), keptCapacity - KeptSamples());
+        KeepSamples(samples, run);
         samples += run;
         left -= run;
-        frameCountdown = static_cast<std::int32_t>(static_cast<std::uint32_t>(frameCountdown) -
-                                                   static_cast<std::uint32_t>(run));
+        if (KeptSamples() == keptCapacity) CatchUp();  // only below 100 Hz, where no frame comes
         if (frameCountdown != 0) continue;
         try {
-            RunFrame(arithmetic);
+            RunFrame();
         } catch (...) {
             failure = std::current_exception();
         }
-        bank = Bank();  // the handler may have led to new tables
     }
+    if (!stepsByFrame) CatchUp();
     if (failure) std::rethrow_exception(failure);
 }
 
@@ -110,53 +98,66 @@ std::int32_t TRealTimeTS107::SamplesToFrame(std::int32_t left) const {
     return static_cast<std::int32_t>(std::min(static_cast<std::uint32_t>(left - 1), behindFirst) + 1U);
 }
 
+std::int32_t TRealTimeTS107::KeptSamples() const {
+    return keptBlocks * blockLength + (blockLength - blockCountdown);
+}
+
 void TRealTimeTS107::KeepSamples(const short* samples, std::int32_t count) {
-    std::copy_n(samples, count, held.Data() + (blockLength - blockCountdown));
-    blockCountdown -= count;
+    std::copy_n(samples, count, kept.Data() + KeptSamples());
+    const std::int32_t begun = blockLength - blockCountdown + count;
+    keptBlocks += begun / blockLength;
+    blockCountdown = blockLength - begun % blockLength;
+    frameCountdown = static_cast<std::int32_t>(static_cast<std::uint32_t>(frameCountdown) -
+                                               static_cast<std::uint32_t>(count));
 }
 
-void TRealTimeTS107::FinishBlock() {
-    if (settled)
-        plain::StepBlocks(Bank(), held.Data(), 1);  // adds to what the accumulators hold
-    else
-        kernels.stepBlocks(Bank(), held.Data(), 1);
-    settled = false;
-    blockCountdown = blockLength;
+void TRealTimeTS107::CatchUp() {
+    if (keptBlocks == 0) return;
+    const FlushToZero arithmetic;
+    const short* block = kept.Data();
+    if (settled) {
+        plain::StepBlocks(Bank(), block, 1);  // adds to what the accumulators hold
+        settled = false;
+        block += blockLength;
+        --keptBlocks;
+    }
+    kernels.stepBlocks(Bank(), block, keptBlocks);
+    block += static_cast<std::ptrdiff_t>(keptBlocks) * blockLength;
+    std::copy_n(block, blockLength - blockCountdown, kept.Data());
+    keptBlocks = 0;
 }
 
-void TRealTimeTS107::FoldedSoFar(std::int32_t* re, std::int32_t* im) const {
+void TRealTimeTS107::FoldedSoFar(std::int32_t* re, std::int32_t* im) {
+    CatchUp();
     std::copy_n(accRe.Data(), numBands, re);
     std::copy_n(accIm.Data(), numBands, im);
     for (std::int32_t n = 0; n < blockLength - blockCountdown; ++n) {
         const std::ptrdiff_t row = static_cast<std::ptrdiff_t>(blockLength - n - 2) * bandStride;
-        plain::FoldSample(re, im, tapsRe.Data() + row, tapsIm.Data() + row, held[n], numBands);
+        plain::FoldSample(re, im, tapsRe.Data() + row, tapsIm.Data() + row, kept[n], numBands);
     }
 }
 
 // Before the weights change: the samples that have come keep the old ones.
 void TRealTimeTS107::SettleAccumulators() {
+    CatchUp();
     const std::int32_t come = blockLength - blockCountdown;
     if (come == 0) return;
     FoldedSoFar(accRe.Data(), accIm.Data());
-    std::fill_n(held.Data(), come, short{0});
+    std::fill_n(kept.Data(), come, short{0});
     settled = true;
 }
 
-void TRealTimeTS107::RunFrame(FlushToZero& arithmetic) {
-    FindPeaks();
-    if (tuningEnabled) TrackTuning();
-    SeparateHarmonics();
-    DecideNotes();
+void TRealTimeTS107::RunFrame() {
+    CatchUp();
+    {
+        const FlushToZero arithmetic;
+        FindPeaks();
+        if (tuningEnabled) TrackTuning();
+        SeparateHarmonics();
+        DecideNotes();
+    }
     frameCountdown = frameLength;
-    if (handler == nullptr) return;
-    struct Lent {  // the handler leads out to the host, whose control word it must find
-        explicit Lent(FlushToZero& lent) : arithmetic(lent) { arithmetic.Suspend(); }
-        ~Lent() { arithmetic.Resume(); }
-        Lent(const Lent&) = delete;
-        Lent& operator=(const Lent&) = delete;
-        FlushToZero& arithmetic;
-    } const lent(arithmetic);
-    handler->OnFrame();
+    if (handler != nullptr) handler->OnFrame();  // leads out to the host, whose control word it must find
 }
 
 ResonatorBank TRealTimeTS107::Bank() {
@@ -206,7 +207,7 @@ void TRealTimeTS107::ClearAnalysis() {
     for (TAutoArray<bool>* array : {&peakNow, &peakOld, &peakOlder})
         std::fill_n(array->Data(), numBands, false);
     for (std::int32_t i = 0; i < numBands; ++i) SetNote(i, false);
-    std::fill_n(held.Data(), 2 * ((blockLength + 1) / 2), short{0});
+    keptBlocks = 0;
     settled = false;
 }
 

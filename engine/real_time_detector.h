@@ -7,8 +7,6 @@
 #include "engine/kernels.h"
 #include "engine/note_detector.h"
 
-class FlushToZero;
-
 // The note detector: a constant-Q bank of second-order resonators on the semitone grid, and the decision,
 // once per frame, which of them sound as notes.
 //
@@ -51,9 +49,12 @@ public:
     void SetEqualizerEnabled(bool enabled);
     void SetBandGain(std::int32_t band, float gain);  // linear
 
-    // The accumulators as they would stand had each sample of the running block been folded as it came, for
-    // whoever wants to see them: numBands elements each.
-    void FoldedSoFar(std::int32_t* re, std::int32_t* im) const;
+    // Steps the resonators by the blocks that are complete and wait for the end of their frame; not while
+    // Process runs.
+    void CatchUp();
+    // CatchUp, and the accumulators as they would stand had each sample of the running block been folded as
+    // it came: numBands elements each.
+    void FoldedSoFar(std::int32_t* re, std::int32_t* im);
 
     // --- data; arrays without a stated length hold numBands elements ---
 
@@ -61,8 +62,8 @@ public:
     TAutoArray<float> stateA, stateB;
     TAutoArray<float> feedAA, feedAB, feedBA, feedBB;      // state transition over one block
     TAutoArray<float> inputAR, inputAI, inputBR, inputBI;  // how the accumulators enter the state
-    // Integer accumulators of the running block. The samples of a block are kept and folded together when it
-    // is complete; between blocks these hold only what was folded early. FoldedSoFar gives the whole.
+    // Integer accumulators of the running block. Samples are kept and folded by whole blocks; these hold only
+    // what was folded early. FoldedSoFar gives the whole.
     TAutoArray<std::int32_t> accRe, accIm;
     TAutoArray<std::int32_t> tapZero;  // weight of the newest sample of a block
     // Weights of the older samples: (blockLength - 1) rows of bandStride, so that bands run along memory.
@@ -84,6 +85,10 @@ public:
     bool equalizerEnabled = false;
     bool monoEnabled = false;
     bool retriggerEnabled = true;  // no operation changes it
+    // Blocks wait for the end of their frame, which costs less where audio comes in small buffers: states and
+    // energies are fresh inside OnFrame. Otherwise they are so after each Process. Nothing else depends on
+    // it.
+    bool stepsByFrame = false;
 
     std::int32_t harmonicBase = 0, harmonic2 = 0, harmonic3 = 0, harmonic4 = 0;  // as passed to SetHarmonics
     float peakSlack = 0.5F;                                 // 0 to 1, how loose the peak test is
@@ -139,10 +144,10 @@ private:
 
     // The frame, in the order of its steps.
     std::int32_t SamplesToFrame(std::int32_t left) const;
+    std::int32_t KeptSamples() const;
     void KeepSamples(const short* samples, std::int32_t count);
-    void FinishBlock();
     void SettleAccumulators();
-    void RunFrame(FlushToZero& arithmetic);
+    void RunFrame();
     void FindPeaks();
     void TrackTuning();
     void SeparateHarmonics();
@@ -159,8 +164,11 @@ private:
     FitCoefficients Coefficients() const;
 
     TAutoArray<float> fitted;  // the bands while the fit works on them, between margins of zeros
-    TAutoArray<short> held;    // the running block's samples, oldest first; 0 where settled or still to come
-    bool settled = false;      // accRe and accIm hold the earlier samples of the running block
-    bool pairsFit = false;     // every weight fits 16 bits: pairsRe and pairsIm are in use
+    // Samples that are not folded yet, oldest first: keptBlocks whole blocks, then the running block.
+    TAutoArray<short> kept;
+    std::int32_t keptCapacity = 0;
+    std::int32_t keptBlocks = 0;
+    bool settled = false;   // accRe and accIm hold the first samples of `kept`, which are 0 there
+    bool pairsFit = false;  // every weight fits 16 bits: pairsRe and pairsIm are in use
     TAutoArray<std::int16_t> pairsRe, pairsIm;  // see ResonatorBank
 };

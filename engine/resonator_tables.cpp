@@ -53,8 +53,11 @@ void TRealTimeTS107::RateSetUp() {
         array->Resize(2 * rows * stride);
         std::fill_n(array->Data(), 2 * rows * stride, std::int16_t{0});
     }
-    held.Resize(2 * rows);
-    std::fill_n(held.Data(), 2 * rows, short{0});
+    // A frame, or one block below 100 Hz, behind the rest of a block; and one sample for the vector form,
+    // which reads pairs.
+    keptCapacity = std::max(frameLength.load(), blockLength) + blockLength;
+    kept.Resize(static_cast<std::size_t>(keptCapacity) + 1);
+    std::fill_n(kept.Data(), keptCapacity + 1, short{0});
     tapPowersRe.Resize(taps);
     tapPowersIm.Resize(taps);
     BuildResonators();

@@ -75,6 +75,7 @@ CORVA_vst::CORVA_vst(audioMasterCallback host, std::int32_t numParams)
 
     auto output = std::make_unique<TVSTMIDIOut>(this);
     vstMidiOut = output.get();
+    detector.stepsByFrame = true;  // nobody reads between two frames
     detector.SetMonoEnabled(false);
     detector.equalizerEnabled = false;
     detector.SetTuningEnabled(false);

@@ -8,7 +8,7 @@
 // which share their fields' names. The tables of the resonators are not among it: whatever they hold shows in
 // the states at the next block.
 template <typename Detector>
-std::vector<std::uint64_t> StateOf(const Detector& d) {
+std::vector<std::uint64_t> StateOf(Detector& d) {
     std::vector<std::uint64_t> state;
     const auto addOne = [&](auto number) { std::memcpy(&state.emplace_back(), &number, sizeof number); };
     const auto add = [&](const auto&... values) {
