@@ -14,6 +14,7 @@
 #include "editor/message_view.h"
 #include "editor/pictures.h"
 #include "editor/plug_window.h"
+#include "editor/status_text.h"
 #include "editor/window_size.h"
 #include "parameters/parameters.h"
 #include "parameters/starting_points.h"
@@ -105,6 +106,8 @@ bool guiEditor::MakeWindow(void* parent) {
     sizeChoices = LastWindowSizeChoice().count;
     lastIdleTick = Ticks();
     blockWatch.Restart(effect->totalSamples, lastIdleTick);
+    messagesSeen = effect->noteRecorder.messagesSent;
+    effect->inputMeter.Watch(true);
     effect->messages.SetWindow(this);
     return true;
 }
@@ -223,7 +226,10 @@ void guiEditor::close() {
 void guiEditor::CloseNow() {
     closeLater = false;
     isEditorOpen = false;
-    if (effect != nullptr) effect->messages.SetWindow(nullptr);
+    if (effect != nullptr) {
+        effect->messages.SetWindow(nullptr);
+        effect->inputMeter.Watch(false);
+    }
     fileDialog.End();
     fileChosen = nullptr;
     tasks.clear();
@@ -263,6 +269,7 @@ void guiEditor::idle() {
                 effect->buildLevels(levels);
                 if (blockWatch.HasStopped(effect->totalSamples, ticks))
                     std::fill(levels.begin(), levels.end(), 0);
+                ShowActivity();
                 window->update(levels);
                 window->ShowHearing(CurrentHearing());
                 FollowPreferences();
@@ -272,6 +279,14 @@ void guiEditor::idle() {
         }
     }
     if (closeLater || (isEditorOpen && ToolkitSession::ConnectionLost())) CloseNow();
+}
+
+void guiEditor::ShowActivity() {
+    const std::uint32_t sent = effect->noteRecorder.messagesSent;
+    window->ShowActivity(effect->inputMeter.TakePeak() * effect->inputGain,
+                         DecibelsOf(effect->getParameter(paramSensitivity)), sent != messagesSeen);
+    messagesSeen = sent;
+    window->ShowTake(effect->recordingOn ? TakeText(effect->takeSeconds(), effect->takeNotes()) : "");
 }
 
 bool guiEditor::onKeyDown(const VstKeyCode& key) {

@@ -100,6 +100,7 @@ private:
     void RemakeViews();
     void ShowStored(bool stored);  // a message where a preference was not
     void Resize(std::int32_t percent);
+    void ShowActivity();
     void RunTasks();
     void PollFileDialog();
     void OwnFileDialog();
@@ -118,6 +119,7 @@ private:
     CPlugWindow* window = nullptr;   // the frame owns it; none while closed
     std::uint32_t lastIdleTick = 0;  // ms; start of the step in progress
     BlockWatch blockWatch;           // without blocks the picture is dark
+    std::uint32_t messagesSeen = 0;  // of those that went out
 
     bool sizeIsChosen = false;      // the host has asked for it, and expects the next window to have it
     bool choseSize = false;         // it was in this window that the user did, so here a refusal is shown

@@ -32,8 +32,10 @@ struct PageButton {
 const PageButton pageButtonPlaces[] = {{{20, 15}, 117}, {{92, 15}, 116}, {{164, 15}, 114}, {{236, 15}, 115}};
 
 const CRect formArea(269, 48, 389, 300);
-const CRect chordArea(7, 7, 112, 43);       // within the form
-const CRect statusArea(96, 300, 258, 317);  // below the pages
+const CRect chordArea(7, 7, 112, 43);         // within the form
+const CRect keyboardArea(391, 48, 398, 300);  // beside it, as drawn in the window's picture
+const CRect statusArea(96, 300, 258, 313);    // below the pages
+const CRect meterArea(100, 313, 258, 319);
 
 }  // namespace
 
@@ -42,7 +44,7 @@ CPlugWindow::CPlugWindow(const CRect& size, guiEditor* itsEditor, CBitmap* backg
     setBackground(background);
     AddPageButtons();
     AddForm();
-    AddStatusLabel();
+    AddFooter();
     pages[0] = owned(static_cast<CORVAFrame*>(new CMainFrame(editor)));
     pages[1] = owned(static_cast<CORVAFrame*>(new CEqualizerFrame(editor)));
     pages[2] = owned(static_cast<CORVAFrame*>(new COptionsFrame(editor)));
@@ -79,14 +81,18 @@ void CPlugWindow::AddForm() {
     chordLabel->visible = false;
     formContainer->addView(chordLabel);
     addView(formContainer);
+    keyboard = new CKeyboard(keyboardArea);
+    addView(keyboard);
 }
 
-void CPlugWindow::AddStatusLabel() {
+void CPlugWindow::AddFooter() {
     statusLabel = new CLabel(statusArea, this, tagHearing);
     statusLabel->setFont(EditorFont(11));
     statusLabel->setHoriAlign(kRightText);
     statusLabel->setMouseEnabled(false);
     addView(statusLabel);
+    meter = new CActivityMeter(meterArea);
+    addView(meter);
 }
 
 void CPlugWindow::ShowHearing(const Hearing& hearing) {
@@ -99,12 +105,22 @@ void CPlugWindow::ShowStatus(const std::string& text) {
     stepsOfTouched = steps;
 }
 
+void CPlugWindow::ShowTake(const std::string& text) {
+    takeText = text;
+}
+
 void CPlugWindow::RefreshStatus(const std::vector<unsigned char>& levels) {
-    std::string text = stepsOfTouched > 0 ? touched : SoundingText(levels);
-    if (stepsOfTouched > 0)
+    std::string text;
+    if (stepsOfTouched > 0) {
+        text = touched;
         --stepsOfTouched;
-    else if (!text.empty() && chordLabel->visible && chordLabel->getText()[0] != '\0')
-        text += std::string(" ") + chordLabel->getText();  // which begins with a blank of its own
+    } else if (!takeText.empty()) {
+        text = takeText;
+    } else {
+        text = SoundingText(levels);
+        if (!text.empty() && chordLabel->visible && chordLabel->getText()[0] != '\0')
+            text += std::string(" ") + chordLabel->getText();  // which begins with a blank of its own
+    }
     const bool isHearing = text.empty();
     if (isHearing) text = hearingText;
     statusLabel->setMouseEnabled(isHearing && !text.empty());  // a click opens the menu
@@ -191,6 +207,7 @@ void CPlugWindow::onValueChanged(std::int32_t tag, float value) {
 
 void CPlugWindow::update(const std::vector<unsigned char>& levels) {
     volumeForm->update(levels);
+    keyboard->update(levels);
     RefreshStatus(levels);
 }
 

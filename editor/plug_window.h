@@ -3,6 +3,8 @@
 #include <string>
 #include <vector>
 
+#include "editor/activity_meter.h"
+#include "editor/keyboard.h"
 #include "editor/label.h"
 #include "editor/orva_frame.h"
 #include "editor/volume_form.h"
@@ -31,7 +33,9 @@ public:
     void onValueChanged(std::int32_t tag, float value);
     void update(const std::vector<unsigned char>& levels);  // one column for the scrolling picture
     void ShowStatus(const std::string& text);               // for a moment
-    void ShowHearing(const Hearing& hearing);               // nothing where it is what a plug-in begins with
+    void ShowTake(const std::string& text);                 // while one runs; else empty
+    void ShowActivity(float peak, float floorDb, bool sent) { meter->Update(peak, floorDb, sent); }
+    void ShowHearing(const Hearing& hearing);  // nothing where it is what a plug-in begins with
 
     void showPage(std::int32_t page);
 
@@ -50,7 +54,7 @@ public:
 private:
     void AddPageButtons();
     void AddForm();
-    void AddStatusLabel();
+    void AddFooter();
     void RefreshStatus(const std::vector<unsigned char>& levels);
     void ShowChordLabel(bool show);
     void OpenMenu(VSTGUI::CPoint where);
@@ -62,11 +66,14 @@ private:
     VSTGUI::CControl* pageButtons[pageCount] = {};
     VSTGUI::CViewContainer* formContainer = nullptr;
     CVolumeForm* volumeForm = nullptr;
+    CKeyboard* keyboard = nullptr;
+    CActivityMeter* meter = nullptr;
     guiEditor* editor;
     CLabel* chordLabel = nullptr;
-    // One line below the pages: what was touched a moment ago, else what sounds, else how the plug-in hears.
+    // One line below the pages: what was touched a moment ago, else how a take grows, else what sounds, else
+    // how the plug-in hears.
     CLabel* statusLabel = nullptr;
-    std::string touched, hearingText;
+    std::string touched, takeText, hearingText;
     int stepsOfTouched = 0;                  // of idle time, for which it still stands
     bool menuIsDue = false;                  // the right button went down and has not come up
     std::int32_t registrationCountdown = 0;  // the registration role's; this one counts nothing down

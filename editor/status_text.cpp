@@ -1,5 +1,6 @@
 #include "editor/status_text.h"
 
+#include <cmath>
 #include <cstdio>
 
 #include "editor/level_column.h"
@@ -15,10 +16,14 @@ std::string NoteOfBar(std::int32_t bar) {
     return names[bar % 12] + std::to_string(bar / 12 + 1);
 }
 
-std::string TwoDigits(float value) {
-    char text[32];
-    std::snprintf(text, sizeof text, "%.2f", static_cast<double>(value));
+std::string Formatted(const char* format, double value) {
+    char text[64];
+    std::snprintf(text, sizeof text, format, value);
     return text;
+}
+
+std::string TwoDigits(float value) {
+    return Formatted("%.2f", static_cast<double>(value));
 }
 
 }  // namespace
@@ -30,9 +35,23 @@ std::string TouchedText(std::int32_t index, float value) {
         case paramPolyphony: return "Polyphony " + TwoDigits(value);  // its own text is a word
         case paramSensitivity:
         case paramVelocity: return ParameterName(index) + " " + ParameterDisplay(index, value);
-        case paramChordsDelay: return "Delay " + ParameterDisplay(index, value);
+        case paramChordsDelay: return Formatted("Delay %.3g s", static_cast<double>(DelayOf(value)) / 1000);
         default: return "";
     }
+}
+
+std::string TakeText(double seconds, std::uint32_t notes) {
+    const auto whole = static_cast<long long>(seconds);
+    char text[96];
+    std::snprintf(text, sizeof text, "%lld:%02lld  %lu note%s", whole / 60, whole % 60,
+                  static_cast<unsigned long>(notes), notes == 1 ? "" : "s");
+    return text;
+}
+
+std::string KeyText(std::int32_t band) {
+    constexpr int bandOf440 = 45, lowestNote = 24;
+    return NoteOfBar(band) + "  note " + std::to_string(band + lowestNote) +
+           Formatted("  %.1f Hz", 440 * std::exp2((band - bandOf440) / 12.0));
 }
 
 std::string SoundingText(std::span<const unsigned char> levels) {

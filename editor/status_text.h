@@ -11,5 +11,11 @@
 // value by its place alone.
 std::string TouchedText(std::int32_t index, float value);
 
+// "1:23  45 notes": a take that runs.
+std::string TakeText(double seconds, std::uint32_t notes);
+
+// "C4  note 60  261.6 Hz": a key of the keyboard, by its band.
+std::string KeyText(std::int32_t band);
+
 // "C4 E4 G4": the notes whose byte in `levels` (level_column.h) says that they sound; empty for none.
 std::string SoundingText(std::span<const unsigned char> levels);

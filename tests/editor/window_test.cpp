@@ -3,6 +3,8 @@
 #include <thread>
 
 #include "editor/level_column.h"
+#include "editor/palette.h"
+#include "editor/status_text.h"
 #include "editor/window_look.h"
 #include "editor/window_size.h"
 #include "parameters/starting_points.h"
@@ -89,6 +91,25 @@ TEST_F(Window, ThePictureTakesTheLevelsAsAColumnAtItsLeftEdgeAndMovesOn) {
         return band == 84;
     }));
     EXPECT_TRUE(host->Await([&] { return host->Pixel(left, row) == 0x93BAD8U; }));  // no blocks: dark
+}
+
+TEST_F(Window, LightsTheKeysThatSoundALampForMidiAndOneForSamplesThatWrap) {
+    Open();
+    const auto awaitPixel = [this](int x, int y, std::uint32_t color) {
+        EXPECT_TRUE(host->Await([&] { return host->Pixel(x, y) == color; })) << x << ", " << y;
+    };
+    constexpr Place midiLamp = {253, 316}, clipLamp = {241, 316}, keyOfA440 = {394, 48 + 3 * (83 - 45) + 1};
+    host->plugin.resume();
+    host->plugin.startRecording();
+    Play({69}, 0.5);
+    awaitPixel(midiLamp.x, midiLamp.y, palette::note.light);
+    EXPECT_EQ(host->Pixel(clipLamp.x, clipLamp.y), palette::grooveLow.light);
+    awaitPixel(keyOfA440.x, keyOfA440.y, palette::note.light);
+    EXPECT_EQ(TakeText(host->plugin.takeSeconds() + 83, host->plugin.takeNotes()), "1:23  1 note");
+    float tooLoud = -1.1F, out = 0;
+    float *from = &tooLoud, *to = &out;
+    host->plugin.processReplacing(&from, &to, 1);
+    awaitPixel(clipLamp.x, clipLamp.y, palette::recordOff.light);
 }
 
 // Polyphony is 0.87 at first; a hand's wheel is button 4 upward and 5 downward.
