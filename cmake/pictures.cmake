@@ -3,7 +3,8 @@
 # file to install. A source is named by its id, then whatever helps a reader: 141_record.svg.
 # Each PNG has a palette of 256 colours, which halves its bytes and cannot be seen. The same sources, renderer and font
 # give the same bytes; one thread, since the order of its sums would show.
-# With them goes the font of the window's texts, so that they look and fit alike on every machine.
+# With them goes the font of the window's texts, that of the captions too, so that they look and fit alike on every
+# machine.
 find_program(RSVG_CONVERT rsvg-convert REQUIRED)
 find_program(PNGQUANT pngquant REQUIRED)
 find_program(FC_MATCH fc-match)
@@ -15,7 +16,7 @@ if(FC_MATCH)
 endif()
 
 foreach(style Regular Bold)
-  find_file(ORVA_FONT_${style} Roboto-${style}.ttf REQUIRED PATHS /usr/share/fonts /usr/local/share/fonts
+  find_file(ORVA_CONDENSED_${style} RobotoCondensed-${style}.ttf REQUIRED PATHS /usr/share/fonts /usr/local/share/fonts
     PATH_SUFFIXES truetype/roboto/unhinted/RobotoTTF truetype/roboto/unhinted truetype/roboto roboto google-roboto
     NO_CMAKE_FIND_ROOT_PATH DOC "The font of the window's texts (fonts-roboto-unhinted)")
 endforeach()
@@ -71,7 +72,7 @@ function(orva_pictures target)
   endforeach()
   set(font_rows "")
   foreach(style Regular Bold)
-    configure_file(${ORVA_FONT_${style}} ${folder}/${style}.ttf COPYONLY)
+    configure_file(${ORVA_CONDENSED_${style}} ${folder}/${style}.ttf COPYONLY)
     list(APPEND rendered ${folder}/${style}.ttf)
     string(APPEND bytes "    \"${prefix}font_${style}: .incbin \\\"${style}.ttf\\\"\\n\"\n    \"${prefix}font_${style}_end:\\n\"\n")
     string(APPEND names "extern const unsigned char font_${style}[], font_${style}_end[];\n")

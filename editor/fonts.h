@@ -7,7 +7,7 @@ struct Font {
     const unsigned char* end;
 };
 
-// The styles of Roboto that the window's texts use; put into the module at build time. [any]
+// The styles of Roboto Condensed that the window's texts use; put into the module at build time. [any]
 std::span<const Font> AllFonts();
 
 // Has the toolkit use them beside the system's fonts, in this module's texts only: the host's fonts stay as

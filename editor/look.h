@@ -16,5 +16,5 @@ inline VSTGUI::CColor ColorOf(const Shade& shade, std::uint8_t alpha = 255) {
 
 // The captions' family, which the module carries (editor/fonts.h). Sizes are pixels.
 inline VSTGUI::SharedPointer<VSTGUI::CFontDesc> EditorFont(double size, std::int32_t style = 0) {
-    return VSTGUI::makeOwned<VSTGUI::CFontDesc>("Roboto", size, style);
+    return VSTGUI::makeOwned<VSTGUI::CFontDesc>("Roboto Condensed", size, style);
 }

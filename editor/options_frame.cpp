@@ -10,8 +10,32 @@
 #include "parameters/parameters.h"
 #include "vst2/records.h"
 #include "vstgui/lib/cbitmap.h"
+#include "vstgui/lib/cdrawcontext.h"
 
 using namespace VSTGUI;
+
+namespace {
+
+const CPoint menuInset(6, 0);  // of its text
+
+// With the sign that it opens.
+class PageMenu : public COptionMenu {
+public:
+    using COptionMenu::COptionMenu;
+
+    void draw(CDrawContext* context) override {
+        COptionMenu::draw(context);
+        const CRect& area = getViewSize();
+        const CPoint tip(area.right - 10, area.getCenter().y + 2);
+        context->setDrawMode(kAntiAliasing);
+        context->setFrameColor(ColorOf(palette::text));
+        context->setLineWidth(1.5);
+        context->drawLine(tip - CPoint(4, 4), tip);
+        context->drawLine(tip, tip + CPoint(4, -4));
+    }
+};
+
+}  // namespace
 
 COptionsFrame::COptionsFrame(guiEditor* itsEditor) : CORVAFrame(itsEditor, 128) {
     const CCoord width = getWidth();
@@ -59,11 +83,13 @@ CHorizontalSlider* COptionsFrame::AddSlider(std::int32_t tag, CPoint position, s
 
 COptionMenu* COptionsFrame::AddMenu(std::int32_t tag, const CRect& area) {
     constexpr std::int32_t style = int{CParamDisplay::k3DIn} | int{COptionMenu::kCheckStyle};
-    auto* menu = new COptionMenu(area, this, tag, nullptr, nullptr, style);
+    auto* menu = new PageMenu(area, this, tag, nullptr, nullptr, style);
     menu->setFontColor(ColorOf(palette::text));
     menu->setBackColor(ColorOf(palette::menu));
     menu->setFrameColor(ColorOf(palette::menuFrame));
     menu->setFont(EditorFont(12));
+    menu->setHoriAlign(kLeftText);
+    menu->setTextInset(menuInset);
     addView(menu);
     return menu;
 }
@@ -90,6 +116,8 @@ void COptionsFrame::FillDeviceMenu() {
     if (!names.empty()) return;
     auto* none = new CLabel(deviceMenu->getViewSize());
     none->setFont(EditorFont(12));
+    none->setHoriAlign(kLeftText);
+    none->setTextInset(menuInset);
     none->setText("No MIDI device found");
     none->setMouseEnabled(false);
     addView(none);
