@@ -74,10 +74,13 @@ const clap_plugin_audio_ports_t audioPorts = {
 };
 
 const clap_plugin_note_ports_t notePorts = {
-    [](const clap_plugin_t*, bool isInput) -> std::uint32_t { return isInput ? 0 : 1; },
-    [](const clap_plugin_t*, std::uint32_t index, bool isInput, clap_note_port_info_t* info) {
-        if (index != 0 || isInput) return false;
+    [](const clap_plugin_t* plugin, bool isInput) -> std::uint32_t {
+        return !isInput || Of(plugin).NeedsNoteInput() ? 1 : 0;
+    },
+    [](const clap_plugin_t* plugin, std::uint32_t index, bool isInput, clap_note_port_info_t* info) {
+        if (index != 0 || (isInput && !Of(plugin).NeedsNoteInput())) return false;
         *info = {};
+        info->id = isInput ? 1 : 0;
         info->supported_dialects = info->preferred_dialect = CLAP_NOTE_DIALECT_MIDI;
         CopyText(info->name, sizeof info->name, "MIDI");
         return true;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 
 #include "base/text.h"
 #include "hosting/parameter_scale.h"
@@ -37,6 +38,10 @@ ClapPlugin::ClapPlugin(const clap_plugin_t& calls, const clap_host_t& newHost)
 
 ClapPlugin::~ClapPlugin() {
     EndWindow();
+}
+
+bool ClapPlugin::NeedsNoteInput() const {
+    return host.name != nullptr && std::strcmp(host.name, "qtractorClapPlugin") == 0;  // run, version 0.9.31
 }
 
 bool ClapPlugin::Init() {

@@ -22,6 +22,10 @@ public:
     const clap_plugin_t& Record() const { return record; }
     bool IsReady() const { return session != nullptr; }
 
+    // Whether the host ends in a crash at the first event of a plug-in without a port for notes into it, of
+    // which this one has no use.
+    bool NeedsNoteInput() const;
+
     bool Init();
     bool Activate(double rate);
     void Deactivate() { session->SetActive(false); }
