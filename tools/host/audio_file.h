@@ -40,6 +40,7 @@ private:
     };
 
     bool IsCutShort() const;
+    void Choose(const float* samples, std::size_t frames, float* heard) const;  // of all channels, one
     void CheckEnd() const;  // fails unless the end that was reached is the end of the audio
 
     Channel channel;
@@ -47,5 +48,5 @@ private:
     std::unique_ptr<SNDFILE, Close> file;
     sf_count_t framesRead = 0;
     Peaks peaks;
-    std::vector<float> interleaved;  // room for one piece, all channels
+    std::vector<float> interleaved;  // one piece, all channels
 };

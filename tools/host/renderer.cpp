@@ -6,9 +6,12 @@
 #include <thread>
 
 #include "tools/host/hosted_plugin.h"
+#include "tools/host/read_ahead.h"
 #include "tools/host/velocity.h"
 
 namespace {
+
+constexpr std::size_t pieceSamples = 1 << 18;  // 1 MiB
 
 // dB for the loudest sample of a whole file.
 double LevelFor(const std::string& path, AudioFile::Channel channel) {
@@ -27,17 +30,39 @@ std::int32_t RateInTune(const Take& take) {
                            : take.rate;
 }
 
+// Block by block, at the pace of the audio if so set.
+void HearAll(HostedPlugin& plugin, AudioFile& audio, const RenderSettings& settings, Take& take,
+             const std::function<void(double)>& progress) {
+    const auto blockSize = static_cast<std::size_t>(settings.blockSize);
+    const std::size_t blocks = settings.realTime ? 1 : std::max<std::size_t>(pieceSamples / blockSize, 1);
+    ReadAhead pieces(audio, blocks * blockSize, settings.readsAhead && !settings.realTime);
+    const auto start = std::chrono::steady_clock::now();
+    while (!settings.ended()) {
+        const ReadAhead::Piece& piece = pieces.Next();
+        if (piece.samples.empty()) break;
+        for (std::size_t at = 0; at < piece.samples.size() && !settings.ended(); at += blockSize)
+            plugin.Process(&piece.samples[at],
+                           static_cast<std::int32_t>(std::min(blockSize, piece.samples.size() - at)));
+        progress(piece.progress);
+        take.peak = piece.loudest.heard;
+        take.peakOfAll = piece.loudest.file;
+        if (settings.realTime)
+            std::this_thread::sleep_until(
+                start + std::chrono::duration_cast<std::chrono::steady_clock::duration>(
+                            std::chrono::duration<double>(Seconds(take, plugin.SamplesDelivered()))));
+    }
+}
+
 // A refined ear decides late: it is given silence until the last notes are decided, and what they are dated
 // at beyond the audio's end is its end.
-void HearOut(HostedPlugin& plugin, Take& take, std::vector<float>& block) {
+void HearOut(HostedPlugin& plugin, Take& take, std::int32_t blockSize) {
     constexpr std::int64_t silencesPerSecond = 5;  // 200 ms, twice what it looks ahead
     take.length = plugin.SamplesDelivered();
-    std::fill(block.begin(), block.end(), 0.0F);
+    const std::vector<float> block(static_cast<std::size_t>(blockSize));
     const std::int64_t end = take.length + take.rate / silencesPerSecond;
     while (plugin.SamplesDelivered() < end)
-        plugin.Process(block.data(),
-                       static_cast<std::int32_t>(std::min<std::int64_t>(
-                           static_cast<std::int64_t>(block.size()), end - plugin.SamplesDelivered())));
+        plugin.Process(block.data(), static_cast<std::int32_t>(
+                                         std::min<std::int64_t>(blockSize, end - plugin.SamplesDelivered())));
     plugin.Stop();
     for (TimedEvent& event : take.events) event.sample = std::min(event.sample, take.length);
 }
@@ -66,26 +91,13 @@ Take Render(const PluginModule& module, const std::string& path, const RenderSet
     plugin.SetEar(ear);
     if (settings.followsLevels) plugin.AskForLevels();
 
-    std::vector<float> block(static_cast<std::size_t>(settings.blockSize));
-    const auto start = std::chrono::steady_clock::now();
-    while (!settings.ended()) {
-        const std::size_t count = audio.Read(block.data(), block.size());
-        if (count == 0) break;
-        plugin.Process(block.data(), static_cast<std::int32_t>(count));
-        progress(audio.Progress());
-        if (settings.realTime)
-            std::this_thread::sleep_until(
-                start + std::chrono::duration_cast<std::chrono::steady_clock::duration>(
-                            std::chrono::duration<double>(Seconds(take, plugin.SamplesDelivered()))));
-    }
+    HearAll(plugin, audio, settings, take, progress);
     if (ear.IsRefined()) {
-        HearOut(plugin, take, block);
+        HearOut(plugin, take, settings.blockSize);
     } else {
         plugin.Stop();
         take.length = plugin.SamplesDelivered();
     }
     if (settings.followsLevels) FollowLevels(take);
-    take.peak = audio.Loudest().heard;
-    take.peakOfAll = audio.Loudest().file;
     return take;
 }

@@ -22,6 +22,7 @@ struct RenderSettings {
     EarSettings ear;
     bool followsLevels = false;   // velocities follow the music
     double tuning = usualTuning;  // Hz of A4 in the recording; 0: found in the sound itself
+    bool readsAhead = false;      // the file is read on a thread of its own
     bool realTime = false;        // blocks at the pace of the audio, for a device that listens
 };
 

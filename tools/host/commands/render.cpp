@@ -205,6 +205,7 @@ int RenderFiles(RenderOptions& options) {
     options.settings.parameters = ParseParameters(options.parameters, module, options.settings.ear.ear);
     options.settings.followsLevels = FollowsLevels(options);
     UseDevice(options);
+    options.settings.readsAhead = options.jobs == 1 || options.files.size() == 1;
     options.settings.channel = options.mix ? AudioFile::Channel::mix : AudioFile::Channel::first;
 
     Progress progress(options.files.size());
