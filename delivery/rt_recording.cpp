@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <mutex>
 
-#include "base/scoped.h"
 #include "base/truncate.h"
 #include "delivery/note_recorder.h"
 
@@ -31,11 +31,6 @@ struct BandNote {
 };
 
 }  // namespace
-
-TRTRecording::TRTRecording() {
-    pending.reserve(firstRoom);
-    take.reserve(firstRoom);
-}
 
 std::int64_t TRTRecording::GetElapsed() const {
     const TNoteRecorder* const from = recorder;
@@ -113,46 +108,18 @@ void TRTRecording::FlushBand(const TNoteRecorder& from, std::int32_t band, std::
 void TRTRecording::Silence() {
     const TNoteRecorder* const from = recorder;
     if (from == nullptr) return;
-    Flush(*from);
-    if (!stopMoves) MoveFlushed();
-}
-
-// A flush before this one may still be moving, on another thread: its notes go first.
-void TRTRecording::Flush(const TNoteRecorder& from) {
-    for (;;) {
-        MoveFlushed();
-        const std::lock_guard<PriorityLock> held(leaf);
-        if (flushed != 0) continue;
-        const std::int64_t now = GetElapsed();
-        for (std::int32_t band = 0; band < from.numBands; ++band) FlushBand(from, band, now);
-        flushed = pending.size();
-        const std::int32_t setting = from.velocity & 127;
-        scale = {from.dynamicVelocity, setting, loudest, static_cast<float>(setting) / FourthRoot(loudest)};
-        loudest = nearSilence;
-        return;
-    }
-}
-
-// Whoever finds flushed notes moves them, not only who flushed: when a call returns, all of them are there.
-void TRTRecording::MoveFlushed() {
-    while (MovePiece()) continue;
-}
-
-// False once nothing is left. Where the allocator throws, what has not been moved is moved next time.
-bool TRTRecording::MovePiece() {
     const std::lock_guard<PriorityLock> held(leaf);
-    for (std::size_t left = piece; left > 0 && moved < flushed; --left, ++moved)
-        Push(take, scale.Scaled(pending[moved]));
-    if (moved < flushed) return true;
-    if (flushed == 0) return false;
-    pending.erase(pending.begin(), pending.begin() + static_cast<std::ptrdiff_t>(flushed));
-    flushed = moved = 0;
-    ++clears;
-    return false;
+    const std::int64_t now = GetElapsed();
+    for (std::int32_t band = 0; band < from->numBands; ++band) FlushBand(*from, band, now);
+    if (pending.empty()) return;
+    pending.front().scale = {from->dynamicVelocity, from->velocity & 127, loudest};
+    loudest = nearSilence;
+    handedOver.splice(handedOver.end(), pending);
 }
 
 TRecordEvent TRTRecording::Scale::Scaled(TRecordEvent event) const {
     if (!byLevel || !IsNoteOn(event.message)) return event;
+    const float factor = static_cast<float>(setting) / FourthRoot(loudest);
     // The product alone would come out one too low for the loudest, at every twelfth level or so.
     const std::int32_t velocity = event.level >= loudest
                                       ? setting
@@ -164,15 +131,17 @@ TRecordEvent TRTRecording::Scale::Scaled(TRecordEvent event) const {
 // Whether it runs is asked inside the lock: a stop passes through it, too, so that whoever stopped the
 // recording has the take alone.
 void TRTRecording::Send(std::uint32_t message) {
-    const std::int64_t now = std::max<std::int64_t>(GetElapsed(), 0);
     const std::lock_guard<PriorityLock> held(leaf);
-    if (running) Push(take, {now, message, 0.0F});
+    if (running) AppendToTake(message);
 }
 
 void TRTRecording::AppendToTake(std::uint32_t message) {
     const std::int64_t now = std::max<std::int64_t>(GetElapsed(), 0);
     const std::lock_guard<PriorityLock> held(leaf);
-    Push(take, {now, message, 0.0F});
+    Chunks chunk;
+    Push(chunk, {now, message, 0.0F});
+    chunk.front().scale = Scale();
+    handedOver.splice(handedOver.end(), chunk);
 }
 
 void TRTRecording::StartNow() {
@@ -195,68 +164,55 @@ void TRTRecording::StopNow() {
     Silence();
 }
 
-// What other threads flush while this one is at it is moved here, too.
-void TRTRecording::Stop() {
-    MoveFlushed();  // so that the flush under the recorder's lock finds none before it
-    {
-        const ScopedValue later(stopMoves, true);
-        TmtNoteOut::Stop();
-    }
-    MoveFlushed();
-}
-
 void TRTRecording::Clear() {
     origin = 0;
-    const std::lock_guard<PriorityLock> held(leaf);
-    take.clear();
     notesBegun = 0;
-    ++clears;
+    {
+        const std::lock_guard<PriorityLock> held(leaf);
+        unread.splice(unread.end(), handedOver);
+    }
+    unread.clear();
+    take.clear();
 }
 
-void TRTRecording::Push(std::vector<TRecordEvent>& list, const TRecordEvent& event) {
-    if (list.size() == list.capacity())
-        list.reserve(list.capacity() + std::max<std::size_t>(list.capacity() / 2, 1));
-    list.push_back(event);
-}
-
-std::size_t TRTRecording::Waiting() const {
-    const std::lock_guard<PriorityLock> held(leaf);
-    return pending.size();
+void TRTRecording::Push(Chunks& list, const TRecordEvent& event) {
+    if (list.empty() || list.back().count == Chunk::capacity) {
+        if (spare.empty()) spare.emplace_back();
+        list.splice(list.end(), spare, spare.begin());
+    }
+    Chunk& chunk = list.back();
+    chunk.events[chunk.count++] = event;
 }
 
 void TRTRecording::Prepare() {
-    GiveRoom(pending, preparedRoom, preparedRoom, true);
-    const std::size_t ahead = Waiting() + 2 * preparedRoom;
-    GiveRoom(take, ahead, ahead, true);
+    constexpr std::size_t wanted = preparedEvents / Chunk::capacity;
+    leaf.lock();
+    const std::size_t ready = spare.size();
+    leaf.unlock();
+    if (ready >= wanted) return;
+    Chunks added(wanted - ready);
+    const std::lock_guard<PriorityLock> held(leaf);
+    spare.splice(spare.end(), added);
 }
 
 void TRTRecording::TopUp() {
-    GiveRoom(pending, preparedRoom / 2, preparedRoom, false);
-    const std::size_t later =
-        Waiting() + preparedRoom;  // what `pending` has and may still take in ends up here
-    GiveRoom(take, later + preparedRoom / 2, later + preparedRoom, false);
+    if (running) Prepare();
 }
 
-// Copies into a larger list a piece at a time, and lets the audio thread in between. Lists only grow at their
-// end, so what was copied stays right until one is emptied, which `clears` counts.
-void TRTRecording::GiveRoom(std::vector<TRecordEvent>& list, std::size_t enough, std::size_t wanted,
-                            bool evenStopped) {
-    std::vector<TRecordEvent> larger;
-    std::size_t clearsSeen = 0;
+const std::vector<TRecordEvent>& TRTRecording::GetTake() {
     {
         const std::lock_guard<PriorityLock> held(leaf);
-        if (!(running || evenStopped) || list.capacity() - list.size() >= enough) return;
-        clearsSeen = clears;
-        wanted += list.size();
+        unread.splice(unread.end(), handedOver);
     }
-    larger.reserve(wanted);
-    for (bool complete = false; !complete;) {
-        const std::lock_guard<PriorityLock> held(leaf);
-        if (!(running || evenStopped) || clears != clearsSeen || list.size() > larger.capacity()) return;
-        const auto next = list.begin() + static_cast<std::ptrdiff_t>(larger.size());
-        const std::size_t left = list.size() - larger.size();
-        larger.insert(larger.end(), next, next + static_cast<std::ptrdiff_t>(std::min(left, piece)));
-        complete = left <= piece;
-        if (complete) list.swap(larger);
+    std::size_t events = take.size();
+    for (const Chunk& chunk : unread) events += chunk.count;
+    take.reserve(events);  // the last that may throw, so that no flush is left half read
+    Scale scale;
+    for (; !unread.empty(); unread.pop_front()) {
+        const Chunk& chunk = unread.front();
+        scale = chunk.scale.value_or(scale);
+        std::transform(chunk.events, chunk.events + chunk.count, std::back_inserter(take),
+                       [&](const TRecordEvent& event) { return scale.Scaled(event); });
     }
+    return take;
 }

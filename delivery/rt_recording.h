@@ -1,6 +1,8 @@
 #pragma once
 #include <cstddef>
 #include <cstdint>
+#include <list>
+#include <optional>
 #include <vector>
 
 #include "base/priority_lock.h"
@@ -42,43 +44,32 @@ struct TBandTrack {
 // Threads: NoteOn, NoteOff, Update [audio, locked]; Silence [any], since a change of velocity or channel
 // reaches it beside the audio thread; Clear, Prepare, TopUp, GetTake [ui], of which Clear and GetTake only
 // with the output stopped. Lock: a leaf lock of its own around tracks and lists, held across no other call,
-// and for no more than a piece of a list at a time: a long take is moved, and copied, in many holds.
-// Memory: 16 bytes an event, two events a note. Prepare and TopUp keep room ahead, so that the audio thread
-// allocates nothing while it lasts; past it a list grows by half of itself, and what the allocator throws
+// and never for longer the longer a take is: a flush hands the chunks of `pending` over as they are, and
+// their velocities are scaled when the take is read.
+// Memory: 16 bytes an event, two events a note. Prepare and TopUp keep chunks ready, so that the audio thread
+// allocates nothing while they last; past them it allocates one at a time, and what the allocator throws
 // leaves the call.
 class TRTRecording : public TmtNoteOut {
 public:
     static constexpr std::size_t maxBands = 128;
-    static constexpr std::size_t firstRoom = 1024;      // events, at construction
-    static constexpr std::size_t preparedRoom = 65536;  // events; a few minutes of the densest playing
-
-    TRTRecording();
+    static constexpr std::size_t preparedEvents = 65536;  // a few minutes of the densest playing
 
     void NoteOn(std::int32_t band) override;
     void NoteOff(std::int32_t band) override;
     void Silence() override;  // flushes all bands and moves `pending` to the take, running or not
-    void Stop() override;     // the move to the take comes after the recorder's lock
     void Update() override;
     void Send(std::uint32_t message) override;  // into the take, while running
     void StartNow() override;
     void StopNow() override;
 
     void Clear();    // discards the take, and lets the next start set the origin; `pending` stays
-    void Prepare();  // room for preparedRoom events more in each list
-    // The same as soon as half of that room is used, in steps so short that the audio thread hardly waits.
-    // Does nothing while the output is stopped.
-    void TopUp();
-    const std::vector<TRecordEvent>& GetTake() const { return take; }
+    void Prepare();  // capacity for preparedEvents
+    void TopUp();    // the same while the output runs
+    const std::vector<TRecordEvent>& GetTake();
     std::int64_t GetElapsed() const;           // samples since the origin
     void AppendToTake(std::uint32_t message);  // with the current time, bypassing `pending`
 
-    // Under the leaf lock.
-    std::vector<TRecordEvent> pending;  // finished notes; a flush moves them to the take, first ones first
-    TBandTrack bandTracks[maxBands];    // cleared at each start
-    float peakLevel[maxBands] = {};     // highest level of each band during its current note
-    std::vector<TRecordEvent> take;     // the recording
     Relaxed<std::uint32_t> notesBegun;  // of the take, for a display; those that sound too
-    Relaxed<std::int64_t> origin;       // the recorder's time at which the take began; 0: not begun
 
 private:
     // The velocities of a flush: the loudest note takes the setting, others less by the fourth root of their
@@ -87,33 +78,36 @@ private:
         bool byLevel = false;  // else the velocities stay
         std::int32_t setting = 0;
         float loudest = 0;
-        float factor = 0;  // setting / fourth root of loudest
         TRecordEvent Scaled(TRecordEvent event) const;
     };
+    struct Chunk {
+        static constexpr std::size_t capacity = 32;
+        std::size_t count = 0;
+        std::optional<Scale> scale;  // of these events and of those up to the next that is given
+        TRecordEvent events[capacity];
+    };
+    using Chunks = std::list<Chunk>;
 
     std::int64_t EventTime(std::int32_t band) const;
-    void Flush(const TNoteRecorder& from);
     void FlushBand(const TNoteRecorder& from, std::int32_t band, std::int64_t now);
     void PushNote(std::uint32_t onMessage, std::uint32_t offMessage, std::int64_t start, std::int64_t end,
                   float level);
-    bool MovePiece();
-    void MoveFlushed();
-    static void Push(std::vector<TRecordEvent>& list, const TRecordEvent& event);
-    std::size_t Waiting() const;  // events in `pending`
-    // Room for `wanted` events more, if there is none for `enough`.
-    void GiveRoom(std::vector<TRecordEvent>& list, std::size_t enough, std::size_t wanted, bool evenStopped);
+    void Push(Chunks& list, const TRecordEvent& event);
 
-    static constexpr std::size_t piece = 512;     // events under one lock; 8 KiB
     static constexpr float nearSilence = 1e-30F;  // so that silence divides by something
 
-    mutable PriorityLock leaf;
-    Relaxed<bool> stopMoves = false;  // a Stop is under way, and moves what is flushed meanwhile
+    PriorityLock leaf;
     // Under the leaf lock.
-    std::size_t flushed = 0;      // events of `pending` that are on their way to the take,
-    std::size_t moved = 0;        // and how many of them have arrived
-    Scale scale;                  // of those
-    float loudest = nearSilence;  // level among the note ons of `pending` behind them
-    std::size_t clears = 0;       // counts what invalidates a topping-up in progress: Clear and flushes
+    Chunks pending;                   // finished notes; a flush moves them to the take
+    TBandTrack bandTracks[maxBands];  // cleared at each start
+    float peakLevel[maxBands] = {};   // highest level of each band during its current note
+    float loudest = nearSilence;      // level among the note ons of `pending`
+    Chunks handedOver;                // of the take, not yet read
+    Chunks spare;                     // empty
+    Relaxed<std::int64_t> origin;     // the recorder's time at which the take began; 0: not begun
+    // [ui]
+    Chunks unread;                   // of the take, no longer under the lock
+    std::vector<TRecordEvent> take;  // the recording, as far as it was read
 };
 
 // Turns a take into notes. Layers sort them by velocity, loud ones into layer 1, up to layerCount (1 to 9).
