@@ -1,13 +1,14 @@
 // rooms: module
 // What the open window costs its host: processor time of one idle call, at the host's usual pace, on a
-// display without a screen. `per_column_us` is for the calls that draw a column of the picture, some 20 a
-// second.
+// display without a screen, with the window at its own size and at three times that. `per_column_us` is for
+// the calls that draw a column of the picture, some 20 a second.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
 #include <ctime>
 
 #include "tests/editor/editor_host.h"
+#include "vst2/vendor_call.h"
 
 namespace {
 
@@ -17,10 +18,13 @@ double ProcessorSeconds() {
     return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
 }
 
-// All 84 bands on, or none. The detector's flags and levels stand still; the picture runs.
+// All 84 bands on, or none; the window's size in percent. The detector's flags and levels stand still; the
+// picture runs.
 void Idle(benchmark::State& state) {
     const DisplayServer display;
     EditorHost host;
+    host.Call(effVendorSpecific, vendorCall, vendorWindowScale, nullptr,
+              static_cast<float>(state.range(1)) / 100);
     if (!host.Open()) return state.SkipWithError("no window");
     TRealTimeTS107& detector = host.plugin.detector;
     for (int band = 0; band < detector.numBands; ++band) {
@@ -46,9 +50,8 @@ void Idle(benchmark::State& state) {
     state.counters["most_us"] = 1e6 * most;
 }
 BENCHMARK(Idle)
-    ->ArgName("bands_on")
-    ->Arg(0)
-    ->Arg(1)
+    ->ArgNames({"bands_on", "percent"})
+    ->ArgsProduct({{0, 1}, {100, 300}})
     ->Iterations(200)
     ->UseManualTime()
     ->Unit(benchmark::kMicrosecond);
