@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <memory>
 #include <stdexcept>
 
@@ -41,6 +42,13 @@ struct ReadScore {
     std::string failure = "none";
 };
 
+template <typename Value>
+Bytes PutInto(void (*put)(TBaseStream&, Value), Value value) {
+    MemoryStream stream;
+    put(stream, value);
+    return {stream.bytes.begin(), stream.bytes.end()};
+}
+
 }  // namespace
 
 TEST(StoredScore, AScoreOfOneNoteIsWrittenByteForByteAndReadAgainButForTheTag) {
@@ -67,14 +75,12 @@ TEST(StoredScore, EachFieldIsReadFromItsPlace) {
     const Bytes changed = Changed(61, {0x3C, 0, 0, 0, 0, 0, 0, 0, 0, 5, 3, 3, 0xFE, 7}, Changed(41, {3}));
     const ReadScore read(
         Changed(82, {3, 0, 0, 0, 9, 0, 0, 0, 3, 0, 0, 0, 5, 0, 0, 0, 4, 0, 0, 0, 9, 0, 0, 0, 8}, changed));
-    ASSERT_EQ(read.failure, "none");
-    EXPECT_EQ(read.score->notes.at(0)->flags, nfExcludedA | nfExcludedB);
-    EXPECT_EQ(read.score->tempo, 60.0);
-    EXPECT_EQ(read.score->meterNumerator, 3);
-    EXPECT_EQ(read.score->meterDenominatorLog2, 3);
-    EXPECT_EQ(read.score->keySharps, -2);
-    EXPECT_TRUE(read.score->keyMinor);
-    EXPECT_EQ(read.score->bars, (TBars{{5, {2, 4}}, {9, {1, 3}}}));  // numbered as in the file, none replaced
+    const TNotes& score = *read.score;
+    EXPECT_EQ(score.notes.at(0)->flags, nfExcludedA | nfExcludedB);
+    EXPECT_EQ(score.tempo, 60.0);
+    EXPECT_EQ(score.meterNumerator * 10 + score.meterDenominatorLog2, 33);
+    EXPECT_TRUE(score.keySharps == -2 && score.keyMinor);
+    EXPECT_EQ(score.bars, (TBars{{5, {2, 4}}, {9, {1, 3}}}));  // numbered as in the file, none replaced
     EXPECT_EQ(ReadScore(Changed(10, {0, 0, 0xAC, 0x44})).score->notes.at(0)->Begin(), 50U);  // at 44100 Hz
 }
 
@@ -89,4 +95,15 @@ TEST(StoredScore, DamageHasItsMessageAndNotesBeforeABreakAreKept) {
         EXPECT_EQ(read.failure, "Can't read byte from stream.");
         EXPECT_EQ(read.score->notes.size(), length < 18 + 24 ? 0U : 1U) << length << " bytes";
     }
+}
+
+TEST(StreamValues, NumbersHaveAMantissaAndAnExponent) {
+    // 120 = 0.9375 * 2^7: mantissa 0.9375 * 2^62, exponent 6. 0 is mantissa 0, exponent -1.
+    EXPECT_EQ(PutInto(PutDouble, 120.0), (Bytes{0x3C, 0, 0, 0, 0, 0, 0, 0, 0x00, 0x06}));
+    EXPECT_EQ(PutInto(PutDouble, 0.0), (Bytes{0, 0, 0, 0, 0, 0, 0, 0, 0xFF, 0xFF}));
+    // -0.5 = -0.5 * 2^0: mantissa -0.5 * 2^30, exponent -1.
+    EXPECT_EQ(PutInto(PutFloat, -0.5F), (Bytes{0xE0, 0, 0, 0, 0xFF}));
+    // 2^-149 = 0.5 * 2^-148, below the lowest exponent of -128: 0.5 * 2^(-149 + 158), exponent -128.
+    EXPECT_EQ(PutInto(PutFloat, 0x1p-149F), (Bytes{0, 0, 1, 0, 0x80}));
+    EXPECT_EQ(PutInto(PutFloat, std::nanf("")), PutInto(PutFloat, 0.0F));
 }
