@@ -1,8 +1,9 @@
 #pragma once
+#include <algorithm>
 #include <atomic>
 #include <cstdint>
 
-#include "engine/note_detector.h"
+#include "delivery/note_recorder.h"
 
 // A detector whose flags a test sets by hand: 84 bands at 44100 Hz, band 45 at 440 Hz, so that band b is
 // MIDI note b + 24.
@@ -24,4 +25,15 @@ public:
     bool on[84] = {};
     float level[84] = {};
     float delay = 40.0F;  // ms
+};
+
+// A recorder on such a detector, all bands at full level.
+struct Bands {
+    Bands() {
+        std::fill_n(detector.level, detector.numBands, 1.0F);
+        recorder.Attach(&detector);
+        recorder.Activate(0);
+    }
+    FakeDetector detector;
+    TNoteRecorder recorder;
 };

@@ -4,7 +4,6 @@
 #include <future>
 #include <thread>
 
-#include "delivery/note_recorder.h"
 #include "delivery/rt_recording.h"
 #include "tests/delivery/fakes.h"
 #include "tests/support/watch.h"
@@ -33,17 +32,12 @@ void PlayScale(FakeDetector& detector, TNoteRecorder& recorder, int frame) {
     recorder.OnFrame();
 }
 
-class Recording : public testing::Test {
+class Recording : public testing::Test, protected Bands {
 protected:
     Recording() {
-        recorder.Attach(&detector);
-        recorder.Activate(0);
         detector.delay = 0;
         recorder.AddOutput(recording);
     }
-
-    FakeDetector detector;
-    TNoteRecorder recorder;
     TRTRecording* const recording = new TRTRecording;  // the recorder's, once attached
 };
 

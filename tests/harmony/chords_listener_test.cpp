@@ -8,7 +8,6 @@
 #include <string>
 #include <vector>
 
-#include "delivery/note_recorder.h"
 #include "tests/delivery/fakes.h"
 #include "tests/harmony/naming.h"
 
@@ -16,13 +15,9 @@ namespace {
 
 // A listener on a recorder whose clock and bands the test sets by hand, which also stands in for the plug-in
 // object.
-class ChordsListener : public testing::Test, public IChordOwner {
+class ChordsListener : public testing::Test, public IChordOwner, protected Bands {
 protected:
-    ChordsListener() {
-        recorder.Attach(&detector);
-        recorder.Activate(0);
-        recorder.AddOutput(listener);
-    }
+    ChordsListener() { recorder.AddOutput(listener); }
     float GetSampleRate() const override { return rate; }
     void ChordChanged() override { ++changes; }
     // One update in which exactly these bands are on.
@@ -38,8 +33,6 @@ protected:
 
     float rate = 44100;
     int changes = 0;
-    FakeDetector detector;
-    TNoteRecorder recorder;
     TChordsListener* const listener = new TChordsListener(this, 10);  // the recorder's, once attached
 };
 

@@ -14,10 +14,10 @@
 
 namespace {
 
-void Process(Host& host, Way way, float* in, float* out, std::int32_t frames) {
+void Pass(Host& host, Way way, float* in, float* out, std::int32_t frames) {
     host.Process(way, in, out, frames);
 }
-void Process(Host& host, Way, double* in, double* out, std::int32_t frames) {
+void Pass(Host& host, Way, double* in, double* out, std::int32_t frames) {
     host.Process(in, out, frames);
 }
 
@@ -43,8 +43,8 @@ void PlayAnywhere(Trial& trial, Way way) {
     }
     Host host;
     ASSERT_TRUE(host.Open(OpenPlugin));
-    Process(host, way, reinterpret_cast<Sample*>(&memory[moat + in]),
-            reinterpret_cast<Sample*>(&memory[moat + out]), static_cast<std::int32_t>(frames));
+    Pass(host, way, reinterpret_cast<Sample*>(&memory[moat + in]),
+         reinterpret_cast<Sample*>(&memory[moat + out]), static_cast<std::int32_t>(frames));
     ASSERT_TRUE(memory == expected) << frames << " frames, input at " << in << ", output at " << out;
 }
 

@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/relaxed.h"
 #include "vst2/audio_effect.h"
 
 // The three process calls.
@@ -161,7 +162,7 @@ public:
     std::atomic<int> calls{0};
     std::vector<Event> events;
     Request last{};
-    std::int64_t clock = 0;  // samples handed over before the block in progress
+    Relaxed<std::int64_t> clock = 0;  // samples handed over before the block in progress
 
 private:
     std::intptr_t Answer(const Request& request) {
@@ -204,7 +205,7 @@ private:
         call(effect, &in, &out, frames);
         Enter(false);
         processing = false;
-        clock += std::max(frames, 0);
+        clock = clock + std::max(frames, 0);
     }
     void Enter(bool in) const {
         if (inProcess != nullptr) inProcess(in);

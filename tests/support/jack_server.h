@@ -2,11 +2,7 @@
 #include <fcntl.h>
 #include <jack/jack.h>
 #include <jack/midiport.h>
-#include <signal.h>
 #include <sys/file.h>
-#include <sys/prctl.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -20,6 +16,7 @@
 
 #include "gtest/gtest.h"
 #include "tests/support/await.h"
+#include "tests/support/process.h"
 #include "tests/support/temp_folder.h"
 
 // A client of the server that the environment names, or null.
@@ -41,7 +38,7 @@ public:
     ~JackServer() {
         // A server that was killed keeps its place in the list; only one of its name can give it back.
         try {
-            if (process <= 0) Start();
+            if (server.HasEnded()) Start();
         } catch (const std::exception& fault) {
             ADD_FAILURE() << fault.what();
         }
@@ -55,10 +52,11 @@ public:
 
     // Waits until clients can connect. Called by the constructor, and again after Die.
     void Start() {
-        process = fork();
-        if (process == 0) Become();
+        // Each cycle awaits its clients, for ten seconds on a busy machine.
+        server.Start("exec jackd -n " + name + " -r -S -t 10000 -d dummy -r " + rate + " -p 1024 > '" + log +
+                     "' 2>&1");
         jack_client_t* client = nullptr;
-        AwaitThat([&] { return HasEnded() || (client = QuietJackClient("probe")) != nullptr; });
+        AwaitThat([&] { return server.HasEnded() || (client = QuietJackClient("probe")) != nullptr; });
         if (client != nullptr) return static_cast<void>(jack_client_close(client));
         End(SIGKILL);
         throw std::runtime_error("jackd does not start. Its output:\n" + ReadAll(log));
@@ -82,25 +80,11 @@ private:
         close(lock);
         return false;
     }
-    [[noreturn]] void Become() const {
-        prctl(PR_SET_PDEATHSIG, SIGKILL);  // a test that crashes takes its server along
-        const int file = open(log.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-        dup2(file, STDOUT_FILENO);
-        dup2(file, STDERR_FILENO);
-        // Each cycle awaits its clients, for ten seconds on a busy machine.
-        execlp("jackd", "jackd", "-n", name.c_str(), "-r", "-S", "-t", "10000", "-d", "dummy", "-r",
-               rate.c_str(), "-p", "1024", nullptr);
-        _exit(127);
-    }
-    bool HasEnded() {
-        if (process > 0 && waitpid(process, nullptr, WNOHANG) == process) process = -1;
-        return process <= 0;
-    }
     void End(int signal) {
-        if (process > 0) kill(process, signal);
+        server.Kill(signal);
         // It may hang over clients that ended without a word.
-        if (!AwaitThat([this] { return HasEnded(); }, std::chrono::seconds(5))) kill(process, SIGKILL);
-        AwaitThat([this] { return HasEnded(); });
+        AwaitThat([this] { return server.HasEnded(); }, std::chrono::seconds(5));
+        server.End(SIGKILL);
         // A server that was killed leaves its semaphores and memory behind.
         std::error_code ignored;
         for (const auto& file : std::filesystem::directory_iterator("/dev/shm", ignored))
@@ -111,7 +95,7 @@ private:
     const std::string rate;
     std::string name, log;  // log: the file with its output
     int lock = -1;          // the file that stands for the name
-    pid_t process = -1;     // -1: none
+    Process server;
 };
 
 // A client with a MIDI input, "NAME:in", and an audio input, "NAME:audio", that keep what arrives, and an

@@ -8,7 +8,31 @@
 #include <stdexcept>
 #include <vector>
 
-#include "tests/support/display_server.h"
+#include "tests/support/await.h"
+#include "tests/support/process.h"
+#include "tests/support/temp_folder.h"
+
+// A display without a screen, of our own: the programs of these tests see no other. Ended with the object.
+class DisplayServer {
+public:
+    // At the next free number, which becomes the DISPLAY of this process.
+    DisplayServer() {
+        const TempFolder folder;
+        server.Start(
+            "exec Xvfb -displayfd 3 -screen 0 1024x768x24 -screen 1 64x64x24 -nolisten tcp -noreset "
+            "2> /dev/null 3> " +
+            folder / "number");
+        std::string number;
+        AwaitThat([&] { return (number = ReadAll(folder / "number")).ends_with('\n') || server.HasEnded(); });
+        if (number.empty()) throw std::runtime_error("Xvfb did not start");
+        number.pop_back();
+        setenv("DISPLAY", (":" + number).c_str(), 1);
+    }
+    void End() { server.End(SIGKILL); }
+
+private:
+    Process server;
+};
 
 template <typename T>
 struct XcbFreed {

@@ -6,7 +6,6 @@
 #include <set>
 #include <thread>
 
-#include "delivery/note_recorder.h"
 #include "delivery/rt_midi_out.h"
 #include "delivery/rt_recording.h"
 #include "harmony/chords_listener.h"
@@ -15,18 +14,6 @@
 #include "tests/support/trial.h"
 
 namespace {
-
-// A recorder on bands that a test sets by hand, all at full level.
-struct Bands {
-    Bands() {
-        std::fill_n(detector.level, detector.numBands, 1.0F);
-        recorder.Attach(&detector);
-        recorder.Activate(0);
-        recorder.sendProgramChange = false;
-    }
-    FakeDetector detector;
-    TNoteRecorder recorder;
-};
 
 struct Mapping {
     std::int32_t transpose, channel, velocity;
@@ -61,6 +48,7 @@ TEST(Handoff, NoEventMixesTwoSettingsAndATakeStaysPaired) {
         SubstituteMidiOut(&devices);
         Bands bands;
         TNoteRecorder& recorder = bands.recorder;
+        recorder.sendProgramChange = false;
         recorder.ChangeMapping(mappings[0].transpose, mappings[0].channel, mappings[0].velocity);
         auto* const recording = new TRTRecording;
         for (TNoteOut* const output : std::initializer_list<TNoteOut*>{new TRTMidiOut(0), recording}) {
