@@ -18,6 +18,8 @@
 #include "tests/support/parent_window.h"
 #include "tests/support/temp_folder.h"
 #include "tests/support/trial.h"
+#include "tests/support/watch.h"
+#include "vst2/vendor_call.h"
 
 namespace {
 
@@ -59,8 +61,10 @@ ProcessState StateAtRest() {
     return last;
 }
 
-// From load to unload. With a window, that is opened, drawn and closed on the way.
+// From load to unload. With a window, that is opened at each size, drawn, darkened or lightened and closed on
+// the way, again and again.
 void Live(const HostWindow* window) {
+    const std::uint64_t openings = std::min<std::uint64_t>(10, Scaled(3));
     void* const file = dlopen(ORVA_MODULE_FILE, RTLD_NOW | RTLD_LOCAL);
     ASSERT_NE(file, nullptr);
     {
@@ -69,13 +73,21 @@ void Live(const HostWindow* window) {
         host.Call(effOpen);
         host.Call(effMainsChanged, 0, 1);
         ASSERT_TRUE(host.Play(Tones({57, 64}, 0.1)));
-        if (window != nullptr) {
+        const auto set = [&](std::intptr_t setting, std::uint64_t value) {
+            host.Call(effVendorSpecific, vendorCall, setting, nullptr, static_cast<float>(value));
+        };
+        for (std::uint64_t opening = 0; window != nullptr && opening < openings; ++opening) {
+            set(vendorWindowScale, 1 + opening % 3);
             ASSERT_NE(host.Call(effEditOpen, 0, 0, window->Handle()), 0);
-            EXPECT_TRUE(AwaitThat([&] {  // texts make fonts, which stay
-                host.Call(effEditIdle);
-                const std::vector<std::uint8_t> bytes = window->Pixels(0, 0, 400, 320);
-                return std::set<std::uint8_t>(bytes.begin(), bytes.end()).size() > 32;
-            }));
+            for (const std::uint64_t dark : {opening % 2, 1 - opening % 2}) {
+                set(vendorWindowDark, dark);
+                EXPECT_TRUE(AwaitThat([&] {
+                    host.Call(effEditIdle);
+                    const std::vector<std::uint8_t> bytes = window->Pixels(0, 0, 400, 320);
+                    return bytes.size() > 4 && (bytes[0] < 128) == (dark == 1) &&
+                           std::set<std::uint8_t>(bytes.begin(), bytes.end()).size() > 32;
+                }));
+            }
             host.Call(effEditClose);
         }
     }
@@ -86,12 +98,14 @@ TEST(Module, ManyLivesLeaveTheProcessAsItWas) {
     InChild(
         [](Trial&) {
             static const HostWindow& window = *new HostWindow;  // outlives the check for leaks
-            for (int i = 0; i < 10; ++i) Live(&window);
+            for (int i = 0; i < 3; ++i) Live(&window);
             const ProcessState before = StateAtRest();
+            const std::int64_t blocks = Allocations::Live();
             for (std::uint64_t life = Scaled(100); life > 0 && !testing::Test::HasFailure(); --life)
                 Live(life % 10 == 0 ? &window : nullptr);
             AwaitThat([&] { return StateNow() == before; }, std::chrono::seconds(10));
             EXPECT_EQ(StateNow(), before);
+            EXPECT_LT(Allocations::Live(), blocks + 30);  // fewer than windows; Pango's thread may have some
             EXPECT_TRUE(window.Children().empty());
         },
         3600);

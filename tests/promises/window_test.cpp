@@ -6,8 +6,10 @@
 #include <cstdlib>
 #include <map>
 
+#include "editor/window_size.h"
 #include "tests/editor/editor_host.h"
 #include "tests/support/music.h"
+#include "tests/support/temp_folder.h"
 #include "tests/support/trial.h"
 
 namespace {
@@ -92,6 +94,8 @@ TEST(Window, TakesAnyMouseAndKeyAndReportsOnlyWhatItKeeps) {
 TEST(Window, CallsInAnyOrderKeepOneWindowAtMost) {
     RunTrials({6, 1}, [](Trial& trial) {
         const DisplayServer display;
+        const TempFolder settings;
+        setenv("XDG_CONFIG_HOME", settings.path.c_str(), 1);
         std::array<EditorHost, 2> hosts;
         const AudioThread audio(hosts[0]);
         xcb_window_t windows[2][2], useless[] = {0, 0, 0}, shown[] = {0, 0};  // which holds the editor
@@ -106,7 +110,7 @@ TEST(Window, CallsInAnyOrderKeepOneWindowAtMost) {
         for (int call = 0; call < 80 && !testing::Test::HasFailure(); ++call) {
             const std::size_t i = trial.Below(2);
             EditorHost& host = hosts[i];
-            switch (trial.Below(7)) {
+            switch (trial.Below(8)) {
                 case 0:
                     host.parent = shown[i] = windows[i][trial.Below(2)];
                     EXPECT_TRUE(host.Open());
@@ -117,6 +121,7 @@ TEST(Window, CallsInAnyOrderKeepOneWindowAtMost) {
                     break;
                 case 2: shown[i] = 0, host.Call(effEditClose); break;
                 case 3: host.plugin.setParameter(92, 2.0F + static_cast<float>(trial.Below(4))); break;
+                case 4: EXPECT_TRUE(PreferWindowSize(windowSizes[trial.Below(4)])); break;
                 default: Idle(host);
             }
             // The plug-in's own connection may lag behind the host's.
