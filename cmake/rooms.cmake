@@ -53,6 +53,16 @@ function(orva_module)
   endif()
 endfunction()
 
+# The settings to begin with, as files for VST 2 hosts, by a program that knows the same table as the plug-in.
+function(orva_vst2_presets)
+  set(folder ${PROJECT_BINARY_DIR}/presets)
+  add_executable(orva_presets ${PROJECT_SOURCE_DIR}/module/presets/main.cpp)
+  target_link_libraries(orva_presets PRIVATE orva_parameters Threads::Threads)
+  add_custom_command(OUTPUT ${folder}/Initial.fxp COMMAND orva_presets ${folder} DEPENDS orva_presets
+    VERBATIM COMMENT "Writing the presets for VST 2 hosts")
+  add_custom_target(orva_vst_presets ALL DEPENDS ${folder}/Initial.fxp)
+endfunction()
+
 # The plug-in for LV2 hosts: a folder with the file that they load and its description, which is written by a
 # program that knows the same tables as the plug-in.
 function(orva_lv2_bundle)
@@ -62,10 +72,11 @@ function(orva_lv2_bundle)
   file(GLOB sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/lv2/describe/*.cpp)
   add_executable(orva_lv2_describe ${sources})
   target_link_libraries(orva_lv2_describe PRIVATE orva_lv2 Threads::Threads)
-  add_custom_command(OUTPUT ${bundle}/manifest.ttl ${bundle}/orva.ttl
+  set(description ${bundle}/manifest.ttl ${bundle}/orva.ttl ${bundle}/presets.ttl)
+  add_custom_command(OUTPUT ${description}
     COMMAND orva_lv2_describe ${bundle} $<TARGET_FILE_NAME:orva_lv2_file> ${PROJECT_VERSION_MINOR}
     DEPENDS orva_lv2_describe VERBATIM COMMENT "Describing the LV2 plug-in")
-  add_custom_target(orva_lv2_bundle ALL DEPENDS ${bundle}/manifest.ttl ${bundle}/orva.ttl)
+  add_custom_target(orva_lv2_bundle ALL DEPENDS ${description})
   add_dependencies(orva_lv2_bundle orva_lv2_file)
 endfunction()
 

@@ -1,6 +1,5 @@
 #include "editor/window_menu.h"
 
-#include <cctype>
 #include <cstdio>
 
 #include "editor/gui_editor.h"
@@ -71,14 +70,13 @@ void AddSizes(COptionMenu& menu, guiEditor& editor) {
 
 void AddBeginnings(COptionMenu& menu, guiEditor& editor) {
     const auto beginnings = Menu();
-    const auto add = [&](std::string name, const std::string& instrument) {
-        name[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(name[0])));
+    const auto add = [&](const std::string& name, const std::string& instrument) {
         auto* item = new CCommandMenuItem(CCommandMenuItem::Desc(name.c_str()));
         item->setActions([&editor, instrument](CCommandMenuItem*) { editor.BeginWith(instrument); });
         beginnings->addEntry(item);
     };
-    add("initial", "");
-    for (const StartingPoint& point : StartingPoints()) add(point.name, point.name);
+    add("Initial", "");
+    for (const StartingPoint& point : StartingPoints()) add(point.Title(), point.name);
     auto* undo = new CCommandMenuItem(CCommandMenuItem::Desc("Undo"));
     undo->setEnabled(editor.CanUndoBegin());
     undo->setActions([&editor](CCommandMenuItem*) { editor.UndoBegin(); });

@@ -4,7 +4,10 @@
 #include <cstring>
 #include <utility>
 
+#include <lv2/atom/atom.h>
 #include <lv2/instance-access/instance-access.h>
+#include <lv2/options/options.h>
+#include <lv2/urid/urid.h>
 
 #include "lv2/features.h"
 #include "lv2/uris.h"
@@ -18,6 +21,19 @@ std::int64_t Milliseconds() {
     return std::chrono::duration_cast<std::chrono::milliseconds>(now).count();
 }
 
+// The scale of its display, among the options of a host that says it; 0 for none.
+float ScaleOf(const LV2_Feature* const* features) {
+    const auto* map = Feature<LV2_URID_Map>(features, LV2_URID__map);
+    const auto* option = Feature<LV2_Options_Option>(features, LV2_OPTIONS__options);
+    if (map == nullptr) return 0;
+    const LV2_URID scale = map->map(map->handle, LV2_UI__scaleFactor);
+    const LV2_URID number = map->map(map->handle, LV2_ATOM__Float);
+    for (; option != nullptr && option->key != 0; ++option)
+        if (option->key == scale && option->type == number && option->value != nullptr)
+            return *static_cast<const float*>(option->value);
+    return 0;
+}
+
 }  // namespace
 
 Ui* Ui::Make(const char* plugin, LV2UI_Write_Function write, LV2UI_Controller controller,
@@ -28,6 +44,7 @@ Ui* Ui::Make(const char* plugin, LV2UI_Write_Function write, LV2UI_Controller co
         if (instance == nullptr || !instance->TakeWindow()) return nullptr;
         auto ui = std::make_unique<Ui>(std::move(instance), write, controller);
         if (widget != nullptr) *widget = nullptr;
+        ui->instance->Object().SetScale(static_cast<double>(ScaleOf(features)));  // 0 changes nothing
         const auto parent = reinterpret_cast<std::uintptr_t>(Feature<void>(features, LV2_UI__parent));
         if (parent == 0) return ui.release();  // waits to be shown
         ui->ResizeBy(Feature<LV2UI_Resize>(features, LV2_UI__resize));

@@ -35,6 +35,12 @@ float BarGain(const StartingPoint& point, int note) {
 
 }  // namespace
 
+std::string StartingPoint::Title() const {
+    std::string title = name;
+    title[0] = static_cast<char>(title[0] - 'a' + 'A');
+    return title;
+}
+
 std::span<const StartingPoint> StartingPoints() {
     return points;
 }

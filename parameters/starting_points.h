@@ -16,6 +16,8 @@ struct StartingPoint {
     int slant;               // dB an octave by which the open bars fall from the lowest note upward
     float refinedThreshold;  // logits; of a refined ear, for which the reach alone counts besides
     const char* name;
+
+    std::string Title() const;  // the name with a capital, as menus have it
 };
 
 std::span<const StartingPoint> StartingPoints();

@@ -1,5 +1,5 @@
 // Writes the description of the LV2 plug-in, from the table of its ports: orva_lv2_describe FOLDER FILE MINOR
-// writes manifest.ttl and orva.ttl into FOLDER, for the plug-in in FILE of minor version MINOR.
+// writes manifest.ttl, orva.ttl and presets.ttl into FOLDER, for the plug-in in FILE of minor version MINOR.
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -21,5 +21,8 @@ int main(int count, char** words) {
         return !file.fail();
     };
     std::filesystem::create_directories(folder);
-    return write("manifest.ttl", Manifest(words[2])) && write("orva.ttl", Description(words[3])) ? 0 : 1;
+    return write("manifest.ttl", Manifest(words[2])) && write("orva.ttl", Description(words[3])) &&
+                   write("presets.ttl", Presets())
+               ? 0
+               : 1;
 }

@@ -2,9 +2,11 @@
 
 #include <cstdio>
 #include <sstream>
+#include <vector>
 
 #include "lv2/port_table.h"
 #include "lv2/uris.h"
+#include "parameters/starting_points.h"
 
 namespace {
 
@@ -14,6 +16,7 @@ constexpr char prefixes[] =
     "@prefix foaf: <http://xmlns.com/foaf/0.1/> .\n"
     "@prefix lv2: <http://lv2plug.in/ns/lv2core#> .\n"
     "@prefix midi: <http://lv2plug.in/ns/ext/midi#> .\n"
+    "@prefix opts: <http://lv2plug.in/ns/ext/options#> .\n"
     "@prefix pprops: <http://lv2plug.in/ns/ext/port-props#> .\n"
     "@prefix rdf: <http://www.w3.org/1999/02/22-rdf-syntax-ns#> .\n"
     "@prefix rdfs: <http://www.w3.org/2000/01/rdf-schema#> .\n"
@@ -96,11 +99,52 @@ void AddControlPort(std::ostream& out, std::uint32_t index, const ControlPort& p
     out << "\n    ]";
 }
 
+struct Preset {
+    std::string title;
+    std::vector<ParameterSetting> settings;
+
+    std::string Name() const { return Uri(pluginUri + ("#preset-" + title)); }
+};
+
+// What no instrument's settings change stays out of them: a preset leaves it as it is.
+std::vector<Preset> AllPresets() {
+    std::vector<Preset> all = {{"Initial", {}}};
+    for (std::int32_t i = paramPolyphony; i <= paramLastBar; ++i)
+        if (i != paramVelocity) all[0].settings.push_back({i, ParameterInitialValue(i)});
+    for (const StartingPoint& point : StartingPoints())
+        all.push_back({point.Title(), SettingsFor(point.name)});
+    return all;
+}
+
 }  // namespace
+
+std::string Presets() {
+    std::ostringstream out;
+    out << "@prefix lv2: <http://lv2plug.in/ns/lv2core#> .\n"
+        << "@prefix pset: <http://lv2plug.in/ns/ext/presets#> .\n"
+        << "@prefix rdfs: <http://www.w3.org/2000/01/rdf-schema#> .\n";
+    for (const Preset& preset : AllPresets()) {
+        out << "\n"
+            << preset.Name() << "\n"
+            << "    a pset:Preset ;\n"
+            << "    lv2:appliesTo " << Uri(pluginUri) << " ;\n"
+            << "    rdfs:label " << Quoted(preset.title) << " ;\n"
+            << "    lv2:port";
+        const char* before = " ";
+        for (const auto& [index, value] : preset.settings) {
+            out << before << "[ lv2:symbol " << Quoted(DescribeParameter(index).symbol) << " ; pset:value "
+                << Number(value) << " ]";
+            before = " ,\n        ";
+        }
+        out << " .\n";
+    }
+    return out.str();
+}
 
 std::string Manifest(const std::string& pluginFile) {
     std::ostringstream out;
     out << "@prefix lv2: <http://lv2plug.in/ns/lv2core#> .\n"
+        << "@prefix pset: <http://lv2plug.in/ns/ext/presets#> .\n"
         << "@prefix rdfs: <http://www.w3.org/2000/01/rdf-schema#> .\n"
         << "@prefix ui: <http://lv2plug.in/ns/extensions/ui#> .\n"
         << "\n"
@@ -113,6 +157,13 @@ std::string Manifest(const std::string& pluginFile) {
         << "    a ui:X11UI ;\n"
         << "    lv2:binary " << Uri(pluginFile) << " ;\n"
         << "    rdfs:seeAlso <orva.ttl> .\n";
+    for (const Preset& preset : AllPresets())
+        out << "\n"
+            << preset.Name() << "\n"
+            << "    a pset:Preset ;\n"
+            << "    lv2:appliesTo " << Uri(pluginUri) << " ;\n"
+            << "    rdfs:label " << Quoted(preset.title) << " ;\n"
+            << "    rdfs:seeAlso <presets.ttl> .\n";
     return out.str();
 }
 
@@ -121,7 +172,8 @@ std::string Description(const std::string& minorVersion) {
     out << prefixes << Uri(windowUri) << "\n"
         << "    a ui:X11UI ;\n"
         << "    lv2:requiredFeature <http://lv2plug.in/ns/ext/instance-access> , ui:idleInterface ;\n"
-        << "    lv2:optionalFeature ui:parent , ui:resize , ui:noUserResize ;\n"
+        << "    lv2:optionalFeature ui:parent , ui:resize , ui:noUserResize , opts:options , urid:map ;\n"
+        << "    opts:supportedOption ui:scaleFactor ;\n"
         << "    lv2:extensionData ui:idleInterface , ui:showInterface .\n"
         << "\n"
         << Uri(pluginUri) << "\n"

@@ -9,6 +9,7 @@
 #include <lv2/core/lv2.h>
 #include <lv2/instance-access/instance-access.h>
 #include <lv2/midi/midi.h>
+#include <lv2/options/options.h>
 #include <lv2/ui/ui.h>
 #include <lv2/urid/urid.h>
 #include <lv2/worker/worker.h>
@@ -53,7 +54,13 @@ public:
     bool OpenWindow(std::uint32_t parent) override {
         const LV2_Feature access{LV2_INSTANCE_ACCESS_URI, handle}, size{LV2_UI__resize, &resize},
             place{LV2_UI__parent, reinterpret_cast<void*>(std::uintptr_t{parent})};
-        const LV2_Feature* const features[] = {&access, &size, &place, nullptr};
+        const auto number = static_cast<float>(scale);
+        const LV2_Options_Option said[] = {{LV2_OPTIONS_INSTANCE, 0, Urid(LV2_UI__scaleFactor), sizeof number,
+                                            scale != 0 ? Urid(LV2_ATOM__Float) : chunk, &number},
+                                           {}};
+        const LV2_Feature mapFeature{LV2_URID__map, &map},
+            options{LV2_OPTIONS__options, const_cast<LV2_Options_Option*>(said)};
+        const LV2_Feature* const features[] = {&access, &size, &place, &mapFeature, &options, nullptr};
         const auto write = [](LV2UI_Controller to, std::uint32_t port, std::uint32_t, std::uint32_t,
                               const void* value) {
             EXPECT_EQ(port, std::uint32_t{portFirstControl});
@@ -64,6 +71,7 @@ public:
         if (made != nullptr) window = made;
         return made != nullptr;
     }
+    std::int32_t WindowWidth() override { return hostWidth; }  // announced at its opening, too
     void IdleWindow() override { Idle(); }
     void CloseWindow() override {
         if (window != nullptr) ui->cleanup(std::exchange(window, nullptr));

@@ -4,10 +4,13 @@
 #include <lilv/lilv.h>
 
 #include <functional>
+#include <map>
 #include <sstream>
 
 #include "lv2/instance.h"
 #include "lv2/midi_port.h"
+#include "lv2/uris.h"
+#include "parameters/starting_points.h"
 #include "tests/faces/lv2_host.h"
 #include "tests/support/await.h"
 #include "tests/support/devices.h"
@@ -44,9 +47,42 @@ TEST(Lv2, ItsDescriptionIsTheOneThatWasReviewed) {
 
     const TempFolder folder;
     const std::string found = folder / "found";
-    std::system(
-        ("lv2_validate " ORVA_BUNDLE "/manifest.ttl " ORVA_BUNDLE "/orva.ttl > " + found + " 2>&1").c_str());
+    std::system(("lv2_validate " ORVA_BUNDLE "/manifest.ttl " ORVA_BUNDLE "/orva.ttl " ORVA_BUNDLE
+                 "/presets.ttl > " +
+                 found + " 2>&1")
+                    .c_str());
     EXPECT_NE(ReadAll(found).find("Found 0 errors"), std::string::npos) << ReadAll(found);
+}
+
+TEST(Lv2, ItsPresetsAreTheSettingsToBeginWith) {
+    LilvWorld* const world = lilv_world_new();
+    LilvNode* const bundle = lilv_new_file_uri(world, nullptr, ORVA_BUNDLE "/");
+    lilv_world_load_bundle(world, bundle);
+    std::map<std::string, LV2_URID> urids;
+    LV2_URID_Map map{&urids, [](void* all, const char* uri) {
+                         auto& known = *static_cast<std::map<std::string, LV2_URID>*>(all);
+                         return known.emplace(uri, known.size() + 1).first->second;
+                     }};
+    for (const StartingPoint& point : StartingPoints()) {
+        LilvNode* const name = lilv_new_uri(world, (pluginUri + ("#preset-" + point.Title())).c_str());
+        lilv_world_load_resource(world, name);
+        LilvState* const state = lilv_state_new_from_world(world, &map, name);
+        ASSERT_NE(state, nullptr) << point.name;
+        EXPECT_EQ(lilv_state_get_label(state), point.Title());
+        std::map<std::string, float> values, wanted;
+        lilv_state_emit_port_values(
+            state,
+            [](const char* symbol, void* to, const void* value, std::uint32_t, std::uint32_t) {
+                (*static_cast<std::map<std::string, float>*>(to))[symbol] = *static_cast<const float*>(value);
+            },
+            &values);
+        for (const auto& [index, value] : SettingsFor(point.name)) wanted[ParameterSymbol(index)] = value;
+        EXPECT_EQ(values, wanted);
+        lilv_state_free(state);
+        lilv_node_free(name);
+    }
+    lilv_node_free(bundle);
+    lilv_world_free(world);
 }
 
 TEST(Lv2, TheFileHasOnePlugInAndItsWindow) {

@@ -200,7 +200,7 @@ TEST_P(Faces, OpenTheirWindowAgainAndAgain) {
     }
 }
 
-TEST_P(LaterFaces, OpenTheirWindowAtTheHostsScaleUnlessTheUserHasChosen) {
+TEST_P(Faces, OpenTheirWindowAtTheHostsScaleUnlessTheUserHasChosen) {
     const TempFolder settings;
     setenv("XDG_CONFIG_HOME", settings.path.c_str(), 1);
     HostWindow desktop;

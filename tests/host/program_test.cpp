@@ -122,6 +122,9 @@ TEST_F(Program, PassesItsSettingsOnToThePlugIn) {
     WriteAudio(low, HeldNote(middleC / 2, 44100, 0.3, 1.0, 1.3), 44100);
     EXPECT_FALSE(Contains(NotesOf(low, {"--for", "flute"}).dump(), C3));
     EXPECT_TRUE(Contains(NotesOf(low, {"--param", "27=1", "--for", "flute"}).dump(), C3));
+    EXPECT_FALSE(Contains(NotesOf(low, {"--preset", ORVA_PRESETS "/Flute.fxp"}).dump(), C3));
+    EXPECT_TRUE(Contains(NotesOf(low, {"--preset", ORVA_PRESETS "/Voice.fxp"}).dump(), C3));
+    ExpectOneLine(RunHost({"render", low, "--preset", low}), "not a preset of this plug-in");
 
     // Amplitude 1/4 is power 1/16, whose fourth root is 1/2: the softer note has half the velocity.
     const Audio loud = HeldNote(middleC, 44100, 0.3, 0.8, 1.5);

@@ -3,8 +3,11 @@
 #include <strings.h>
 
 #include <algorithm>
+#include <fstream>
+#include <iterator>
 
 #include "parameters/parameters.h"
+#include "parameters/program_file.h"
 #include "parameters/starting_points.h"
 #include "tools/host/hosted_plugin.h"
 #include "tools/host/plugin_facts.h"
@@ -41,6 +44,17 @@ ParameterSetting ParseParameter(const std::string& text, const std::vector<std::
         plugin.Text(effGetParamDisplay, index) + "\" where the plug-in reads it");
 }
 
+std::vector<ParameterSetting> ReadPreset(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    const std::string bytes((std::istreambuf_iterator<char>(file)), {});
+    if (!file) throw std::invalid_argument(path + " cannot be read");
+    try {
+        return ReadProgramFile(bytes);
+    } catch (const std::invalid_argument& fault) {
+        throw std::invalid_argument(path + ": " + fault.what());
+    }
+}
+
 }  // namespace
 
 void AddParameterOptions(CLI::App& command, ParameterTexts& texts) {
@@ -49,6 +63,9 @@ void AddParameterOptions(CLI::App& command, ParameterTexts& texts) {
                     "begin with settings that suit an instrument: " + StartingPointNames() +
                         ";\nnotes outside its reach are not heard, and --param has the last word")
         ->type_name("INSTRUMENT");
+    command.add_option("--preset", texts.preset, "begin with the program that a VST 2 host has saved (.fxp)")
+        ->type_name("FILE")
+        ->excludes("--for");
     command
         .add_option("--param", texts.values,
                     "set a parameter by its name or index: 0 to 1, or a text as the plug-in\nshows it, "
@@ -66,6 +83,7 @@ std::vector<ParameterSetting> ParseParameters(const ParameterTexts& texts, const
     if (!texts.instrument.empty())
         settings = ParseOption("--for", [&] { return SettingsFor(texts.instrument); });
     if (ear != Ear::classic) std::erase_if(settings, isOfClassic);
+    if (!texts.preset.empty()) settings = ParseOption("--preset", [&] { return ReadPreset(texts.preset); });
     if (texts.values.empty()) return settings;
     const std::vector<std::string> names = ParameterNames(module);
     HostedPlugin plugin(module, askingRate, "ORVA", nullptr);

@@ -2,10 +2,11 @@
 #include "tools/host/commands/command.h"
 #include "tools/host/renderer.h"
 
-// The options --for and --param, for each command that has them: their texts, and what they mean for this
-// plug-in.
+// The options --for, --preset and --param, for each command that has them: their texts, and what they mean
+// for this plug-in.
 struct ParameterTexts {
     std::string instrument;           // a starting point; empty: the plug-in's own settings
+    std::string preset;               // a program of VST 2 hosts, as a file
     std::vector<std::string> values;  // NAME=VALUE
 };
 
