@@ -25,6 +25,8 @@ target_compile_options(orva_flags INTERFACE
   -ffile-prefix-map=${PROJECT_SOURCE_DIR}=.)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   target_compile_options(orva_flags INTERFACE -fno-gnu-unique)
+else()
+  target_compile_options(orva_flags INTERFACE -Wthread-safety) # base/thread_annotations.h
 endif()
 if(WIN32)
   target_compile_definitions(orva_flags INTERFACE UNICODE _UNICODE WIN32_LEAN_AND_MEAN NOMINMAX)

@@ -103,8 +103,8 @@ public:
         bool locked = false;
         bool gaveUp = false;
     };
-    void Lock() { mutex.lock(); }
-    void Unlock() { mutex.unlock(); }
+    void Lock() ACQUIRE(mutex) { mutex.lock(); }
+    void Unlock() RELEASE(mutex) { mutex.unlock(); }
 
     struct BandMessages {
         Relaxed<std::uint32_t> onMessage;   // note on with the velocity setting; 0 for a band without a note

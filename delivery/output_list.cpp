@@ -1,12 +1,13 @@
 #include "delivery/output_list.h"
 
 #include <algorithm>
-#include <mutex>
 #include <stdexcept>
+
+#include "base/mutex.h"
 
 // Behind the last one, so that the order of attachment stays; a gap before it is left.
 void OutputList::Append(TNoteOut* output) {
-    const std::lock_guard<PriorityLock> held(changing);
+    const Locked held(changing);
     std::size_t end = capacity;
     while (end > 0 && slots[end - 1].load() == nullptr) --end;
     if (end == capacity) throw std::length_error("too many outputs");
@@ -14,7 +15,7 @@ void OutputList::Append(TNoteOut* output) {
 }
 
 void OutputList::Remove(const TNoteOut* output) {
-    const std::lock_guard<PriorityLock> held(changing);
+    const Locked held(changing);
     const auto found = std::find(slots.begin(), slots.end(), output);
     if (found != slots.end()) found->store(nullptr);
 }

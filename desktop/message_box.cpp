@@ -10,14 +10,14 @@ std::atomic<IMessageBox*> substitute{nullptr};
 
 void MessageBox::Show(const std::string& text, const std::string& caption) {
     {
-        const std::lock_guard<std::mutex> hold(lock);
+        const Locked hold(lock);
         if (window != nullptr && window->TakeMessage(text, caption)) return;
     }
     SystemMessageBox().Show(text, caption);
 }
 
 void MessageBox::SetWindow(IMessageWindow* newWindow) {
-    const std::lock_guard<std::mutex> hold(lock);
+    const Locked hold(lock);
     window = newWindow;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
-#include <mutex>
 #include <string>
+
+#include "base/mutex.h"
 
 // Something that can show the user a message: a text under a caption.
 class IMessageBox {
@@ -30,8 +31,8 @@ public:
     void SetWindow(IMessageWindow* newWindow);
 
 private:
-    std::mutex lock;
-    IMessageWindow* window = nullptr;  // under lock; not owned
+    Mutex lock;
+    IMessageWindow* window GUARDED_BY(lock) = nullptr;  // not owned
 };
 
 // The desktop's way. On Linux a dialog program, if there is one and a display, otherwise a line on standard

@@ -1,5 +1,6 @@
 #include "devices/midi_ports.h"
 
+#include <cassert>
 #include <new>
 
 #include "base/lasting.h"
@@ -56,7 +57,7 @@ TMidiPort* MidiPortTable::Usable(std::uint32_t port) const {
     return tableClosed == 0 ? At(port) : nullptr;
 }
 
-// The number of a free port, or of one that is ready to stand behind the last. Under lock.
+// The number of a free port, or of one that is ready to stand behind the last.
 std::uint32_t MidiPortTable::FindFree() {
     const std::uint32_t count = portCount.load();
     std::uint32_t number = 0;
@@ -70,7 +71,7 @@ std::uint32_t MidiPortTable::FindFree() {
 }
 
 std::uint32_t MidiPortTable::OpenPort(std::uint32_t& port, std::uint32_t index) try {
-    const std::lock_guard<std::mutex> hold(lock);
+    const Locked hold(lock);
     if (tableClosed != 0) return MMSYSERR_ERROR;
     const std::uint32_t number = FindFree();
     const auto [found, isNew] = openDevices.try_emplace(index);
@@ -97,22 +98,28 @@ std::uint32_t MidiPortTable::OpenPort(std::uint32_t& port, std::uint32_t index) 
 
 // The notes are ended with the lock released: meanwhile the device may find another user, or the table end.
 void MidiPortTable::ClosePort(std::uint32_t port) {
-    std::unique_lock<std::mutex> hold(lock);
-    TMidiPort* const entry = Usable(port);
-    if (entry == nullptr || entry->isFree != 0) return;
-    const std::uint32_t index = entry->deviceIndex;
-    if (--openDevices[index].useCount == 0) {
-        hold.unlock();
-        SilencePort(port);
-        hold.lock();
-        if (tableClosed != 0) return;
-        const auto device = openDevices.find(index);
-        if (device != openDevices.end() && device->second.useCount == 0) {
-            CloseDevice(device->second.handle);
-            openDevices.erase(device);
-        }
+    std::uint32_t index = 0;
+    {
+        const Locked hold(lock);
+        const TMidiPort* const entry = Usable(port);
+        if (entry == nullptr || entry->isFree != 0) return;
+        index = entry->deviceIndex;
+        assert(openDevices[index].useCount > 0);
+        if (--openDevices[index].useCount > 0) return FreePort(port);
     }
-    entry->isFree = 1;
+    SilencePort(port);
+    const Locked hold(lock);
+    if (tableClosed != 0) return;
+    const auto device = openDevices.find(index);
+    if (device != openDevices.end() && device->second.useCount == 0) {
+        CloseDevice(device->second.handle);
+        openDevices.erase(device);
+    }
+    FreePort(port);
+}
+
+void MidiPortTable::FreePort(std::uint32_t port) {
+    ports[port].load()->isFree = 1;
     if (port + 1 == portCount.load()) portCount.store(port);
 }
 
@@ -153,12 +160,12 @@ void MidiPortTable::SilencePort(std::uint32_t port) {
 // Senders that looked at the flag before find the handle closed, and the layer refuses them.
 void MidiPortTable::Unload() {
     {
-        const std::lock_guard<std::mutex> hold(lock);
+        const Locked hold(lock);
         tableClosed = 1;
     }
     const std::uint32_t count = portCount.load();
     for (std::uint32_t port = 0; port < count; ++port) SilencePort(port);
-    const std::lock_guard<std::mutex> hold(lock);
+    const Locked hold(lock);
     for (const auto& [index, device] : openDevices) CloseDevice(device.handle);
     openDevices.clear();
     portCount.store(0);

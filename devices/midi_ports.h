@@ -2,8 +2,8 @@
 #include <atomic>
 #include <cstdint>
 #include <map>
-#include <mutex>
 
+#include "base/mutex.h"
 #include "base/relaxed.h"
 #include "devices/midi_out_devices.h"
 
@@ -57,13 +57,14 @@ private:
 
     TMidiPort* At(std::uint32_t port) const;      // null: out of range
     TMidiPort* Usable(std::uint32_t port) const;  // null: out of range, or the table is closed
-    std::uint32_t FindFree();
+    std::uint32_t FindFree() REQUIRES(lock);
+    void FreePort(std::uint32_t port) REQUIRES(lock);
 
     std::atomic<TMidiPort*> ports[maxPorts] = {};  // made as needed, under lock
     std::atomic<std::uint32_t> portCount{0};       // ports below it are in use or free; changes under lock
     Relaxed<std::uint32_t> tableClosed = 0;        // set at unload, under lock
-    std::mutex lock;
-    std::map<std::uint32_t, OpenDevice> openDevices;  // by device index; under lock
+    Mutex lock;
+    std::map<std::uint32_t, OpenDevice> openDevices GUARDED_BY(lock);  // by device index
 };
 
 // The process's table. It is made when the program is loaded. When the process ends, its devices are closed;

@@ -43,15 +43,14 @@ std::vector<SystemMidiOut::Known> SystemMidiOut::Find() {
     return found;
 }
 
-// Under reading; takes listLock.
 void SystemMidiOut::Merge(std::vector<Known> found, bool fillGaps) {
-    const std::lock_guard<std::mutex> hold(listLock);
+    const Locked hold(listLock);
     UpdateList(std::move(found), fillGaps);
     for (Known& device : devices)
         if (!device.shown) device.shown = UniqueName(device.name);
 }
 
-// Under listLock. The name, or the name and the first number from 2 on that makes it unlike all in the list.
+// The name, or the name and the first number from 2 on that makes it unlike all in the list.
 std::u16string SystemMidiOut::UniqueName(const std::string& name) const {
     constexpr std::size_t units = MidiOutCaps::nameUnits - 1;
     std::u16string unique = WideText(name, units);
@@ -63,7 +62,6 @@ std::u16string SystemMidiOut::UniqueName(const std::string& name) const {
     return unique;
 }
 
-// Under listLock.
 void SystemMidiOut::UpdateList(std::vector<Known> found, bool fillGaps) {
     const bool anyOpen =
         std::any_of(devices.begin(), devices.end(), [](const Known& d) { return d.opened > 0; });
@@ -95,18 +93,18 @@ void SystemMidiOut::UpdateList(std::vector<Known> found, bool fillGaps) {
 }
 
 void SystemMidiOut::ReadDevices() {
-    const std::lock_guard<std::mutex> one(reading);
+    const Locked one(reading);
     Merge(Find(), true);
 }
 
 void SystemMidiOut::ReadOnce() {
     {
-        const std::lock_guard<std::mutex> hold(listLock);
+        const Locked hold(listLock);
         if (wasRead) return;
     }
-    const std::lock_guard<std::mutex> one(reading);
+    const Locked one(reading);
     {
-        const std::lock_guard<std::mutex> hold(listLock);
+        const Locked hold(listLock);
         if (wasRead) return;
     }
     Merge(Find(), true);
@@ -114,13 +112,13 @@ void SystemMidiOut::ReadOnce() {
 
 std::uint32_t SystemMidiOut::midiOutGetNumDevs() {
     ReadOnce();
-    const std::lock_guard<std::mutex> hold(listLock);
+    const Locked hold(listLock);
     return static_cast<std::uint32_t>(devices.size());
 }
 
 std::uint32_t SystemMidiOut::midiOutGetDevCapsW(std::uint32_t id, MidiOutCaps& caps) {
     ReadOnce();
-    const std::lock_guard<std::mutex> hold(listLock);
+    const Locked hold(listLock);
     if (id >= devices.size() || !devices[id].there) return MMSYSERR_BADDEVICEID;
     const std::u16string& name = *devices[id].shown;
     *std::copy(name.begin(), name.end(), caps.name) = u'\0';
@@ -128,12 +126,12 @@ std::uint32_t SystemMidiOut::midiOutGetDevCapsW(std::uint32_t id, MidiOutCaps& c
 }
 
 std::uint32_t SystemMidiOut::midiOutOpen(MidiOutHandle& handle, std::uint32_t id) {
-    const std::lock_guard<std::mutex> one(reading);
+    const Locked one(reading);
     Merge(Find(), false);
     Known wanted = {};
     std::size_t slot = 0;
     {
-        const std::lock_guard<std::mutex> hold(listLock);
+        const Locked hold(listLock);
         layerTexts.clear();
         const bool known = id < devices.size() && devices[id].there;
         if (!known && id != midiMapperId) return MMSYSERR_BADDEVICEID;
@@ -143,7 +141,7 @@ std::uint32_t SystemMidiOut::midiOutOpen(MidiOutHandle& handle, std::uint32_t id
     }
     MidiOpening opening =
         wanted.backend != nullptr ? wanted.backend->Open(wanted.name) : backends.front()->OpenMapper();
-    const std::lock_guard<std::mutex> hold(listLock);
+    const Locked hold(listLock);
     if (opening.code != MMSYSERR_NOERROR) {
         layerTexts[opening.code] = std::move(opening.text);
         return opening.code;
@@ -154,7 +152,6 @@ std::uint32_t SystemMidiOut::midiOutOpen(MidiOutHandle& handle, std::uint32_t id
     return MMSYSERR_NOERROR;
 }
 
-// Under listLock.
 MidiOutHandle SystemMidiOut::Admit(std::unique_ptr<MidiDevice> device, std::size_t slot) {
     const MidiOutHandle handle = ++generation * maxOpen + slot;
     slots[slot].taken = true;
@@ -182,7 +179,7 @@ std::uint32_t SystemMidiOut::midiOutClose(MidiOutHandle handle) {
         else
             std::this_thread::sleep_for(std::chrono::microseconds(50));
     slot.device.reset();
-    const std::lock_guard<std::mutex> hold(listLock);
+    const Locked hold(listLock);
     if (slot.id != midiMapperId) --devices[slot.id].opened;
     slot.taken = false;
     return MMSYSERR_NOERROR;
@@ -215,7 +212,7 @@ std::uint32_t SystemMidiOut::midiOutLongMsg(MidiOutHandle handle, const MidiLong
 }
 
 std::uint32_t SystemMidiOut::midiOutGetErrorTextW(std::uint32_t code, MidiOutErrorTextW& text) {
-    const std::lock_guard<std::mutex> hold(listLock);
+    const Locked hold(listLock);
     const auto own = layerTexts.find(code);
     const bool layerHasOne = own != layerTexts.end() && !own->second.empty();
     const auto* const common = std::find_if(std::begin(texts), std::end(texts),

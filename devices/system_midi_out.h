@@ -3,11 +3,11 @@
 #include <atomic>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "base/mutex.h"
 #include "devices/midi_backend.h"
 #include "devices/midi_out_devices.h"
 
@@ -57,21 +57,22 @@ private:
         std::uint32_t id = 0;                  // under listLock
     };
 
-    std::vector<Known> Find();  // asks the layers; under reading
-    void Merge(std::vector<Known> found, bool fillGaps);
-    void UpdateList(std::vector<Known> found, bool fillGaps);
-    std::u16string UniqueName(const std::string& name) const;
+    std::vector<Known> Find() REQUIRES(reading);  // asks the layers
+    void Merge(std::vector<Known> found, bool fillGaps) REQUIRES(reading);
+    void UpdateList(std::vector<Known> found, bool fillGaps) REQUIRES(listLock);
+    std::u16string UniqueName(const std::string& name) const REQUIRES(listLock);
     void ReadOnce();
-    MidiOutHandle Admit(std::unique_ptr<MidiDevice> device, std::size_t slot);
+    MidiOutHandle Admit(std::unique_ptr<MidiDevice> device, std::size_t slot) REQUIRES(listLock);
     template <typename Use>
     std::uint32_t With(MidiOutHandle handle, Use use);
 
     const std::vector<std::unique_ptr<MidiBackend>> backends;
-    std::mutex reading;   // whoever asks the layers for names or a device; taken before listLock
-    std::mutex listLock;  // short: guards what follows
-    bool wasRead = false;
-    std::vector<Known> devices;  // by id
-    MidiOutHandle generation = 0;
-    std::map<std::uint32_t, std::string> layerTexts;  // by code: of the last opening, if it failed
+    Mutex reading;   // whoever asks the layers for names or a device; taken before listLock
+    Mutex listLock;  // held for a short time
+    bool wasRead GUARDED_BY(listLock) = false;
+    std::vector<Known> devices GUARDED_BY(listLock);  // by id
+    MidiOutHandle generation GUARDED_BY(listLock) = 0;
+    // By code: of the last opening, if it failed.
+    std::map<std::uint32_t, std::string> layerTexts GUARDED_BY(listLock);
     std::array<Slot, maxOpen> slots;
 };

@@ -235,7 +235,7 @@ void guiEditor::CloseNow() {
     tasks.clear();
     std::vector<Message> unseen;
     {
-        const std::lock_guard locked(messagesGuard);
+        const Locked locked(messagesGuard);
         unseen.swap(messages);
     }
     if (!messageIsUp) FinishOpenedMenus();
@@ -377,7 +377,7 @@ void guiEditor::ShowStatus(const std::string& text) {
 
 bool guiEditor::TakeMessage(const std::string& text, const std::string& caption) {
     if (!isEditorOpen) return false;
-    const std::lock_guard locked(messagesGuard);
+    const Locked locked(messagesGuard);
     messages.push_back({text, caption});
     return true;
 }
@@ -391,7 +391,7 @@ void guiEditor::ShowNextMessage() {
     if (window == nullptr || messageIsUp || frame->getModalView() != nullptr) return;
     Message next;
     {
-        const std::lock_guard locked(messagesGuard);
+        const Locked locked(messagesGuard);
         if (messages.empty()) return;
         next = std::move(messages.front());
         messages.erase(messages.begin());

@@ -2,11 +2,11 @@
 #include <cstdint>
 #include <functional>
 #include <map>
-#include <mutex>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "base/mutex.h"
 #include "base/relaxed.h"
 #include "desktop/file_dialog.h"
 #include "desktop/message_box.h"
@@ -135,8 +135,8 @@ private:
     int ownedDialog = -1;   // the last whose windows were put above the host's
     int attemptsToOwn = 0;  // for that one
     std::function<void(const std::string&)> fileChosen;
-    std::mutex messagesGuard;       // of `messages`; nothing else is done under it
-    std::vector<Message> messages;  // not yet shown, oldest first
+    Mutex messagesGuard;                                      // nothing else is done under it
+    std::vector<Message> messages GUARDED_BY(messagesGuard);  // not yet shown, oldest first
     bool messageIsUp = false;
     VSTGUI::ModalViewSessionID messageSession{};  // of the message that is up
     int busy = 0;                                 // entries of ours that are on the stack

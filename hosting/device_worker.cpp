@@ -63,7 +63,7 @@ void DeviceWorker::RequestedInWindow(std::int32_t index, float value) {
 }
 
 void DeviceWorker::Note(std::int32_t index, float value) {
-    const std::lock_guard<std::mutex> held(guard);
+    const Locked held(guard);
     Requested(index) = value;
 }
 
@@ -73,7 +73,7 @@ void DeviceWorker::ReportFallBacks() {
     for (const std::int32_t index : {paramDevice, paramDeviceEnabled}) {
         float actual = 0;
         {
-            const std::lock_guard<std::mutex> held(guard);
+            const Locked held(guard);
             actual = object.Parameter(index);
             if (Same(index, Requested(index), actual) || !listener.WantsFallBacks()) continue;
             Requested(index) = actual;

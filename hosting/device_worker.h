@@ -4,9 +4,9 @@
 #include <atomic>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <thread>
 
+#include "base/mutex.h"
 #include "editor/mailbox.h"
 #include "hosting/hosted_object.h"
 #include "parameters/parameters.h"
@@ -64,7 +64,7 @@ public:
 private:
     void Note(std::int32_t index, float value);
     void ReportFallBacks();
-    float& Requested(std::int32_t index) { return requested[index - paramDevice]; }
+    float& Requested(std::int32_t index) REQUIRES(guard) { return requested[index - paramDevice]; }
 
     HostedObject& object;
     IFallBackListener& listener;
@@ -72,7 +72,7 @@ private:
     Mailbox fresh;                      // requests that no worker has seen yet
     std::atomic<bool> unheard = false;  // some are, and nobody was asked
 
-    std::mutex guard;  // of `requested`; held across no call into object or host but to read a word
-    float requested[2] = {0, 0};     // the last of each; as the object begins
-    std::unique_ptr<OwnThread> own;  // last: it uses the others
+    Mutex guard;  // held across no call into object or host but to read a word
+    float requested[2] GUARDED_BY(guard) = {0, 0};  // the last of each; as the object begins
+    std::unique_ptr<OwnThread> own;                 // last: it uses the others
 };

@@ -4,11 +4,11 @@
 #include <bit>
 #include <cstring>
 #include <map>
-#include <mutex>
 
 #include <lv2/midi/midi.h>
 
 #include "base/lasting.h"
+#include "base/mutex.h"
 #include "lv2/features.h"
 
 namespace {
@@ -23,8 +23,8 @@ std::int64_t EchoFrames(double rate) {
 
 // The instances that hosts hold.
 struct Instances {
-    std::mutex guard;
-    std::map<LV2_Handle, std::shared_ptr<Instance>> held;
+    Mutex guard;
+    std::map<LV2_Handle, std::shared_ptr<Instance>> held GUARDED_BY(guard);
 };
 
 Instances& All() {
@@ -55,7 +55,7 @@ LV2_Handle Instance::Make(double rate, const LV2_Feature* const* features) noexc
         auto made = std::make_shared<Instance>(rate, midi,
                                                Feature<LV2_Worker_Schedule>(features, LV2_WORKER__schedule));
         Instance* const handle = made.get();
-        const std::lock_guard<std::mutex> held(All().guard);
+        const Locked held(All().guard);
         All().held.emplace(handle, std::move(made));
         return handle;
     } catch (...) {
@@ -64,7 +64,7 @@ LV2_Handle Instance::Make(double rate, const LV2_Feature* const* features) noexc
 }
 
 std::shared_ptr<Instance> Instance::Find(LV2_Handle handle) {
-    const std::lock_guard<std::mutex> held(All().guard);
+    const Locked held(All().guard);
     const auto found = All().held.find(handle);
     return found != All().held.end() ? found->second : nullptr;
 }
@@ -72,7 +72,7 @@ std::shared_ptr<Instance> Instance::Find(LV2_Handle handle) {
 void Instance::Forget(LV2_Handle handle) {
     std::shared_ptr<Instance> last;  // ends outside the lock
     {
-        const std::lock_guard<std::mutex> held(All().guard);
+        const Locked held(All().guard);
         const auto found = All().held.find(handle);
         if (found == All().held.end()) return;
         last = std::move(found->second);

@@ -48,11 +48,11 @@ bool CORVA_vst::string2parameter(std::int32_t index, const char* text) {
 void CORVA_vst::setProgramName(const char* name) {
     if (name == nullptr) return;
     // A host's text may be longer than the field, or without an end: no byte past the field's size is read.
-    const std::lock_guard<std::mutex> held(programNameGuard);
+    const Locked held(programNameGuard);
     CopyText(programName, sizeof programName, {name, strnlen(name, sizeof programName)});
 }
 
 void CORVA_vst::getProgramName(char* name) {
-    const std::lock_guard<std::mutex> held(programNameGuard);
+    const Locked held(programNameGuard);
     CopyText(name, kVstMaxProgNameLen, programName);
 }

@@ -29,7 +29,7 @@ void DeviceSwitch::SetEnabled(bool enabled) {
 
 void DeviceSwitch::Ask(Request request) {
     {
-        const std::lock_guard<std::mutex> held(guard);
+        const Locked held(guard);
         requests.push_back(request);
         if (busy) return;
         busy = true;
@@ -37,14 +37,14 @@ void DeviceSwitch::Ask(Request request) {
     try {
         for (Request next; NextRequest(next);) Serve(next);
     } catch (...) {
-        const std::lock_guard<std::mutex> held(guard);
+        const Locked held(guard);
         busy = false;
         throw;
     }
 }
 
 bool DeviceSwitch::NextRequest(Request& request) {
-    const std::lock_guard<std::mutex> held(guard);
+    const Locked held(guard);
     busy = !requests.empty();
     if (!busy) return false;
     request = requests.front();
@@ -115,7 +115,7 @@ void DeviceSwitch::closeMidiDevice() {
     }
     midiDeviceEnabled = false;
     {
-        const std::lock_guard<std::mutex> held(guard);
+        const Locked held(guard);
         retired.push_back(std::move(closed));
     }
     DeleteRetired();
@@ -126,7 +126,7 @@ void DeviceSwitch::closeMidiDevice() {
 void DeviceSwitch::DeleteRetired() {
     std::vector<std::unique_ptr<TRTMidiOut>> gone;
     {
-        const std::lock_guard<std::mutex> held(guard);
+        const Locked held(guard);
         if (!retired.empty() && recorder.OutputsAreQuiet()) gone.swap(retired);
     }
 }

@@ -2,9 +2,9 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <vector>
 
+#include "base/mutex.h"
 #include "base/relaxed.h"
 
 class IMessageBox;
@@ -69,8 +69,9 @@ private:
     // Replaced under the recorder's lock, or where waiting for it times out; null while none is open.
     std::atomic<TRTMidiOut*> midiDeviceOut{nullptr};
 
-    std::mutex guard;                                  // of what follows; held across no call
-    std::vector<Request> requests;                     // in the order in which they came
-    bool busy = false;                                 // somebody is serving them
-    std::vector<std::unique_ptr<TRTMidiOut>> retired;  // detached; to be deleted once no thread is inside one
+    Mutex guard;                                      // held across no call
+    std::vector<Request> requests GUARDED_BY(guard);  // in the order in which they came
+    bool busy GUARDED_BY(guard) = false;              // somebody is serving them
+    // Detached; to be deleted once no thread is inside one.
+    std::vector<std::unique_ptr<TRTMidiOut>> retired GUARDED_BY(guard);
 };

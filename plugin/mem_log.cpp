@@ -7,7 +7,7 @@
 
 void MemLog::append(const std::string& block) {
     if (block.empty()) return;
-    const std::lock_guard<std::mutex> held(guard);
+    const Locked held(guard);
     const auto known = std::find(blocks.begin(), blocks.end(), block);
     const auto index = static_cast<std::size_t>(known - blocks.begin());
     if (known == blocks.end()) blocks.push_back(block);
@@ -18,7 +18,7 @@ void MemLog::append(const std::string& block) {
 }
 
 std::string MemLog::text() const {
-    const std::lock_guard<std::mutex> held(guard);
+    const Locked held(guard);
     std::size_t length = 0;
     for (const Run& run : runs) length += run.times * blocks[run.block].size();
     std::string whole;

@@ -1,8 +1,9 @@
 #pragma once
 #include <cstddef>
-#include <mutex>
 #include <string>
 #include <vector>
+
+#include "base/mutex.h"
 
 // A text log held in memory, so that a user can save facts about the host for support. One per process; all
 // instances append to it, and nothing ever clears it.
@@ -22,9 +23,9 @@ private:
         std::size_t block;  // index into `blocks`
         std::size_t times;  // in a row
     };
-    mutable std::mutex guard;         // of what follows
-    std::vector<std::string> blocks;  // each different one
-    std::vector<Run> runs;            // the log, oldest first
+    mutable Mutex guard;
+    std::vector<std::string> blocks GUARDED_BY(guard);  // each different one
+    std::vector<Run> runs GUARDED_BY(guard);            // the log, oldest first
 };
 
 MemLog& getMemLog();  // the process-wide instance, made at the first request

@@ -1,9 +1,9 @@
 #pragma once
 #include <atomic>
 #include <cstdint>
-#include <mutex>
 #include <vector>
 
+#include "base/mutex.h"
 #include "base/relaxed.h"
 #include "delivery/note_recorder.h"
 #include "delivery/vst_midi_out.h"
@@ -148,6 +148,6 @@ private:
     Relaxed<Ear> ear = Ear::classic;                  // as chosen last
     Relaxed<float> earThreshold = 0.0F;
     Relaxed<float> inputLevel = 0.0F;  // dB, of inputGain
-    std::mutex programNameGuard;       // never taken by a process call
-    char programName[kVstMaxProgNameLen];
+    Mutex programNameGuard;            // never taken by a process call
+    char programName[kVstMaxProgNameLen] GUARDED_BY(programNameGuard);
 };

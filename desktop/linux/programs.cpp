@@ -9,10 +9,10 @@
 
 #include <cerrno>
 #include <cstdlib>
-#include <mutex>
 #include <string_view>
 
 #include "base/lasting.h"
+#include "base/mutex.h"
 
 namespace {
 
@@ -57,17 +57,17 @@ struct Attributes {
 class OwnChildren {
 public:
     void Add(pid_t child) {
-        const std::lock_guard<std::mutex> hold(lock);
+        const Locked hold(lock);
         children.push_back(child);
     }
     void Reap() {
-        const std::lock_guard<std::mutex> hold(lock);
+        const Locked hold(lock);
         std::erase_if(children, [](pid_t child) { return waitpid(child, nullptr, WNOHANG) != 0; });
     }
 
 private:
-    std::mutex lock;
-    std::vector<pid_t> children;
+    Mutex lock;
+    std::vector<pid_t> children GUARDED_BY(lock);
 };
 OwnChildren& Children() {
     static Lasting<OwnChildren> children;

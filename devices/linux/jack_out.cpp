@@ -10,21 +10,23 @@
 #include <array>
 #include <atomic>
 #include <cerrno>
-#include <mutex>
 
 #include "base/lasting.h"
+#include "base/mutex.h"
 #include "devices/message_ring.h"
 
 namespace {
 
-std::mutex jackAttempts;  // one attempt at a time, because of the process-wide listener below
+Mutex jackAttempts;  // one attempt at a time, because of the process-wide listener below
 
 // Around each call that opens or closes a client. libjack writes several lines to standard error when no
 // server answers, and it leaves a signal of broken pipes blocked on the calling thread, or raised where the
 // server died unnoticed. Host and thread get back what they had.
-class QuietAttempt {
+class SCOPED_CAPABILITY QuietAttempt {
 public:
-    QuietAttempt() : one(jackAttempts), listener(jack_error_callback) {
+    QuietAttempt() ACQUIRE(jackAttempts) {
+        jackAttempts.lock();
+        listener = jack_error_callback;
         jack_set_error_function([](const char*) {});
         sigemptyset(&brokenPipe);
         sigaddset(&brokenPipe, SIGPIPE);
@@ -33,19 +35,19 @@ public:
         sigpending(&pending);
         wasPending = sigismember(&pending, SIGPIPE) == 1;
     }
-    ~QuietAttempt() {
+    ~QuietAttempt() RELEASE() {
         const timespec atOnce = {};
         if (!wasPending)
             while (sigtimedwait(&brokenPipe, nullptr, &atOnce) == -1 && errno == EINTR) continue;
         pthread_sigmask(SIG_SETMASK, &found, nullptr);
         jack_set_error_function(listener);
+        jackAttempts.unlock();
     }
     QuietAttempt(const QuietAttempt&) = delete;
     QuietAttempt& operator=(const QuietAttempt&) = delete;
 
 private:
-    const std::lock_guard<std::mutex> one;
-    void (*const listener)(const char*);  // the host's, or the library's own
+    void (*listener)(const char*) = nullptr;  // the host's, or the library's own
     sigset_t brokenPipe;
     sigset_t found;
     bool wasPending = false;
@@ -53,17 +55,16 @@ private:
 
 class JackLink;
 
-// Under jackAttempts.
 struct Links {
     std::vector<JackLink*> open;                  // with a client that we still have to close
     std::vector<std::unique_ptr<JackLink>> dead;  // whose server has died
 };
-Links& AllLinks() {
+Links& AllLinks() REQUIRES(jackAttempts) {
     static Lasting<Links> links;
     return links.value;
 }
 
-jack_client_t* OpenClient();
+jack_client_t* OpenClient() REQUIRES(jackAttempts);
 
 // A client of ours with its output port, and the messages on their way through it.
 //
@@ -215,7 +216,7 @@ private:
     sem_t quiet;             // posted when nothing is left to send, or when nothing can be
 };
 
-// Within an attempt. Where no server answers, the servers of all links have died, whether or not their
+// Where no server answers, the servers of all links have died, whether or not their
 // clients have noticed, and the library has freed these.
 jack_client_t* OpenClient() {
     jack_status_t status = {};

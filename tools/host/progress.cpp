@@ -34,7 +34,7 @@ Progress::~Progress() {
 
 void Progress::Advance(std::size_t file, double share) {
     if (width == 0) return;
-    const std::lock_guard guard(lock);
+    const Locked guard(lock);
     sum += share - shares[file];
     shares[file] = share;
     const int percent = static_cast<int>(100 * sum / static_cast<double>(shares.size()));
@@ -48,7 +48,7 @@ void Progress::Advance(std::size_t file, double share) {
 }
 
 void Progress::Aside(const std::function<void()>& print) {
-    const std::lock_guard guard(lock);
+    const Locked guard(lock);
     Hide();
     print();
 }

@@ -1,13 +1,14 @@
 #pragma once
 #include <cstddef>
 #include <functional>
-#include <mutex>
 #include <vector>
+
+#include "base/mutex.h"
 
 // A bar on standard error that shows how far a run over several files has come. Silent where standard error
 // is no terminal.
 //
-// Threads: [any]; the lock guards everything, the terminal's line included.
+// Threads: [any]; the lock guards the terminal's line, too.
 class Progress {
 public:
     explicit Progress(std::size_t files);
@@ -21,11 +22,11 @@ public:
     void Aside(const std::function<void()>& print);
 
 private:
-    void Hide();
+    void Hide() REQUIRES(lock);
 
-    std::mutex lock;
-    std::vector<double> shares;  // one a file
-    double sum = 0;              // of shares
-    const int width;             // characters of the bar; 0: none is drawn
-    int percentDrawn = -1;       // what stands on the terminal; -1 for nothing
+    Mutex lock;
+    std::vector<double> shares GUARDED_BY(lock);  // one a file
+    double sum GUARDED_BY(lock) = 0;              // of shares
+    const int width;                              // characters of the bar; 0: none is drawn
+    int percentDrawn GUARDED_BY(lock) = -1;       // what stands on the terminal; -1 for nothing
 };
