@@ -1,6 +1,7 @@
 #include "delivery/note_recorder.h"
 
 #include <algorithm>
+#include <cassert>
 
 #include "base/truncate.h"
 #include "delivery/note_out.h"
@@ -56,6 +57,7 @@ void TNoteRecorder::Attach(INoteDetector* newDetector) {
 }
 
 void TNoteRecorder::Follow(INoteDetector& other) {
+    assert(other.numBands >= numBands && other.bandOn != nullptr && other.bandLevel != nullptr);
     const Hold held(*this);
     AllNotesOff();
     detector = &other;
@@ -81,6 +83,7 @@ void TNoteRecorder::BuildMessages() {
 void TNoteRecorder::OnFrame() {
     if (!active) return;
     const Hold held(*this);
+    assert(numBands <= maxBands && frameLength >= 0);
     time = time + frameLength;
     CopyBands();
     RaisePeaks();
@@ -136,6 +139,7 @@ void TNoteRecorder::AddOutput(TNoteOut* output) {
     if (output == nullptr) return;
     const Hold held(*this);
     if (outputs.Contains(output)) return;
+    assert(output->recorder == nullptr);  // of one recorder at a time
     output->SetRecorder(this);
     if (sendProgramChange) output->Send(ProgramMessage());
     outputs.Append(output);

@@ -1,6 +1,7 @@
 #pragma once
 #include <array>
 #include <atomic>
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
 
@@ -56,6 +57,7 @@ public:
     std::uint64_t Place() const { return head.load(std::memory_order_relaxed); }
     const Message& Front() const { return cells[Place() % capacity].message; }  // while Ready
     void Pop() {
+        assert(Ready());
         const std::uint64_t place = Place();
         cells[place % capacity].turn.store(place + capacity, std::memory_order_release);
         head.store(place + 1, std::memory_order_relaxed);

@@ -84,6 +84,7 @@ std::uint32_t MidiPortTable::OpenPort(std::uint32_t& port, std::uint32_t index) 
             return result;
         }
     }
+    assert(device.handle != 0);
     ++device.useCount;
     TMidiPort& entry = *ports[number];
     entry.handle = device.handle;

@@ -1,6 +1,7 @@
 #include "devices/system_midi_out.h"
 
 #include <algorithm>
+#include <cassert>
 #include <chrono>
 #include <iterator>
 #include <string_view>
@@ -153,6 +154,7 @@ std::uint32_t SystemMidiOut::midiOutOpen(MidiOutHandle& handle, std::uint32_t id
 }
 
 MidiOutHandle SystemMidiOut::Admit(std::unique_ptr<MidiDevice> device, std::size_t slot) {
+    assert(device != nullptr && slot < maxOpen && !slots[slot].taken && slots[slot].handle.load() == 0);
     const MidiOutHandle handle = ++generation * maxOpen + slot;
     slots[slot].taken = true;
     slots[slot].device = std::move(device);
@@ -180,6 +182,7 @@ std::uint32_t SystemMidiOut::midiOutClose(MidiOutHandle handle) {
             std::this_thread::sleep_for(std::chrono::microseconds(50));
     slot.device.reset();
     const Locked hold(listLock);
+    assert(slot.taken && (slot.id == midiMapperId || devices[slot.id].opened > 0));
     if (slot.id != midiMapperId) --devices[slot.id].opened;
     slot.taken = false;
     return MMSYSERR_NOERROR;

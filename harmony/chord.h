@@ -1,5 +1,6 @@
 #pragma once
 #include <array>
+#include <cassert>
 #include <cstdint>
 #include <memory>
 #include <memory_resource>
@@ -86,6 +87,7 @@ public:
 
     // Semitones from tones[low] up to tones[high], low < high; in pitchClassMode from class to class.
     std::int16_t distance(std::int32_t low, std::int32_t high) const {
+        assert(hasIntervals && 0 <= low && low < high && high < noteCount);
         const std::int32_t row = low * (noteCount - 1) - low * (low - 1) / 2;  // row i has noteCount - 1 - i
         return intervalRows[static_cast<std::size_t>(row + high - low - 1)];
     }

@@ -1,6 +1,7 @@
 #include "harmony/chords_listener.h"
 
 #include <algorithm>
+#include <cassert>
 
 #include "base/truncate.h"
 #include "delivery/note_recorder.h"
@@ -41,7 +42,9 @@ void TChordsListener::prepareRing() {
     const std::uint64_t step =
         std::max<std::uint64_t>(rate / static_cast<std::uint64_t>(updatesPerSecond), 1);
     samplesPerUpdate = step;
-    delayRing.resize(static_cast<std::size_t>(rate * longestDelay / step / 1000 + 1));
+    const auto entries = static_cast<std::size_t>(rate * longestDelay / step / 1000 + 1);
+    assert(entries <= delayRing.capacity());  // nothing is allocated here
+    delayRing.resize(entries);
     ringSize = delayRing.size();
     writeIndex %= delayRing.size();
     ringReady = true;
@@ -91,6 +94,7 @@ TChordName TChordsListener::nameActiveBands() const {
 
 // The entry that was shown is wiped, so that a delay made longer later does not bring it back.
 void TChordsListener::push(const TChordName& name) {
+    assert(writeIndex < delayRing.size());
     blankIfStopped();
     shownEntry() = TChordName();
     entry(writeIndex) = name;

@@ -2,6 +2,7 @@
 #include <array>
 #include <atomic>
 #include <bit>
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
 #include <thread>
@@ -16,6 +17,7 @@ class NameSlot {
 public:
     void Set(const TChordName& name) {
         const auto wanted = std::bit_cast<Words>(name);
+        assert(sequence % 2 == 0);  // one writer
         ++sequence;
         for (std::size_t word = 0; word < wanted.size(); ++word) words[word] = wanted[word];
         ++sequence;

@@ -45,6 +45,7 @@ bool EventGatherer::Take(std::int64_t frame, std::uint32_t message) {
 }
 
 void EventGatherer::Insert(std::int64_t frame, std::uint32_t message) {
+    assert(count < capacity);
     const std::int64_t last = std::max<std::int64_t>(1, frames) - 1;
     const Event added = {static_cast<std::uint32_t>(std::clamp<std::int64_t>(frame, 0, last)), message};
     std::size_t at = count++;  // nearly all come in order, so its place is near the end
@@ -62,6 +63,7 @@ bool EventGatherer::PushToRing(std::uint32_t message) {
 
 // What has not been written is first in the next run.
 void EventGatherer::Keep(std::size_t from) {
+    assert(from <= count);
     const auto begin = events.begin();
     std::copy(begin + static_cast<std::ptrdiff_t>(from), begin + static_cast<std::ptrdiff_t>(count), begin);
     count -= from;

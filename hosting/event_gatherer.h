@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
 #include <thread>
@@ -37,6 +38,7 @@ public:
     // run of 0 frames has no place for any: they wait.
     template <typename Write>
     void EndRun(Write write) {
+        assert(std::is_sorted(events.begin(), events.begin() + static_cast<std::ptrdiff_t>(count), Earlier));
         std::size_t done = 0;
         while (frames > 0 && done < count && write(events[done].frame, events[done].message)) ++done;
         Keep(done);
@@ -50,6 +52,7 @@ private:
         std::uint32_t message;  // a short MIDI message
     };
 
+    static bool Earlier(const Event& a, const Event& b) { return a.frame < b.frame; }
     void Insert(std::int64_t frame, std::uint32_t message);
     bool PushToRing(std::uint32_t message);
     void Keep(std::size_t from);

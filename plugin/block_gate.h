@@ -1,5 +1,6 @@
 #pragma once
 #include <atomic>
+#include <cassert>
 #include <thread>
 
 // Who may touch the detector: one thread at a time, and the block path never waits for its turn. A block that
@@ -14,7 +15,10 @@ public:
         std::thread::id none;
         return inside.compare_exchange_strong(none, std::this_thread::get_id());
     }
-    void Leave() { inside.store(std::thread::id()); }
+    void Leave() {
+        assert(IsMine());
+        inside.store(std::thread::id());
+    }
     bool IsMine() const { return inside.load() == std::this_thread::get_id(); }
 
     // Leaves at the end of its scope, by exception too.

@@ -1,6 +1,7 @@
 #include "plugin/plugin_object.h"
 
 #include <algorithm>
+#include <cassert>
 #include <chrono>
 #include <cmath>
 #include <cstring>
@@ -138,6 +139,7 @@ void CORVA_vst::FeedBlock(const Sample* in, std::size_t count) {
 }
 
 void CORVA_vst::deliverBlock() {
+    assert(gate.IsMine());
     // The recorder's clock stands still where the detector has not been stepping it.
     const auto delivered = static_cast<std::int64_t>(totalSamples.load());
     if (!stopped && noteRecorder.GetTime() + noteRecorder.GetFrameLength() < delivered)
@@ -257,6 +259,7 @@ bool CORVA_vst::ServeRequests() {
 }
 
 void CORVA_vst::Serve(unsigned wanted) {
+    assert(gate.IsMine());
     if ((wanted & requestStop) != 0) suspendSteps();
     if ((wanted & requestEar) != 0) ChangeEar();
     if ((wanted & requestRate) != 0) {
