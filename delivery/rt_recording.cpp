@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
-#include <mutex>
 
 #include "base/truncate.h"
 #include "delivery/note_recorder.h"
@@ -51,7 +50,7 @@ void TRTRecording::NoteOn(std::int32_t band) {
     const std::int64_t time = EventTime(band);
     const float level = from->GetBandLevel(band);
 
-    const std::lock_guard<PriorityLock> held(leaf);
+    const Locked held(leaf);
     TBandTrack& track = bandTracks[band];
     if (track.state == TBandTrack::idle) {
         track.startTime = time;
@@ -71,7 +70,7 @@ void TRTRecording::NoteOff(std::int32_t band) {
     if (from == nullptr || !BandNote(*from, band).Exists()) return;
     const std::int64_t time = EventTime(band);
 
-    const std::lock_guard<PriorityLock> held(leaf);
+    const Locked held(leaf);
     TBandTrack& track = bandTracks[band];
     if (track.state != TBandTrack::on) return;
     track.state = TBandTrack::released;
@@ -82,7 +81,7 @@ void TRTRecording::Update() {
     const TNoteRecorder* const from = recorder;
     if (!running || from == nullptr) return;
     TmtNoteOut::Update();
-    const std::lock_guard<PriorityLock> held(leaf);
+    const Locked held(leaf);
     for (std::int32_t band = 0; band < from->numBands; ++band)
         if (from->BandSounds(band)) peakLevel[band] = std::max(peakLevel[band], from->GetBandLevel(band));
 }
@@ -108,7 +107,7 @@ void TRTRecording::FlushBand(const TNoteRecorder& from, std::int32_t band, std::
 void TRTRecording::Silence() {
     const TNoteRecorder* const from = recorder;
     if (from == nullptr) return;
-    const std::lock_guard<PriorityLock> held(leaf);
+    const Locked held(leaf);
     const std::int64_t now = GetElapsed();
     for (std::int32_t band = 0; band < from->numBands; ++band) FlushBand(*from, band, now);
     if (pending.empty()) return;
@@ -131,13 +130,13 @@ TRecordEvent TRTRecording::Scale::Scaled(TRecordEvent event) const {
 // Whether it runs is asked inside the lock: a stop passes through it, too, so that whoever stopped the
 // recording has the take alone.
 void TRTRecording::Send(std::uint32_t message) {
-    const std::lock_guard<PriorityLock> held(leaf);
+    const Locked held(leaf);
     if (running) AppendToTake(message);
 }
 
 void TRTRecording::AppendToTake(std::uint32_t message) {
     const std::int64_t now = std::max<std::int64_t>(GetElapsed(), 0);
-    const std::lock_guard<PriorityLock> held(leaf);
+    const Locked held(leaf);
     Chunks chunk;
     Push(chunk, {now, message, 0.0F});
     chunk.front().scale = Scale();
@@ -149,7 +148,7 @@ void TRTRecording::StartNow() {
     if (from != nullptr && from->active && !running) {
         if (origin == 0) origin = from->GetTime();
         {
-            const std::lock_guard<PriorityLock> held(leaf);
+            const Locked held(leaf);
             std::fill_n(bandTracks, from->numBands.load(), TBandTrack());
         }
         AppendToTake(from->ProgramMessage());  // each run of a take begins by stating its program
@@ -168,7 +167,7 @@ void TRTRecording::Clear() {
     origin = 0;
     notesBegun = 0;
     {
-        const std::lock_guard<PriorityLock> held(leaf);
+        const Locked held(leaf);
         unread.splice(unread.end(), handedOver);
     }
     unread.clear();
@@ -191,7 +190,7 @@ void TRTRecording::Prepare() {
     leaf.unlock();
     if (ready >= wanted) return;
     Chunks added(wanted - ready);
-    const std::lock_guard<PriorityLock> held(leaf);
+    const Locked held(leaf);
     spare.splice(spare.end(), added);
 }
 
@@ -201,7 +200,7 @@ void TRTRecording::TopUp() {
 
 const std::vector<TRecordEvent>& TRTRecording::GetTake() {
     {
-        const std::lock_guard<PriorityLock> held(leaf);
+        const Locked held(leaf);
         unread.splice(unread.end(), handedOver);
     }
     std::size_t events = take.size();

@@ -5,6 +5,7 @@
 #include <optional>
 #include <vector>
 
+#include "base/mutex.h"
 #include "base/priority_lock.h"
 #include "delivery/note_out.h"
 
@@ -89,22 +90,21 @@ private:
     using Chunks = std::list<Chunk>;
 
     std::int64_t EventTime(std::int32_t band) const;
-    void FlushBand(const TNoteRecorder& from, std::int32_t band, std::int64_t now);
+    void FlushBand(const TNoteRecorder& from, std::int32_t band, std::int64_t now) REQUIRES(leaf);
     void PushNote(std::uint32_t onMessage, std::uint32_t offMessage, std::int64_t start, std::int64_t end,
-                  float level);
-    void Push(Chunks& list, const TRecordEvent& event);
+                  float level) REQUIRES(leaf);
+    void Push(Chunks& list, const TRecordEvent& event) REQUIRES(leaf);
 
     static constexpr float nearSilence = 1e-30F;  // so that silence divides by something
 
     PriorityLock leaf;
-    // Under the leaf lock.
-    Chunks pending;                   // finished notes; a flush moves them to the take
-    TBandTrack bandTracks[maxBands];  // cleared at each start
-    float peakLevel[maxBands] = {};   // highest level of each band during its current note
-    float loudest = nearSilence;      // level among the note ons of `pending`
-    Chunks handedOver;                // of the take, not yet read
-    Chunks spare;                     // empty
-    Relaxed<std::int64_t> origin;     // the recorder's time at which the take began; 0: not begun
+    Chunks pending GUARDED_BY(leaf);                   // finished notes; a flush moves them to the take
+    TBandTrack bandTracks[maxBands] GUARDED_BY(leaf);  // cleared at each start
+    float peakLevel[maxBands] GUARDED_BY(leaf) = {};   // highest level of each band during its current note
+    float loudest GUARDED_BY(leaf) = nearSilence;      // level among the note ons of `pending`
+    Chunks handedOver GUARDED_BY(leaf);                // of the take, not yet read
+    Chunks spare GUARDED_BY(leaf);                     // empty
+    Relaxed<std::int64_t> origin;  // the recorder's time at which the take began; 0: not begun
     // [ui]
     Chunks unread;                   // of the take, no longer under the lock
     std::vector<TRecordEvent> take;  // the recording, as far as it was read
