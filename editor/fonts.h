@@ -13,3 +13,6 @@ std::span<const Font> AllFonts();
 // Has the toolkit use them beside the system's fonts, in this module's texts only: the host's fonts stay as
 // they are. Comes before the first text. [ui, under ToolkitLock()]
 void UseOwnFonts();
+
+// The name by which the system knows their family. [ui, after that and the toolkit's start]
+const char* OwnFontFamily();

@@ -1,4 +1,5 @@
 #pragma once
+#include "editor/fonts.h"
 #include "editor/palette.h"
 #include "editor/window_look.h"
 #include "vst2/records.h"
@@ -16,5 +17,5 @@ inline VSTGUI::CColor ColorOf(const Shade& shade, std::uint8_t alpha = 255) {
 
 // The captions' family, which the module carries (editor/fonts.h). Sizes are pixels.
 inline VSTGUI::SharedPointer<VSTGUI::CFontDesc> EditorFont(double size, std::int32_t style = 0) {
-    return VSTGUI::makeOwned<VSTGUI::CFontDesc>("Roboto Condensed", size, style);
+    return VSTGUI::makeOwned<VSTGUI::CFontDesc>(OwnFontFamily(), size, style);
 }

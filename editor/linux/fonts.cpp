@@ -39,6 +39,10 @@ void AddFonts(FcConfig* config) {
 
 }  // namespace
 
+const char* OwnFontFamily() {
+    return "Roboto Condensed";
+}
+
 void UseOwnFonts() {
     VSTGUI::Cairo::addFonts = AddFonts;
 }

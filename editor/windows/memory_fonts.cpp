@@ -3,12 +3,16 @@
 #include <dwrite.h>
 
 #include <algorithm>
+#include <iterator>
+#include <string>
 
+#include "base/windows/wide.h"
 #include "editor/fonts.h"
 
 namespace VSTGUI {
 extern IDWriteFontCollection* (*ownFonts)(IDWriteFactory*);  // comes with scripts/toolkit-windows.patch
-}
+IDWriteFactory* getDWriteFactory();
+}  // namespace VSTGUI
 
 namespace {
 
@@ -116,7 +120,28 @@ IDWriteFontCollection* OwnFonts(IDWriteFactory* factory) {
     return collection;
 }
 
+// DirectWrite takes the width out of the family's name: Roboto, whose only faces are condensed, or all of it.
+std::string NameOfFamily(IDWriteFontCollection* fonts) {
+    std::string name;
+    IDWriteFontFamily* first = nullptr;
+    if (fonts == nullptr || FAILED(fonts->GetFontFamily(0, &first))) return name;
+    IDWriteLocalizedStrings* names = nullptr;
+    WCHAR text[64] = {};
+    if (SUCCEEDED(first->GetFamilyNames(&names))) {
+        if (SUCCEEDED(names->GetString(0, text, std::size(text)))) name = Narrow(text);
+        names->Release();
+    }
+    first->Release();
+    return name;
+}
+
 }  // namespace
+
+const char* OwnFontFamily() {
+    static std::string name;
+    if (name.empty()) name = NameOfFamily(OwnFonts(VSTGUI::getDWriteFactory()));
+    return name.empty() ? "Arial" : name.c_str();
+}
 
 void UseOwnFonts() {
     VSTGUI::ownFonts = OwnFonts;
