@@ -123,7 +123,7 @@ void guiEditor::MakeViews() {
 
     mailbox.drain([](std::int32_t, float) {});  // older than what is read now
     for (std::int32_t i = 0; i < codeEnd; ++i) window->setParameter(i, effect->getParameter(i));
-    window->ShowHearing(CurrentHearing());
+    window->ShowHearing(CurrentHearing(), effect->RaisesEarlyDates());
 }
 
 void guiEditor::Change(const std::vector<ParameterSetting>& settings) {
@@ -271,7 +271,7 @@ void guiEditor::idle() {
                     std::fill(levels.begin(), levels.end(), 0);
                 ShowActivity();
                 window->update(levels);
-                window->ShowHearing(CurrentHearing());
+                window->ShowHearing(CurrentHearing(), effect->RaisesEarlyDates());
                 FollowPreferences();
             }
             AEffGUIEditor::idle();
@@ -369,6 +369,19 @@ void guiEditor::PreferHearing(const Hearing& wanted) {
     const Hearing before = CurrentHearing();
     effect->setHearing(wanted);
     ShowStored(StorePreferredHearing(before, wanted));
+}
+
+bool guiEditor::OffersNoteDates() const {
+    return effect->prefersNoteDates();
+}
+
+NoteDates guiEditor::CurrentNoteDates() const {
+    return effect->noteDates();
+}
+
+void guiEditor::PreferNoteDates(NoteDates wanted) {
+    effect->setNoteDates(wanted);
+    ShowStored(StorePreferredNoteDates(wanted));
 }
 
 void guiEditor::ShowStatus(const std::string& text) {

@@ -64,6 +64,11 @@ public:
     Hearing CurrentHearing() const;
     void PreferHearing(const Hearing& wanted);  // by this instance at once, and by those to come
 
+    // How notes are dated for the host: likewise a preference, where there is something to choose.
+    bool OffersNoteDates() const;
+    NoteDates CurrentNoteDates() const;
+    void PreferNoteDates(NoteDates wanted);
+
     // Settings to begin with, by instrument (starting_points.h) or, for an empty name, the initial ones. Each
     // is a change in the window like any other, so the host records it. One step can be undone.
     void BeginWith(const std::string& instrument);

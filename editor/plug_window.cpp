@@ -95,8 +95,9 @@ void CPlugWindow::AddFooter() {
     addView(meter);
 }
 
-void CPlugWindow::ShowHearing(const Hearing& hearing) {
+void CPlugWindow::ShowHearing(const Hearing& hearing, bool raisesEarlyDates) {
     hearingText = HearingText(hearing);
+    if (hearingText.empty() && raisesEarlyDates) hearingText = "Notes not before the block";
 }
 
 void CPlugWindow::ShowStatus(const std::string& text) {

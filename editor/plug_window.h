@@ -35,7 +35,8 @@ public:
     void ShowStatus(const std::string& text);               // for a moment
     void ShowTake(const std::string& text);                 // while one runs; else empty
     void ShowActivity(float peak, float floorDb, bool sent) { meter->Update(peak, floorDb, sent); }
-    void ShowHearing(const Hearing& hearing);  // nothing where it is what a plug-in begins with
+    // In silence; nothing where both are what a plug-in begins with.
+    void ShowHearing(const Hearing& hearing, bool raisesEarlyDates);
 
     void showPage(std::int32_t page);
 

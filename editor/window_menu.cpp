@@ -57,6 +57,20 @@ void AddHearing(COptionMenu& menu, guiEditor& editor) {
     menu.addEntry(inputs, "Input level");
 }
 
+void AddNoteDates(COptionMenu& menu, guiEditor& editor) {
+    const auto dates = Menu();
+    const auto add = [&](const char* name, NoteDates choice) {
+        auto* item = new CCommandMenuItem(CCommandMenuItem::Desc(name));
+        item->setChecked(choice == editor.CurrentNoteDates());
+        item->setActions([&editor, choice](CCommandMenuItem*) { editor.PreferNoteDates(choice); });
+        dates->addEntry(item);
+    };
+    add("Auto", NoteDates::automatic);
+    add("When they began", NoteDates::whenBegun);
+    add("Never before the block", NoteDates::neverEarly);
+    menu.addEntry(dates, "Note dates");
+}
+
 void AddSizes(COptionMenu& menu, guiEditor& editor) {
     const auto sizes = Menu();
     for (const std::int32_t percent : windowSizes) {
@@ -97,6 +111,7 @@ void AddDark(COptionMenu& menu, guiEditor& editor) {
 SharedPointer<COptionMenu> MakeWindowMenu(guiEditor& editor) {
     auto menu = Menu();
     if (editor.OffersHearing()) AddHearing(*menu, editor);
+    if (editor.OffersNoteDates()) AddNoteDates(*menu, editor);
     AddSizes(*menu, editor);
     AddBeginnings(*menu, editor);
     AddDark(*menu, editor);

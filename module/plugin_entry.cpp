@@ -14,6 +14,7 @@ AEffect* OpenPlugin(audioMasterCallback host) noexcept {
         auto effect = std::make_unique<CORVAguivstEx>(host, MakeGuiEditor);
         if (editorCreationFailed) return nullptr;
         effect->usePreferredHearing();
+        effect->usePreferredNoteDates();
         return effect.release()->getAeffect();
     } catch (...) {
         return nullptr;

@@ -208,6 +208,11 @@ void CORVAguivst::usePreferredHearing() {
     hearingIsPreferred = true;
 }
 
+void CORVAguivst::usePreferredNoteDates() {
+    setNoteDates(ReadPreferredNoteDates());
+    datesArePreferred = true;
+}
+
 void CORVAguivst::startRecording() {
     recording->Clear();
     recording->Prepare();

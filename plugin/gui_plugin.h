@@ -64,6 +64,9 @@ public:
     // object in a host that has no control of its own for the ear; before the first block.
     void usePreferredHearing();
     bool prefersHearing() const { return hearingIsPreferred; }
+    // The same for the dates of notes, where this object's events reach the host as they are.
+    void usePreferredNoteDates();
+    bool prefersNoteDates() const { return datesArePreferred; }
 
     Relaxed<bool> recordingOn = false;        // the recording takes notes; changes under the recorder's lock
     Relaxed<float> equalizerBars[bandCount];  // raw values of parameters 3 to 86
@@ -95,6 +98,7 @@ private:
     void DeviceOpened() override;
 
     bool hearingIsPreferred = false;            // fixed once the object is made
+    bool datesArePreferred = false;             // the same
     TRTRecording* recording = nullptr;          // owned by the recorder; always attached
     TChordsListener* chordsListener = nullptr;  // the same
     std::unique_ptr<IPluginEditor> editorObject;

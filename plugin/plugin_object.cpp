@@ -72,7 +72,7 @@ CORVA_vst::CORVA_vst(audioMasterCallback host, std::int32_t numParams)
     if (!hostIsVst24(*this)) canMono(true);
     CopyText(programName, sizeof programName, "Default");
     hostIsAbletonCopy = hostIsAbleton(*this);
-    raisesEarlyDates = hostDropsEarlyEvents(*this);
+    hostDropsEarlyDates = hostDropsEarlyEvents(*this);
 
     auto output = std::make_unique<TVSTMIDIOut>(this);
     vstMidiOut = output.get();
@@ -294,6 +294,10 @@ std::intptr_t CORVA_vst::dispatcher(std::int32_t opcode, std::int32_t index, std
             return 1;
         case vendorThreshold: setEarThreshold(opt); return 1;
         case vendorInputLevel: setInputLevel(opt); return 1;
+        case vendorNoteDates:
+            if (opt != 0.0F && opt != 1.0F && opt != 2.0F) return 0;
+            setNoteDates(static_cast<NoteDates>(TruncateToInt32(opt)));
+            return 1;
         case vendorPeakLevel:
             if (ptr == nullptr || !(opt >= 0.0F && opt <= 127.0F)) return 0;
             *static_cast<float*>(ptr) = noteRecorder.GetPeakLevel(TruncateToUint32(opt));
@@ -351,6 +355,10 @@ void CORVA_vst::setHearing(const Hearing& wanted) {
     setEarThreshold(wanted.threshold);
     setInputLevel(wanted.level);
     setEar(wanted.ear);
+}
+
+void CORVA_vst::setNoteDates(NoteDates wanted) {
+    chosenDates = wanted;
 }
 
 bool CORVA_vst::HearsThroughSilence() const {

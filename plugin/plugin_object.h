@@ -12,6 +12,7 @@
 #include "plugin/block_gate.h"
 #include "plugin/hearing.h"
 #include "plugin/input_meter.h"
+#include "plugin/note_dates.h"
 #include "vst2/audio_effect_x.h"
 #include "vst2/vendor_call.h"
 
@@ -86,12 +87,17 @@ public:
     void setEarThreshold(float logits);
     void setInputLevel(float dB);
     void setHearing(const Hearing& wanted);  // all three
+    void setNoteDates(NoteDates wanted);     // from the next event on
+    NoteDates noteDates() const { return chosenDates; }
     Hearing hearing() const { return {ear, earThreshold, inputLevel}; }
 
     // For the output to the host.
     std::uint64_t GetTotalSamples() const override { return totalSamples; }
     bool HostIsAbleton() const override { return hostIsAbletonCopy; }
-    bool RaisesEarlyDates() const override { return raisesEarlyDates; }
+    bool RaisesEarlyDates() const override {
+        return chosenDates == NoteDates::automatic ? hostDropsEarlyDates
+                                                   : chosenDates == NoteDates::neverEarly;
+    }
     void SendEvents(VstEvents& events) override { sendVstEventsToHost(&events); }
 
     TRealTimeTS107 detector;               // behind the gate
@@ -109,7 +115,8 @@ public:
     Relaxed<float> inputGain = 1.0F;         // factor; exactly 1 leaves the samples to the plain conversion
     Relaxed<bool> hostAskedMidiOut = false;  // the host has asked canDo("sendVstMidiEvent")
     bool hostIsAbletonCopy = false;          // taken at construction
-    Relaxed<bool> raisesEarlyDates = false;  // at construction, by the host; a setting may change it
+    bool hostDropsEarlyDates = false;        // the same
+    Relaxed<NoteDates> chosenDates = NoteDates::automatic;
 
 protected:
     // The detector works at the present rate; without it, audio passes and nothing is recognised.

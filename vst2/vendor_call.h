@@ -17,6 +17,7 @@ enum VendorSetting : std::intptr_t {
     vendorPeakLevel = 4,
     vendorWindowScale = 5,  // of the instance's window, once it opens; 1 is the layout's own size
     vendorWindowDark = 6,   // not 0: windows are dark, whatever the user prefers
+    vendorNoteDates = 7,    // how events are dated, as a number of NoteDates, whatever the user prefers
 };
 
 // What turns the audio into notes: the detector itself, or its refined ear on top of it, which looks ahead by

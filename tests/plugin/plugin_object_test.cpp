@@ -143,7 +143,8 @@ TEST_F(PluginObject, ARecordingTakesNotesAgainAfterASuspendBesideBlocks) {
 // begin of its block, and the silence that ends it comes at the begin of one. The last three events are sent
 // between blocks.
 TEST(HostByProduct, OnlyTheKnownOnesGetEarlyEventsAtTheBlocksFirstSample) {
-    const auto played = [](const char* product) {
+    const auto played = [](const char* product, NoteDates preferred = NoteDates::automatic) {
+        EXPECT_TRUE(StorePreferredNoteDates(preferred));
         Host host;
         host.product = product;
         host.Open(OpenPlugin);
@@ -164,6 +165,9 @@ TEST(HostByProduct, OnlyTheKnownOnesGetEarlyEventsAtTheBlocksFirstSample) {
     for (std::size_t i = 2; i < 5; ++i) raised[i].at += 441 + 2876;  // the notes' clock rests in silence
     ++raised[3].at, ++raised[4].at;  // the end after its begin, and the next begin no earlier than it
     for (const char* const product : {"Ardour", "Carla"}) EXPECT_EQ(played(product), raised) << product;
+    EXPECT_EQ(played("Ardour", NoteDates::whenBegun), early);  // unless the user prefers otherwise
+    EXPECT_EQ(played("Maker's Studio", NoteDates::neverEarly), raised);
+    EXPECT_TRUE(StorePreferredNoteDates(NoteDates::automatic));
 }
 
 // --- the editor ---

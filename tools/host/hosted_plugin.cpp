@@ -29,6 +29,7 @@ HostedPlugin::HostedPlugin(const PluginModule& module, std::int32_t newRate, std
         throw std::runtime_error(name + ": the plug-in lacks a call that this host needs");
     }
     Open();
+    Dispatch(effVendorSpecific, vendorCall, vendorNoteDates, nullptr, 1);  // where they began
 }
 
 HostedPlugin::~HostedPlugin() {

@@ -1,0 +1,24 @@
+#include "plugin/note_dates.h"
+
+#include <iterator>
+#include <string>
+
+#include "desktop/user_store.h"
+
+namespace {
+
+constexpr char datesKey[] = "Note Dates";
+constexpr const char* texts[] = {"Auto", "When they began", "Never before the block"};
+
+}  // namespace
+
+NoteDates ReadPreferredNoteDates() {
+    const std::string stored = readRegistryString(datesKey);
+    for (std::size_t i = 0; i < std::size(texts); ++i)
+        if (stored == texts[i]) return static_cast<NoteDates>(i);
+    return NoteDates::automatic;
+}
+
+bool StorePreferredNoteDates(NoteDates wanted) {
+    return writeRegistryString(datesKey, texts[static_cast<std::size_t>(wanted)]);
+}
