@@ -309,14 +309,28 @@ HWY_INLINE hn::Vec<Four> Clamp(hn::Vec<Four> value, hn::Vec<Four> cap) {
 #endif
 }
 
+// The same but for a zero's sign, by the bits as integers: at one cycle instead of four for each of the two
+// operations, a quarter of the fit's time. No later sum depends on the sign of a zero, so only the last
+// sweep's matters.
+HWY_INLINE hn::Vec<Four> ClampQuickly(hn::Vec<Four> value, hn::Vec<Four> cap) {
+    const hn::RebindToSigned<Four> di;
+    const auto positive = hn::Max(hn::BitCast(di, value), hn::Zero(di));
+    return hn::BitCast(Four(), hn::Min(positive, hn::BitCast(di, cap)));
+}
+
+template <bool last>
 HWY_INLINE void Finish(const Fit& fit, Sweep& sweep, std::int32_t row, hn::Vec<Four> cross) {
     const Four d;
-    const auto clamped = Clamp(hn::Sub(hn::LoadU(d, fit.rhs + row), cross), hn::LoadU(d, fit.cap + row));
+    const auto value = hn::Sub(hn::LoadU(d, fit.rhs + row), cross);
+    const auto cap = hn::LoadU(d, fit.cap + row);
+    constexpr bool exact = last || HWY_TARGET == HWY_SSSE3;  // which has no such operations
+    const auto clamped = exact ? Clamp(value, cap) : ClampQuickly(value, cap);
     hn::StoreU(clamped, d, fit.x + row);
     sweep.beforeLast = sweep.last;
     sweep.last = clamped;
 }
 
+template <bool last>
 HWY_INLINE void FullGroup(const Fit& fit, Sweep& sweep, std::int32_t group) {
     const Four d;
     const std::int32_t row = 4 * group;
@@ -328,9 +342,10 @@ HWY_INLINE void FullGroup(const Fit& fit, Sweep& sweep, std::int32_t group) {
     cross = hn::Add(cross, hn::Mul(fit.x12, hn::Add(hn::LoadU(d, p - 12), hn::LoadU(d, p + 12))));
     cross = hn::Add(cross, hn::Mul(fit.b, hn::Add(hn::LoadU(d, p - 19), hn::LoadU(d, p + 19))));
     cross = hn::Add(cross, hn::Mul(fit.c, hn::Add(hn::LoadU(d, p - 24), hn::LoadU(d, p + 24))));
-    Finish(fit, sweep, row, cross);
+    Finish<last>(fit, sweep, row, cross);
 }
 
+template <bool last>
 HWY_INLINE void TailGroup(const Fit& fit, Sweep& sweep, std::int32_t group) {
     const Four d;
     const std::int32_t row = 4 * group;
@@ -345,34 +360,34 @@ HWY_INLINE void TailGroup(const Fit& fit, Sweep& sweep, std::int32_t group) {
     cross = hn::Add(cross, hn::Mul(hn::Load(d, t.a), hn::LoadU(d, p + 12)));
     cross = hn::Add(cross, hn::Mul(hn::Load(d, t.b), hn::Add(hn::LoadU(d, p - 19), hn::LoadU(d, p + 19))));
     cross = hn::Add(cross, hn::Mul(hn::Load(d, t.c), hn::LoadU(d, p - 24)));
-    Finish(fit, sweep, row, cross);
+    Finish<last>(fit, sweep, row, cross);
 }
 
 // Seven groups of one sweep: from 0, from 7, or from 14, where all but the first lie near the top.
 constexpr std::int32_t resting = -1;
 
-template <std::int32_t start>
+template <std::int32_t start, bool last = false>
 HWY_INLINE void Group(const Fit& fit, Sweep& sweep, std::int32_t step) {
     if constexpr (start == 2 * lag)
-        TailGroup(fit, sweep, start + step);
+        TailGroup<last>(fit, sweep, start + step);
     else if constexpr (start != resting)
-        FullGroup(fit, sweep, start + step);
+        FullGroup<last>(fit, sweep, start + step);
 }
 
-template <std::int32_t start>
+template <std::int32_t start, bool last = false>
 HWY_INLINE void FirstGroup(const Fit& fit, Sweep& sweep) {
     if constexpr (start == 0) sweep.last = sweep.beforeLast = hn::Zero(Four());
-    if constexpr (start != resting) FullGroup(fit, sweep, start);
+    if constexpr (start != resting) FullGroup<last>(fit, sweep, start);
 }
 
-template <std::int32_t startA, std::int32_t startB, std::int32_t startC>
+template <std::int32_t startA, std::int32_t startB, std::int32_t startC, bool lastIsA = false>
 HWY_INLINE void Phase(const Fit& fit, Sweep& a, Sweep& b, Sweep& c) {
     static_assert(fullGroups == 2 * lag + 1);
-    FirstGroup<startA>(fit, a);
+    FirstGroup<startA, lastIsA>(fit, a);
     FirstGroup<startB>(fit, b);
     FirstGroup<startC>(fit, c);
     for (std::int32_t step = 1; step < lag; ++step) {
-        Group<startA>(fit, a, step);
+        Group<startA, lastIsA>(fit, a, step);
         Group<startB>(fit, b, step);
         Group<startC>(fit, c, step);
     }
@@ -404,9 +419,9 @@ void FitPartials(float* x, const float* rhs, const float* cap, const FitCoeffici
         Phase<lag, 0, 2 * lag>(fit, a, b, c);
     }
     Phase<2 * lag, lag, 0>(fit, a, b, c);
-    Phase<0, 2 * lag, lag>(fit, a, b, c);
-    Phase<lag, resting, 2 * lag>(fit, a, b, c);
-    Phase<2 * lag, resting, resting>(fit, a, b, c);
+    Phase<0, 2 * lag, lag, true>(fit, a, b, c);
+    Phase<lag, resting, 2 * lag, true>(fit, a, b, c);
+    Phase<2 * lag, resting, resting, true>(fit, a, b, c);
 }
 
 DetectorKernels Kernels() {
