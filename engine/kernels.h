@@ -74,7 +74,8 @@ struct PartialLimit {
     std::int32_t bands;
 };
 
-// The peak test. Arrays hold PaddedBands(bands) elements; flags are 0 or 1.
+// The peak test. Arrays hold PaddedBands(bands) elements, and a bandStep behind them, zeros all; flags are 0
+// or 1.
 struct PeakFlags {
     const float* energy;
     bool* rising;

@@ -244,20 +244,34 @@ void StepBlocks(const ResonatorBank& bank, const std::int16_t* samples, std::int
 
 // --- the frame ---
 
-// Plain loops without a branch, which the compiler lays out for this instruction set.
+// From a mask of bands to flags.
+template <typename Mask>
+HWY_INLINE void StoreFlags(Mask mask, bool* flags) {
+    const hn::RebindToUnsigned<Wide> bits;
+    const auto ones = hn::ShiftRight<31>(hn::BitCast(bits, hn::VecFromMask(Wide(), mask)));
+    const hn::Rebind<std::uint8_t, Wide> bytes;
+    hn::StoreU(hn::DemoteTo(bytes, hn::BitCast(WideInt(), ones)), bytes,
+               reinterpret_cast<std::uint8_t*>(flags));
+}
+
+// The same test on all bands, the top one and what lies behind it included, where it finds nothing to rise
+// to; only the top band's peak has to be taken back.
 void FindPeaks(const PeakFlags& p) {
-    const float* HWY_RESTRICT const energy = p.energy;
-    bool* HWY_RESTRICT const rising = p.rising;
-    bool* HWY_RESTRICT const older = p.peakOlder;
-    bool* HWY_RESTRICT const old = p.peakOld;
-    bool* HWY_RESTRICT const now = p.peakNow;
-    const float ratio = p.peakRatio;
-    const std::int32_t bands = p.bands;
-    std::memcpy(older + 1, old + 1, static_cast<std::size_t>(bands - 2));
-    std::memcpy(old + 1, now + 1, static_cast<std::size_t>(bands - 2));
-    for (std::int32_t i = 1; i < bands; ++i) rising[i] = energy[i - 1] < energy[i];
-    for (std::int32_t j = 1; j < bands - 1; ++j)
-        now[j] = (energy[j - 1] + energy[j + 1] < energy[j] * ratio) & rising[j] & !rising[j + 1];
+    const Wide d;
+    const auto flags = static_cast<std::size_t>(PaddedBands(p.bands));
+    std::memcpy(p.peakOlder, p.peakOld, flags);
+    std::memcpy(p.peakOld, p.peakNow, flags);
+    const auto ratio = hn::Set(d, p.peakRatio);
+    for (std::int32_t j = 1; j < p.bands; j += static_cast<std::int32_t>(hn::Lanes(d))) {
+        const auto below = hn::Load(d, p.energy + j - 1);
+        const auto energy = hn::LoadU(d, p.energy + j);
+        const auto above = hn::LoadU(d, p.energy + j + 1);
+        const auto rising = hn::Lt(below, energy);
+        const auto stands = hn::Lt(hn::Add(below, above), hn::Mul(energy, ratio));
+        StoreFlags(rising, p.rising + j);
+        StoreFlags(hn::And(hn::And(stands, rising), hn::Ge(energy, above)), p.peakNow + j);
+    }
+    p.peakNow[p.bands - 1] = false;
 }
 
 void LimitByPartials(const PartialLimit& limit) {

@@ -20,14 +20,14 @@ TRealTimeTS107::TRealTimeTS107(Bands bands)
       accIm(bands.padded),
       tapZero(bands.padded),
       bandStride(static_cast<std::int32_t>(bands.padded)),
-      rising(bands.padded),
-      peakOlder(bands.padded),
-      peakOld(bands.padded),
-      peakNow(bands.padded),
+      rising(bands.padded + bandStep),
+      peakOlder(bands.padded + bandStep),
+      peakOld(bands.padded + bandStep),
+      peakNow(bands.padded + bandStep),
       dipScale(bands.padded),
       energyPrev2(bands.padded),
       energyPrev1(bands.padded),
-      energy(bands.padded),
+      energy(bands.padded + bandStep),
       amplitude(bands.padded + bandStep),
       eqAmplitude(bands.padded),
       separated(bands.padded),
@@ -41,18 +41,19 @@ TRealTimeTS107::TRealTimeTS107(Bands bands)
     numBands = bands.count;
     bandOn = noteOn.Data();
     bandLevel = separated.Data();
-    // What lies past the last band stays zero, in the tables too: whole vectors are computed. The limit by
-    // partials reads on from there, by as far as a partial lies above the last full vector.
-    std::fill_n(amplitude.Data() + bands.padded, bandStep, 0.0F);
-    std::fill_n(levelCap.Data() + bands.padded, bandStep, 0.0F);
+    // What lies past the last band stays zero, in the tables too: whole vectors are computed. The peak test
+    // reads on from there by one band, and the limit by as far as a partial lies above the last full vector.
+    for (TAutoArray<float>* array : {&energy, &amplitude, &levelCap})
+        std::fill_n(array->Data() + bands.padded, bandStep, 0.0F);
     for (TAutoArray<float>* array : {&stateA, &stateB, &feedAA, &feedAB, &feedBA, &feedBB, &inputAR, &inputAI,
                                      &inputBR, &inputBI, &dipScale, &energyPrev2, &energyPrev1, &energy,
                                      &amplitude, &eqAmplitude, &separated, &levelCap, &rhs})
         std::fill_n(array->Data(), bands.padded, 0.0F);
     for (TAutoArray<std::int32_t>* array : {&accRe, &accIm, &tapZero})
         std::fill_n(array->Data(), bands.padded, 0);
-    for (TAutoArray<bool>* array : {&rising, &peakOlder, &peakOld, &peakNow, &noteOn})
-        std::fill_n(array->Data(), bands.padded, false);
+    for (TAutoArray<bool>* array : {&rising, &peakOlder, &peakOld, &peakNow})
+        std::fill_n(array->Data(), bands.padded + bandStep, false);
+    std::fill_n(noteOn.Data(), bands.padded, false);
     std::fill_n(fitted.Data(), bands.padded + fitMargins, 0.0F);
 }
 

@@ -154,7 +154,8 @@ private:
     void DecideNotes();
 
     float StrongestAmplitude();
-    void WeighByEqualizer();
+    template <typename Visit>
+    void ForEachCandidate(Visit visit);
     void ApplyHysteresis();
     void ApplyMonoRule();
     void SetNote(std::int32_t band, bool on);
