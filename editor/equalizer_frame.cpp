@@ -1,6 +1,8 @@
 #include "editor/equalizer_frame.h"
 
 #include <algorithm>
+#include <string>
+#include <vector>
 
 #include "base/truncate.h"
 #include "editor/gui_editor.h"
@@ -65,11 +67,15 @@ void CEqualizerFrame::onMouseWheelEvent(MouseWheelEvent& event) {
 
 void CEqualizerFrame::SetAllBars(float value) {
     const std::int32_t height = TruncateToInt32(value * static_cast<float>(equalizer->HighestBar()));
+    std::vector<ParameterSetting> bars;
+    for (std::int32_t bar = 0; bar < bandCount; ++bar) bars.push_back({paramFirstBar + bar, value});
+    const std::string name = "all bars " + ParameterDisplay(paramFirstBar, value);
+    editor->KeepForUndo(name, bars);
     for (std::int32_t bar = 0; bar < bandCount; ++bar) {
         equalizer->barHeights[static_cast<std::size_t>(bar)] = height;
         editor->valueChanged(paramFirstBar + bar, value);
     }
-    editor->ShowStatus("All bars " + ParameterDisplay(paramFirstBar, value));
+    editor->ShowStatus("A" + name.substr(1));
     equalizer->setDirty();
     invalid();
 }

@@ -148,17 +148,24 @@ void guiEditor::BeginWith(const std::string& instrument) {
             std::erase_if(wanted, [](const ParameterSetting& each) { return each.index < paramFirstBar; });
             for (ParameterSetting& each : wanted) each.value = each.value > 0 ? 1.0F : 0.0F;
         }
-        beforeBegin.clear();
-        for (const ParameterSetting& each : wanted)
-            beforeBegin.push_back({each.index, effect->getParameter(each.index)});
+        const std::string name = instrument.empty() ? "initial" : instrument;
+        KeepForUndo("begin with " + name, wanted);
         Change(wanted);
-        ShowStatus("Begun with: " + (instrument.empty() ? "initial" : instrument));
+        ShowStatus("Begun with: " + name);
     });
 }
 
-void guiEditor::UndoBegin() {
+void guiEditor::KeepForUndo(const std::string& what, const std::vector<ParameterSetting>& replacements) {
+    undoName = what;
+    undoValues.clear();
+    for (const ParameterSetting& each : replacements)
+        undoValues.push_back({each.index, effect->getParameter(each.index)});
+}
+
+void guiEditor::Undo() {
     tasks.emplace_back([this] {
-        Change(std::exchange(beforeBegin, {}));
+        Change(std::exchange(undoValues, {}));
+        undoName.clear();
         ShowStatus("As before");
     });
 }

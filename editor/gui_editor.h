@@ -70,10 +70,13 @@ public:
     void PreferNoteDates(NoteDates wanted);
 
     // Settings to begin with, by instrument (starting_points.h) or, for an empty name, the initial ones. Each
-    // is a change in the window like any other, so the host records it. One step can be undone.
+    // is a change in the window like any other, so the host records it.
     void BeginWith(const std::string& instrument);
-    bool CanUndoBegin() const { return !beforeBegin.empty(); }
-    void UndoBegin();
+
+    // One step can be undone: the last starting point, or whatever else kept the values that it replaces.
+    void KeepForUndo(const std::string& what, const std::vector<ParameterSetting>& replacements);
+    const std::string& UndoName() const { return undoName; }  // empty where nothing can be undone
+    void Undo();
 
     // The size of the window: a preference of the user's, which all windows of this process follow at once.
     std::int32_t WindowSize() const { return Size(); }
@@ -132,7 +135,8 @@ private:
     std::uint32_t sizeChoices = 0;  // those of the process that this window has followed
     std::uint32_t variantChanges = 0;
 
-    std::vector<ParameterSetting> beforeBegin;  // what a starting point has replaced
+    std::vector<ParameterSetting> undoValues;  // from before what can be undone
+    std::string undoName;
 
     Mailbox mailbox;
     std::vector<std::function<void()>> tasks;  // for the next idle call

@@ -91,10 +91,6 @@ void AddBeginnings(COptionMenu& menu, guiEditor& editor) {
     };
     add("Initial", "");
     for (const StartingPoint& point : StartingPoints()) add(point.Title(), point.name);
-    auto* undo = new CCommandMenuItem(CCommandMenuItem::Desc("Undo"));
-    undo->setEnabled(editor.CanUndoBegin());
-    undo->setActions([&editor](CCommandMenuItem*) { editor.UndoBegin(); });
-    beginnings->addEntry(undo);
     menu.addEntry(beginnings, "Begin with");
 }
 
@@ -106,6 +102,15 @@ void AddDark(COptionMenu& menu, guiEditor& editor) {
     menu.addEntry(item);
 }
 
+void AddUndo(COptionMenu& menu, guiEditor& editor) {
+    const std::string& what = editor.UndoName();
+    auto* item =
+        new CCommandMenuItem(CCommandMenuItem::Desc((what.empty() ? "Undo" : "Undo " + what).c_str()));
+    item->setEnabled(!what.empty());
+    item->setActions([&editor](CCommandMenuItem*) { editor.Undo(); });
+    menu.addEntry(item);
+}
+
 }  // namespace
 
 SharedPointer<COptionMenu> MakeWindowMenu(guiEditor& editor) {
@@ -114,6 +119,7 @@ SharedPointer<COptionMenu> MakeWindowMenu(guiEditor& editor) {
     if (editor.OffersNoteDates()) AddNoteDates(*menu, editor);
     AddSizes(*menu, editor);
     AddBeginnings(*menu, editor);
+    AddUndo(*menu, editor);
     AddDark(*menu, editor);
     return menu;
 }

@@ -226,12 +226,23 @@ TEST_F(WindowMenu, BeginsWithAnInstrumentsSettingsThatTheHostRecordsAndTakesThem
         return all([&](const auto& each) { return host->plugin.getParameter(each.index) == each.value; });
     }));
     EXPECT_GT(host->automated.size(), 30U);  // E2 to E6 stay open: 84 - 49 bars are shut
-    choose(7);                               // behind the six instruments
-    EXPECT_TRUE(host->Await([&] {
+    const auto undo = [this] {
+        host->RightClick(150, 40);
+        host->Settle();
+        Click({170, 88});
+    };
+    undo();
+    const auto isInitial = [&] {
         return all([&](const auto& each) {
             return host->plugin.getParameter(each.index) == ParameterInitialValue(each.index);
         });
-    }));
+    };
+    EXPECT_TRUE(host->Await(isInitial));
+    Click(equalizerButton);
+    Click({30, 279});  // all bars off
+    EXPECT_EQ(host->plugin.getParameter(paramFirstBar), 0.0F);
+    undo();
+    EXPECT_TRUE(host->Await(isInitial));
 }
 
 }  // namespace
