@@ -1,6 +1,10 @@
 #include "editor/equalizer.h"
 
+#include <algorithm>
+
+#include "editor/look.h"
 #include "vst2/records.h"
+#include "vstgui/lib/cframe.h"
 #include "vstgui/lib/events.h"
 
 using namespace VSTGUI;
@@ -23,6 +27,12 @@ CEqualizer::CEqualizer(const CRect& size, IControlListener* controlListener, std
       stroke(static_cast<std::int32_t>(size.getWidth()), static_cast<std::int32_t>(size.getHeight()),
              barWidth + 1) {
     setMax(bandCount - 1);
+    setWantsFocus(true);
+}
+
+void CEqualizer::ChooseBar(std::int32_t bar) {
+    chosenBar = std::clamp(bar, 0, bandCount - 1);
+    invalid();
 }
 
 void CEqualizer::setBarHeight(std::int32_t bar, std::int32_t pixels) {
@@ -40,6 +50,13 @@ std::int32_t CEqualizer::BarAt(const CPoint& where) const {
 void CEqualizer::draw(CDrawContext* context) {
     if (bufferIsStale) Redraw();
     CBufferedControl::draw(context);
+    if (getFrame()->getFocusView() != this) return;
+    context->setDrawMode(kAliasing);
+    context->setFillColor(ColorOf(palette::text));
+    const CRect& area = getViewSize();
+    const CCoord left = area.left + (barWidth + 1) * chosenBar;
+    for (const CCoord x : {left, left + barWidth + 1})
+        context->drawRect(CRect(x, area.top, x + 1, area.bottom), kDrawFilled);
 }
 
 void CEqualizer::Redraw() {
@@ -81,6 +98,7 @@ void CEqualizer::Follow(const MouseEvent& event) {
     stroke.MoveTo(static_cast<std::int32_t>(event.mousePosition.x - area.left),
                   static_cast<std::int32_t>(event.mousePosition.y - area.top),
                   [this](std::int32_t bar, std::int32_t pixels) { setBarHeight(bar, pixels); });
+    if (const std::int32_t bar = BarAt(event.mousePosition); bar >= 0) chosenBar = bar;
     setDirty();
     invalid();
 }

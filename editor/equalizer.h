@@ -24,6 +24,11 @@ public:
     // The bar at a place of the page; -1 for none.
     std::int32_t BarAt(const VSTGUI::CPoint& where) const;
 
+    // The bar that keys move: drawn between two lines while the control has the keyboard. A stroke leaves it
+    // where it ended.
+    std::int32_t ChosenBar() const { return chosenBar; }
+    void ChooseBar(std::int32_t bar);  // or the nearest one
+
     void draw(VSTGUI::CDrawContext* context) override;
     void onMouseDownEvent(VSTGUI::MouseDownEvent& event) override;
     void onMouseMoveEvent(VSTGUI::MouseMoveEvent& event) override;
@@ -43,4 +48,5 @@ private:
     void FinishStroke();
 
     EqualizerStroke stroke;
+    std::int32_t chosenBar = 45;  // of 440 Hz
 };

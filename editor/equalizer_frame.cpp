@@ -7,6 +7,8 @@
 #include "base/truncate.h"
 #include "editor/gui_editor.h"
 #include "editor/look.h"
+#include "editor/slider.h"
+#include "editor/status_text.h"
 #include "parameters/parameters.h"
 #include "vst2/records.h"
 #include "vstgui/lib/cbitmap.h"
@@ -49,20 +51,42 @@ void CEqualizerFrame::valueChanged(CControl* control) {
     }
 }
 
-// From the parameter's own value: a bar's height is a whole number of pixels.
+std::int32_t CEqualizerFrame::ParameterAt(const CPoint& where) const {
+    const std::int32_t bar = equalizer->BarAt(where);
+    return bar >= 0 ? paramFirstBar + bar : -1;
+}
+
 void CEqualizerFrame::onMouseWheelEvent(MouseWheelEvent& event) {
     CPoint where = event.mousePosition;
     where.offset(-getViewSize().left, -getViewSize().top);
-    const std::int32_t bar = equalizer->BarAt(where);
-    if (bar < 0) return CORVAFrame::onMouseWheelEvent(event);
-    const double step = event.modifiers.has(ModifierKey::Shift) ? 0.001 : 0.01;
+    const std::int32_t index = ParameterAt(where);
+    if (index < 0) return CORVAFrame::onMouseWheelEvent(event);
+    MoveBar(index, StepOf(event.modifiers) * (event.deltaX + event.deltaY));
+    event.consumed = true;
+}
+
+// Left and right choose a bar, the other keys move it as they move a slider.
+void CEqualizerFrame::onKeyboardEvent(KeyboardEvent& event) {
+    if (event.type != EventType::KeyDown || getFrame()->getFocusView() != equalizer) return;
+    const bool left = event.virt == VirtualKey::Left, right = event.virt == VirtualKey::Right;
+    const std::int32_t bar = equalizer->ChosenBar();
     const std::int32_t index = paramFirstBar + bar;
-    const float value = std::clamp(
-        editor->effect->getParameter(index) + static_cast<float>(step * (event.deltaX + event.deltaY)), 0.0F,
-        1.0F);
+    if (left || right)
+        equalizer->ChooseBar(bar + (right ? 1 : -1));
+    else if (const auto step = KeyStep(event))
+        MoveBar(index, *step);
+    else
+        return;
+    const std::int32_t shown = paramFirstBar + equalizer->ChosenBar();
+    editor->ShowStatus(TouchedText(shown, editor->effect->getParameter(shown)));
+    event.consumed = true;
+}
+
+// From the parameter's own value: a bar's height is a whole number of pixels.
+void CEqualizerFrame::MoveBar(std::int32_t index, double by) {
+    const float value = std::clamp(editor->effect->getParameter(index) + static_cast<float>(by), 0.0F, 1.0F);
     setParameter(index, value);
     editor->valueChanged(index, value);
-    event.consumed = true;
 }
 
 void CEqualizerFrame::SetAllBars(float value) {

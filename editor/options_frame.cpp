@@ -77,6 +77,7 @@ CHorizontalSlider* COptionsFrame::AddSlider(std::int32_t tag, CPoint position, s
     slider->setOffsetHandle(
         {0, (area.getHeight() - handle->getHeight()) / 2});  // the handle is a little higher
     slider->setDefaultValue(ParameterInitialValue(tag));
+    if (tag == paramInstrument) slider->wholeNumbers = programCount - 1;
     addView(slider);
     return slider;
 }

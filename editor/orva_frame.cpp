@@ -3,6 +3,7 @@
 #include "editor/gui_editor.h"
 #include "vst2/records.h"
 #include "vstgui/lib/cbitmap.h"
+#include "vstgui/lib/controls/cslider.h"
 
 using namespace VSTGUI;
 
@@ -24,6 +25,14 @@ CORVAFrame::CORVAFrame(guiEditor* itsEditor, std::int32_t backgroundId)
 
 CBitmap* CORVAFrame::getBitmap(std::int32_t id) const {
     return editor->getBitmap(id);
+}
+
+std::int32_t CORVAFrame::ParameterAt(const CPoint& where) const {
+    CPoint inWindow = where;
+    inWindow.offset(getViewSize().left, getViewSize().top);
+    const auto* const slider =
+        dynamic_cast<CSliderBase*>(getViewAt(inWindow, GetViewOptions().mouseEnabled()));
+    return slider != nullptr ? slider->getTag() : -1;
 }
 
 CRect controls::HalfOf(const CBitmap* bitmap, CPoint position) {

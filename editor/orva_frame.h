@@ -19,6 +19,8 @@ public:
     // A parameter has a new value, from the host or another page; the controls follow and notify nobody.
     virtual void setParameter(std::int32_t /*index*/, float /*value*/) {}
     void valueChanged(VSTGUI::CControl* control) override = 0;
+    // The parameter whose value a slider or a bar shows at a place of the page; -1 for none.
+    virtual std::int32_t ParameterAt(const VSTGUI::CPoint& where) const;
 
     CLASS_METHODS_NOCOPY(CORVAFrame, CViewContainer)
 
