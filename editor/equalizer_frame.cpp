@@ -91,8 +91,9 @@ void CEqualizerFrame::MoveBar(std::int32_t index, double by) {
 
 void CEqualizerFrame::SetAllBars(float value) {
     const std::int32_t height = TruncateToInt32(value * static_cast<float>(equalizer->HighestBar()));
-    std::vector<ParameterSetting> bars;
-    for (std::int32_t bar = 0; bar < bandCount; ++bar) bars.push_back({paramFirstBar + bar, value});
+    std::vector<ParameterSetting> bars(bandCount, {paramFirstBar, value});
+    for (std::int32_t bar = 0; bar < bandCount; ++bar)
+        bars[static_cast<std::size_t>(bar)].index = paramFirstBar + bar;
     const std::string name = "all bars " + ParameterDisplay(paramFirstBar, value);
     editor->KeepForUndo(name, bars);
     for (std::int32_t bar = 0; bar < bandCount; ++bar) {

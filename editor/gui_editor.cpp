@@ -15,6 +15,7 @@
 #include "editor/pictures.h"
 #include "editor/plug_window.h"
 #include "editor/status_text.h"
+#include "editor/typed_value.h"
 #include "editor/window_size.h"
 #include "parameters/parameters.h"
 #include "parameters/starting_points.h"
@@ -115,6 +116,8 @@ bool guiEditor::MakeWindow(void* parent) {
 void guiEditor::MakeViews() {
     if (variantChanges != VariantChanges()) bitmaps.clear();
     variantChanges = VariantChanges();
+    frame->setFocusColor(ColorOf(palette::loud));
+    frame->setFocusWidth(1.5);
     auto theme = MenuTheme();
     frame->getPlatformFrame()->setupGenericOptionMenu(true, &theme);
     background = getBitmap(backgroundId);
@@ -167,6 +170,17 @@ void guiEditor::Undo() {
         Change(std::exchange(undoValues, {}));
         undoName.clear();
         ShowStatus("As before");
+    });
+}
+
+void guiEditor::SetTyped(std::int32_t index, const std::string& text) {
+    if (!isEditorOpen) return;
+    tasks.emplace_back([this, index, text] {
+        float value = 0;
+        if (ReadTyped(index, text, value))
+            Change({{index, value}});
+        else
+            ShowStatus(TypingRange(index));
     });
 }
 

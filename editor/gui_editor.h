@@ -78,6 +78,8 @@ public:
     const std::string& UndoName() const { return undoName; }  // empty where nothing can be undone
     void Undo();
 
+    void SetTyped(std::int32_t index, const std::string& text);  // where it is no value, the range is shown
+
     // The size of the window: a preference of the user's, which all windows of this process follow at once.
     std::int32_t WindowSize() const { return Size(); }
     void PreferSize(std::int32_t percent);

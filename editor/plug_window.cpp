@@ -6,10 +6,13 @@
 #include "editor/about_frame.h"
 #include "editor/equalizer_frame.h"
 #include "editor/gui_editor.h"
+#include "editor/hints.h"
 #include "editor/look.h"
 #include "editor/main_frame.h"
 #include "editor/options_frame.h"
 #include "editor/status_text.h"
+#include "editor/typed_value.h"
+#include "editor/value_field.h"
 #include "editor/window_menu.h"
 #include "parameters/parameters.h"
 #include "vst2/records.h"
@@ -40,7 +43,7 @@ const CRect meterArea(100, 313, 258, 319);
 }  // namespace
 
 CPlugWindow::CPlugWindow(const CRect& size, guiEditor* itsEditor, CBitmap* background)
-    : CViewContainer(size), backgroundBitmap(background), editor(itsEditor) {
+    : CViewContainer(size), backgroundBitmap(background), editor(itsEditor), hover(*this) {
     setBackground(background);
     AddPageButtons();
     AddForm();
@@ -57,10 +60,10 @@ void CPlugWindow::AddPageButtons() {
         CBitmap* bitmap = editor->getBitmap(pageButtonPlaces[i].bitmap);
         pageButtons[i] =
             new COnOffButton(controls::HalfOf(bitmap, pageButtonPlaces[i].position), this, i, bitmap);
-        addView(pageButtons[i]);
+        addView(pageButtons[i], hover.LowestView());
     }
     CBitmap* help = editor->getBitmap(133);
-    addView(new CKickButton(controls::HalfOf(help, {338, 15}), this, tagHelp, help));
+    addView(new CKickButton(controls::HalfOf(help, {338, 15}), this, tagHelp, help), hover.LowestView());
 }
 
 void CPlugWindow::AddForm() {
@@ -80,9 +83,9 @@ void CPlugWindow::AddForm() {
     chordLabel->backgroundAlpha = plateAlpha;
     chordLabel->visible = false;
     formContainer->addView(chordLabel);
-    addView(formContainer);
+    addView(formContainer, hover.LowestView());
     keyboard = new CKeyboard(keyboardArea);
-    addView(keyboard);
+    addView(keyboard, hover.LowestView());
 }
 
 void CPlugWindow::AddFooter() {
@@ -90,9 +93,9 @@ void CPlugWindow::AddFooter() {
     statusLabel->setFont(EditorFont(11));
     statusLabel->setHoriAlign(kRightText);
     statusLabel->setMouseEnabled(false);
-    addView(statusLabel);
+    addView(statusLabel, hover.LowestView());
     meter = new CActivityMeter(meterArea);
-    addView(meter);
+    addView(meter, hover.LowestView());
 }
 
 void CPlugWindow::ShowHearing(const Hearing& hearing, bool raisesEarlyDates) {
@@ -104,6 +107,7 @@ void CPlugWindow::ShowStatus(const std::string& text) {
     constexpr int steps = 40;  // 2 s
     touched = text;
     stepsOfTouched = steps;
+    hover.Disturb();
 }
 
 void CPlugWindow::ShowTake(const std::string& text) {
@@ -112,7 +116,9 @@ void CPlugWindow::ShowTake(const std::string& text) {
 
 void CPlugWindow::RefreshStatus(const std::vector<unsigned char>& levels) {
     std::string text;
-    if (stepsOfTouched > 0) {
+    if (keyAtMouse >= 0) {
+        text = KeyText(keyAtMouse);
+    } else if (stepsOfTouched > 0) {
         text = touched;
         --stepsOfTouched;
     } else if (!takeText.empty()) {
@@ -137,6 +143,76 @@ void CPlugWindow::OpenMenu(CPoint where) {
     });
 }
 
+std::int32_t CPlugWindow::ParameterAt(CPoint where) const {
+    const CORVAFrame& page = *pages[activePage];
+    if (!page.getViewSize().pointInside(where)) return -1;
+    where.offset(-page.getViewSize().left, -page.getViewSize().top);
+    return page.ParameterAt(where);
+}
+
+// It ends within a call of the toolkit's that still uses it.
+void CPlugWindow::OpenField(std::int32_t index, CPoint where) {
+    constexpr CCoord width = 54, height = 18;
+    CRect area(where, CPoint(width, height));
+    area.offset(-width / 2, -height / 2);
+    const auto ended = [this, index](const std::string& text) {
+        getFrame()->doAfterEventProcessing(
+            [window = shared(this), field = shared(valueField)] { window->removeView(field); });
+        valueField = nullptr;
+        if (!text.empty()) editor->SetTyped(index, text);
+    };
+    valueField = new CValueField(area, TypingText(index, editor->effect->getParameter(index)), ended);
+    addView(valueField);
+    ShowStatus(TypingRange(index));
+    getFrame()->setFocusView(valueField);
+}
+
+std::string CPlugWindow::HintAt(const CPoint& where) const {
+    if (const auto part = meter->PartAt(where); part != CActivityMeter::Part::none) return HintOf(part);
+    const auto* const control =
+        dynamic_cast<CControl*>(getViewAt(where, GetViewOptions().deep().mouseEnabled()));
+    if (control == nullptr) return "";
+    std::string hint =
+        HintOf(control->getParentView() == this ? stripOfPages : activePage, control->getTag());
+    const std::int32_t index = ParameterAt(where);
+    if (hint.empty() || !TakesTyping(index)) return hint;
+    const std::string value = TouchedText(index, editor->effect->getParameter(index));
+    return value.empty() ? hint : value + ". " + hint;
+}
+
+// A button that was clicked shows no ring: no arrow would move it.
+void CPlugWindow::ShowFocus(bool show) {
+    CFrame* const frame = getFrame();
+    if (frame->focusDrawingEnabled() == show) return;
+    frame->setFocusDrawingEnabled(show);
+    frame->invalid();
+}
+
+void CPlugWindow::onMouseEvent(MouseEvent& event, CFrame* frame) {
+    if (event.type == EventType::MouseDown && frame->getModalView() == nullptr)
+        ShowFocus(ParameterAt(event.mousePosition) >= 0);
+    if (event.type != EventType::MouseMove || frame->getModalView() != nullptr ||
+        !event.buttonState.empty()) {
+        hover.Disturb();
+        return;
+    }
+    mouse = event.mousePosition;
+    const bool besideKeys = mouse.x >= formArea.left && mouse.x <= keyboardArea.right;
+    keyAtMouse = besideKeys ? keyboard->BandAt(mouse.y) : -1;
+    const auto* const control =
+        dynamic_cast<CControl*>(getViewAt(mouse, GetViewOptions().deep().mouseEnabled()));
+    if (control == nullptr || control->getListener() == nullptr) return hover.PointAt(mouse, nullptr);
+    CRect area = control->getViewSize();
+    if (control->getParentView() != this) area.offset(pages[activePage]->getViewSize().getTopLeft());
+    hover.PointAt(mouse, &area);
+}
+
+void CPlugWindow::onMouseExited(CView* view, CFrame* /*frame*/) {
+    if (view != this) return;
+    keyAtMouse = -1;
+    hover.Leave();
+}
+
 void CPlugWindow::onMouseDownEvent(MouseDownEvent& event) {
     CViewContainer::onMouseDownEvent(event);
     if (event.consumed || !event.buttonState.isRight()) return;
@@ -148,18 +224,28 @@ void CPlugWindow::onMouseUpEvent(MouseUpEvent& event) {
     CViewContainer::onMouseUpEvent(event);
     if (!menuIsDue) return;
     menuIsDue = false;
-    OpenMenu(event.mousePosition);
+    const std::int32_t index = ParameterAt(event.mousePosition);
+    if (TakesTyping(index))
+        OpenField(index, event.mousePosition);
+    else
+        OpenMenu(event.mousePosition);
     event.consumed = true;
 }
 
 bool CPlugWindow::attached(CView* parent) {
     const bool result = CViewContainer::attached(parent);
-    if (getFrame() != nullptr) getFrame()->registerKeyboardHook(this);
+    if (CFrame* const frame = getFrame()) {
+        frame->registerKeyboardHook(this);
+        frame->registerMouseObserver(this);
+    }
     return result;
 }
 
 bool CPlugWindow::removed(CView* parent) {
-    if (getFrame() != nullptr) getFrame()->unregisterKeyboardHook(this);
+    if (CFrame* const frame = getFrame()) {
+        frame->unregisterKeyboardHook(this);
+        frame->unregisterMouseObserver(this);
+    }
     return CViewContainer::removed(parent);
 }
 
@@ -172,7 +258,7 @@ void CPlugWindow::showPage(std::int32_t page) {
         pageButtons[activePage]->setDirty();
     }
     pages[page]->remember();  // the window's share, which it gives back when the page is removed
-    addView(pages[page]);
+    addView(pages[page], hover.LowestView());
     pageButtons[page]->setValue(1.0F);
     pageButtons[page]->setDirty();
     activePage = page;
@@ -210,6 +296,7 @@ void CPlugWindow::update(const std::vector<unsigned char>& levels) {
     volumeForm->update(levels);
     keyboard->update(levels);
     RefreshStatus(levels);
+    if (hover.Step() && getFrame()->getModalView() == nullptr) hover.Say(HintAt(mouse));
 }
 
 void CPlugWindow::valueChanged(CControl* control) {
@@ -230,7 +317,10 @@ void CPlugWindow::valueChanged(CControl* control) {
 }
 
 void CPlugWindow::onKeyboardEvent(KeyboardEvent& event, CFrame* /*frame*/) {
-    if (event.type != EventType::KeyDown || event.virt != VirtualKey::F1) return;
+    if (event.type != EventType::KeyDown) return;
+    ShowFocus(true);
+    hover.Disturb();
+    if (event.virt != VirtualKey::F1) return;
     editor->OpenHelp();
     event.consumed = true;
 }

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "editor/activity_meter.h"
+#include "editor/hover.h"
 #include "editor/keyboard.h"
 #include "editor/label.h"
 #include "editor/orva_frame.h"
@@ -14,13 +15,16 @@
 #include "vstgui/lib/controls/ccontrol.h"
 #include "vstgui/lib/controls/icontrollistener.h"
 
+class CValueField;
+
 // The top view of the editor: a strip of page buttons, one of four pages below it, and beside them the
 // scrolling picture with the name of the chord. It fills the toolkit's frame.
 //
 // Threads: [ui].
 class CPlugWindow : public VSTGUI::CViewContainer,
                     public VSTGUI::IControlListener,
-                    public VSTGUI::IKeyboardHook {
+                    public VSTGUI::IKeyboardHook,
+                    public VSTGUI::IMouseObserver {
 public:
     static constexpr std::int32_t pageCount = 4;  // main, equalizer, options, about; as a page it means none
 
@@ -43,8 +47,13 @@ public:
     void valueChanged(VSTGUI::CControl* control) override;
     using CViewContainer::onKeyboardEvent;
     void onKeyboardEvent(VSTGUI::KeyboardEvent& event, VSTGUI::CFrame* frame) override;  // F1 is help
-    // A right click where no control uses it opens the menu, when the button is released: what is held would
-    // choose from it.
+    void onMouseEvent(VSTGUI::MouseEvent& event, VSTGUI::CFrame* frame) override;
+    using CViewContainer::onMouseEntered;
+    using CViewContainer::onMouseExited;
+    void onMouseEntered(VSTGUI::CView*, VSTGUI::CFrame*) override {}
+    void onMouseExited(VSTGUI::CView* view, VSTGUI::CFrame* frame) override;
+    // A right click on a slider or a bar opens a field to type its value into, and elsewhere the menu, when
+    // the button is released: what is held would choose from it.
     void onMouseDownEvent(VSTGUI::MouseDownEvent& event) override;
     void onMouseUpEvent(VSTGUI::MouseUpEvent& event) override;
     bool attached(VSTGUI::CView* parent) override;
@@ -59,6 +68,10 @@ private:
     void RefreshStatus(const std::vector<unsigned char>& levels);
     void ShowChordLabel(bool show);
     void OpenMenu(VSTGUI::CPoint where);
+    std::int32_t ParameterAt(VSTGUI::CPoint where) const;  // whose value is typed there; -1 for none
+    void OpenField(std::int32_t index, VSTGUI::CPoint where);
+    void ShowFocus(bool show);
+    std::string HintAt(const VSTGUI::CPoint& where) const;
 
     VSTGUI::CBitmap* backgroundBitmap;         // not owned
     VSTGUI::CBitmap* overlayBitmap = nullptr;  // the registration role's; this one asks for none
@@ -71,8 +84,12 @@ private:
     CActivityMeter* meter = nullptr;
     guiEditor* editor;
     CLabel* chordLabel = nullptr;
-    // One line below the pages: what was touched a moment ago, else how a take grows, else what sounds, else
-    // how the plug-in hears.
+    Hover hover;
+    CValueField* valueField = nullptr;  // while a value is typed
+    VSTGUI::CPoint mouse;               // while it is in the window
+    std::int32_t keyAtMouse = -1;       // the band of it
+    // One line below the pages: the key under the mouse, else what was touched a moment ago, else how a take
+    // grows, else what sounds, else how the plug-in hears.
     CLabel* statusLabel = nullptr;
     std::string touched, takeText, hearingText;
     int stepsOfTouched = 0;                  // of idle time, for which it still stands

@@ -2,6 +2,7 @@
 #include <cmath>
 #include <thread>
 
+#include "editor/hints.h"
 #include "editor/level_column.h"
 #include "editor/palette.h"
 #include "editor/status_text.h"
@@ -16,13 +17,14 @@ namespace {
 
 using Window = EditorTest;
 
-// A menu is open, a message, the mouse holds a slider.
+// A menu is open, a message, the mouse holds a slider, a value is typed.
 TEST_F(Window, ClosesInTheMiddleOfAnythingAndTheNextOneIsAsGoodAsNew) {
-    for (const int state : {0, 1, 2}) {
+    for (const int state : {0, 1, 2, 3}) {
         Open(state == 0 ? 4 : 2);
         if (state == 0) host->Click(80, 242);
         if (state == 1) host->plugin.messages.Show("text", "Error");
         if (state == 2) host->MoveTo(33, 100), host->Press();
+        if (state == 3) host->RightClick(33, 100), host->Settle(), host->Type("0.5");
         host->Settle();
         host->Call(effEditClose);
         host->Release();
@@ -52,6 +54,8 @@ TEST_F(Window, ShowsThePageThatUserOrHostChoseLastAndWhatOtherThreadsSet) {
     EXPECT_NE(changed, mainPage);
     Click(optionsButton);
     EXPECT_EQ(host->automated.back().value, 4.0F);  // page 2 plus 2
+    host->MoveTo(50, 310);                          // where nothing is
+    host->Settle();
     const Picture options = Page();
     host->Call(effEditClose);
     EXPECT_TRUE(host->Open());
@@ -131,6 +135,50 @@ TEST_F(Window, AWheelMovesASliderByAHundredthAndADoubleClickTakesItBack) {
     expect(0.87F);
 }
 
+// The initial values are 0.87 and 0.875; a bar of 0.5 stands below the pointer, at 7 + 3 * 40.
+TEST_F(Window, TakesTypedValuesAndKeysWhereTheFocusIsAndLeavesOthersToTheHost) {
+    Open();
+    const auto expect = [this](std::int32_t index, float value) {
+        EXPECT_TRUE(host->Await([&] { return std::abs(host->plugin.getParameter(index) - value) < 1e-5F; }))
+            << index << ": " << host->plugin.getParameter(index) << " instead of " << value;
+    };
+    const auto type = [this](Place place, const char* text, const char* end) {
+        host->RightClick(place.x, place.y);
+        host->Settle();
+        host->Type(text);
+        host->Key(end);
+        host->Settle();
+    };
+    constexpr Place sensitivity = {80, 200}, bar40 = {129, 200};
+    type(sensitivity, "20 dB", "Return");
+    expect(paramSensitivity, 0.5F);
+    type(sensitivity, "30", "Escape");
+    expect(paramSensitivity, 0.5F);
+    Click({33, 200});
+    const float clicked = host->plugin.getParameter(paramPolyphony);
+    for (const char* key : {"Up", "Page_Down"}) host->Key(key);
+    expect(paramPolyphony, clicked - 0.09F);
+    constexpr int virtualSpace = 7;
+    EXPECT_EQ(host->Call(effEditKeyDown, ' ', virtualSpace), 0);
+
+    Click(equalizerButton);
+    type(bar40, "0,25", "Return");
+    expect(paramFirstBar + 40, 0.25F);
+}
+
+TEST_F(Window, SaysWhatTheControlUnderAMouseAtRestDoes) {
+    Open();
+    host->MoveTo(50, 310);
+    host->Settle();
+    const auto text = [this] { return host->Pixels(80, 225, 150, 40); };  // beside the pointer
+    const Picture bare = text();
+    host->MoveTo(80, 200);
+    EXPECT_TRUE(host->Await([&] { return text() != bare; }));
+    host->MoveTo(50, 310);
+    EXPECT_TRUE(host->Await([&] { return text() == bare; }));
+    EXPECT_NE(HintOf(0, paramSensitivity).find("0 to -40 dB"), std::string::npos);
+}
+
 // The menu lies at the pointer, with rows of 19 pixels; what a row opens lies to its right.
 class WindowMenu : public EditorTest {
 protected:
@@ -140,9 +188,9 @@ protected:
     }
     void TearDown() override { unsetenv("XDG_CONFIG_HOME"); }
     void OpenMenu() {  // and what its first row opens
-        host->RightClick(120, 200);
+        host->RightClick(150, 40);
         host->Settle();
-        for (const int x : {140, 255}) host->MoveTo(x, 210), host->Settle();
+        for (const int x : {170, 285}) host->MoveTo(x, 50), host->Settle();
     }
 
     TempFolder folder;
@@ -153,7 +201,7 @@ TEST_F(WindowMenu, ChoosesTheEarOfThisInstanceAndOfThoseToComeWhereNoHostDoes) {
     host->plugin.usePreferredHearing();
     EXPECT_EQ(host->plugin.hearing(), Hearing());
     OpenMenu();
-    Click({260, 229});
+    Click({290, 69});
     const Hearing refined{Ear::refinedLive, 0, 0};
     EXPECT_TRUE(host->Await([&] { return host->plugin.hearing() == refined; }));
     EXPECT_TRUE(host->Await([&] { return Page() != bare; }));  // it is shown
@@ -167,7 +215,7 @@ TEST_F(WindowMenu, ChoosesTheEarOfThisInstanceAndOfThoseToComeWhereNoHostDoes) {
 TEST_F(WindowMenu, MakesTheWindowOfAnySizeIfItsHostFollows) {
     const auto choose = [this](int row) {
         OpenMenu();
-        Click({260, 210 + 19 * row});
+        Click({290, 50 + 19 * row});
     };
     const auto width = [this] {
         ERect* rect = nullptr;
@@ -203,7 +251,7 @@ TEST_F(WindowMenu, DarkensThisWindowAndThoseToCome) {
     };
     host->RightClick(150, 40);
     host->Settle();
-    Click({170, 88});  // its third row
+    Click({170, 107});  // its fourth row
     EXPECT_TRUE(showsAs(0x1B2D3DU));
     host->Call(effEditClose);
     Open();
