@@ -55,6 +55,13 @@ CPlugWindow::CPlugWindow(const CRect& size, guiEditor* itsEditor, CBitmap* backg
     showPage(0);
 }
 
+// The scrolling picture covers its place, and each painting sends the whole background to the display.
+void CPlugWindow::drawBackgroundRect(CDrawContext* context, const CRect& area) {
+    CRect within = area;
+    within.bound(formArea);
+    if (within != area || !volumeForm->HasPicture()) CViewContainer::drawBackgroundRect(context, area);
+}
+
 void CPlugWindow::AddPageButtons() {
     for (std::int32_t i = 0; i < pageCount; ++i) {
         CBitmap* bitmap = editor->getBitmap(pageButtonPlaces[i].bitmap);

@@ -58,6 +58,7 @@ public:
     void onMouseUpEvent(VSTGUI::MouseUpEvent& event) override;
     bool attached(VSTGUI::CView* parent) override;
     bool removed(VSTGUI::CView* parent) override;
+    void drawBackgroundRect(VSTGUI::CDrawContext* context, const VSTGUI::CRect& area) override;
 
     CLASS_METHODS_NOCOPY(CPlugWindow, CViewContainer)
 

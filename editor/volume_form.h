@@ -17,6 +17,8 @@ public:
 
     void createBuffers() override;  // also the back buffer; the front starts in the ground's colour
 
+    bool HasPicture() const { return offscreenBitmap != nullptr; }
+
     CLASS_METHODS_NOCOPY(CVolumeForm, CBufferedControl)
 
 private:
