@@ -7,7 +7,7 @@
 #include <string>
 
 namespace VSTGUI::Cairo {
-extern void (*addFonts)(FcConfig*);  // comes with scripts/toolkit.patch
+extern void (*addFonts)(FcConfig*);  // comes with cmake/toolkit/vstgui.patch
 }
 
 namespace {

@@ -10,7 +10,7 @@
 #include "editor/fonts.h"
 
 namespace VSTGUI {
-extern IDWriteFontCollection* (*ownFonts)(IDWriteFactory*);  // comes with scripts/toolkit-windows.patch
+extern IDWriteFontCollection* (*ownFonts)(IDWriteFactory*);  // comes with cmake/toolkit/vstgui-windows.patch
 IDWriteFactory* getDWriteFactory();
 }  // namespace VSTGUI
 
