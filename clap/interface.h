@@ -3,8 +3,8 @@
 #include <cstdint>
 
 // The published CLAP interface between a host and a plug-in, version 1.2, as far as this plug-in uses it:
-// names and layouts are the interface's own, and may not change. Where a thread is told, [main] is the host's
-// for windows, [audio] the one that processes.
+// names and layouts are the interface's own, and may not change. Where a thread is named, [main] is the
+// host's for windows, [audio] the one that processes.
 
 using clap_id = std::uint32_t;
 constexpr clap_id CLAP_INVALID_ID = 0xFFFFFFFF;

@@ -4,12 +4,12 @@
 
 #include "delivery/note_recorder.h"
 
-void TNoteOut::TellOn(std::int32_t band) {
+void TNoteOut::BeginNote(std::int32_t band) {
     NoteOn(band);
     soundingCount = soundingCount + 1;
 }
 
-void TNoteOut::TellOff(std::int32_t band) {
+void TNoteOut::EndNote(std::int32_t band) {
     NoteOff(band);
     soundingCount = soundingCount - 1;
 }
@@ -20,7 +20,7 @@ void TNoteOut::StartSteps() {
     const TNoteRecorder* const from = recorder;
     if (from != nullptr && from->active && !running)
         for (std::int32_t band = 0; band < from->numBands; ++band)
-            if (from->BandSounds(band)) TellOn(band);
+            if (from->BandSounds(band)) BeginNote(band);
     running = true;
 }
 
@@ -35,7 +35,7 @@ void TNoteOut::Silence() {
     if (!running || silenced) return;
     if (const TNoteRecorder* const from = recorder)
         for (std::int32_t band = 0; band < from->numBands; ++band)
-            if (from->playing[band]) TellOff(band);
+            if (from->playing[band]) EndNote(band);
     silenced = true;
 }
 
@@ -46,9 +46,9 @@ void TNoteOut::Update() {
         const bool on = from->BandSounds(band);
         const bool played = from->playing[band];
         if (!on && played)
-            TellOff(band);
+            EndNote(band);
         else if (on && !played)
-            TellOn(band);
+            BeginNote(band);
     }
     silenced = false;
 }

@@ -44,8 +44,8 @@ public:
 protected:
     void StartSteps();
     void StopSteps();
-    void TellOn(std::int32_t band);
-    void TellOff(std::int32_t band);
+    void BeginNote(std::int32_t band);
+    void EndNote(std::int32_t band);
 };
 
 // An output whose Start and Stop may come from any thread: they hold the recorder's lock while it is active.

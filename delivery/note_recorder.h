@@ -83,11 +83,10 @@ public:
     void SetVelocity(std::int32_t newVelocity);
     void SetMapping(std::int32_t semitones, std::int32_t newChannel, std::int32_t newVelocity);
 
-    // The lock for the length of a scope, or a patient try at it. A host may hold a lock of its own around a
-    // call to us, and take it in its callback, too: then one of its threads stands in a delivery and waits
-    // for the other, which wants our lock, and nobody would ever go on. After `timeout` a thread goes on
-    // without, as a change of velocity always does: at worst an event is out of order. Within such a scope of
-    // its own a thread does not wait a second time.
+    // The lock for the length of a scope, unless waiting for it times out. A host may hold a lock of its own
+    // around a call to us and take it in its callback, too, so that two of its threads would wait for each
+    // other for ever. After `timeout` a thread continues without our lock; at worst an event is out of order.
+    // Within such a scope it does not wait a second time.
     class Hold {
     public:
         explicit Hold(TNoteRecorder& held, bool wanted = true);

@@ -50,7 +50,7 @@ public:
     int Program() const;  // the process of the state `running`, where it has one of its own; else -1
 
     // At most that much of what a program writes is kept; no path is longer.
-    static constexpr std::size_t answerRoom = 8192;  // bytes
+    static constexpr std::size_t longestAnswer = 8192;  // bytes
 
 private:
     class Work;

@@ -16,7 +16,7 @@
 bool writeRegistryString(std::string_view subKey, std::string_view text);
 
 // The text, or an empty one where there is none, where it cannot be read, or where it is longer than 255
-// bytes: that is as much as a reader of these settings ever makes room for. It ends at a zero byte.
+// bytes, which is the most that is ever read. It ends at a zero byte.
 std::string readRegistryString(std::string_view subKey);
 
 // The same on this system, for legal names.

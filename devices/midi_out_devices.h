@@ -40,8 +40,8 @@ struct SystemVersion {
     std::uint32_t minor = 0;
 };
 
-// A layer of MIDI output devices: what a system is asked of, under the names that it has there. A device id
-// is an index into the layer's list; what the list shows while devices come and go is the layer's own affair.
+// A layer of MIDI output devices, with the operations and names that Windows has for it. A device id is an
+// index into the layer's list; the layer decides what the list shows while devices come and go.
 //
 // Threads: [any], several at once, also on one handle: midiOutShortMsg comes from the audio threads of
 // several instances and neither waits nor allocates; all others may take long (tens of ms) and are never

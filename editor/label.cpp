@@ -18,7 +18,7 @@ CLabel::CLabel(const CRect& size, IControlListener* clickListener, std::int32_t 
 }
 
 void CLabel::setText(const char* newText) {
-    CopyText(text, textRoom, newText != nullptr ? newText : "");
+    CopyText(text, textSize, newText != nullptr ? newText : "");
     setDirty();
 }
 

@@ -11,7 +11,7 @@
 // Threads: [ui].
 class CLabel : public VSTGUI::CParamDisplay {
 public:
-    static constexpr std::size_t textRoom = 256;  // bytes, the terminator included; what does not fit is cut
+    static constexpr std::size_t textSize = 256;  // bytes, the terminator included; what does not fit is cut
 
     explicit CLabel(const VSTGUI::CRect& size, VSTGUI::IControlListener* clickListener = nullptr,
                     std::int32_t controlTag = -1);
@@ -25,7 +25,7 @@ public:
     CLASS_METHODS_NOCOPY(CLabel, CParamDisplay)
 
 private:
-    char text[textRoom] = {};
+    char text[textSize] = {};
 
 public:
     VSTGUI::CBitmap* backgroundBitmap = nullptr;  // not owned; may be none

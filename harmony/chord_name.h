@@ -10,12 +10,12 @@
 // Threads: a plain value. Invariant: all bytes behind the text are 0.
 class TChordName {
 public:
-    static constexpr std::size_t room = 32;  // bytes, the terminator included
+    static constexpr std::size_t capacity = 32;  // bytes, the terminator included
 
     TChordName() = default;
     explicit TChordName(std::string_view name) { Append(name); }
 
-    void Append(std::string_view more) { CopyText(text + view().size(), room - view().size(), more); }
+    void Append(std::string_view more) { CopyText(text + view().size(), capacity - view().size(), more); }
     bool empty() const { return text[0] == '\0'; }
     const char* c_str() const { return text; }
     std::string_view view() const { return text; }
@@ -23,5 +23,5 @@ public:
     friend bool operator==(const TChordName&, const TChordName&) = default;
 
 private:
-    char text[room] = {};
+    char text[capacity] = {};
 };

@@ -33,7 +33,7 @@ protected:
 class TChordsListener : public TNoteOut {
 public:
     static constexpr std::size_t mostNotes = 11;         // the lowest ones are named; all of them have a name
-    static constexpr std::uint64_t longestDelay = 2000;  // ms that the ring has room for
+    static constexpr std::uint64_t longestDelay = 2000;  // ms that the ring holds
     static constexpr std::int32_t mostUpdates = 1000;    // a second
 
     // updatesPerSecond is held between 1 and mostUpdates.

@@ -32,10 +32,10 @@ public:
     }
 
 private:
-    using Words = std::array<std::uint64_t, TChordName::room / sizeof(std::uint64_t)>;
+    using Words = std::array<std::uint64_t, TChordName::capacity / sizeof(std::uint64_t)>;
     static_assert(sizeof(Words) == sizeof(TChordName));
 
-    // All accesses keep one total order, which is what makes the count of writes tell.
+    // All accesses keep one total order, so a count that is even and unchanged means a whole name.
     std::array<std::atomic<std::uint64_t>, std::tuple_size_v<Words>> words{};
     std::atomic<std::uint64_t> sequence{0};  // odd during a write
 };

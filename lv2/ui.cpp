@@ -113,11 +113,11 @@ bool Ui::Idle() {
     }
     if (hasClosed) return false;
     if (window != nullptr) instance->Object().IdleEditor();
-    TellHost();
+    NotifyHost();
     return true;
 }
 
-void Ui::TellHost() {
+void Ui::NotifyHost() {
     instance->ChangesForHost().drain([this](std::int32_t index, float value) {
         const auto at = static_cast<std::size_t>(index);
         echoes[at].Await(value, Milliseconds() + timeout);

@@ -41,7 +41,7 @@ public:
     ERect Size() { return instance->Object().EditorSize(); }
 
 private:
-    void TellHost();
+    void NotifyHost();
     bool Resize(std::int32_t width, std::int32_t height);
 
     const std::shared_ptr<Instance> instance;

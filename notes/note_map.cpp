@@ -198,7 +198,7 @@ void TNoteMap::Clear() {
     points.clear();
 }
 
-// The list of a point that is new at its place starts as its predecessor's, with room for `more` notes.
+// The list of a point that is new at its place starts as its predecessor's, with capacity for `more` notes.
 void TNoteMap::TakeOverPrevious(std::size_t point, std::size_t more) {
     TNoteList& list = Sounding(point);
     list.clear();

@@ -70,7 +70,7 @@ public:
     static void TransferNote(TNote* note, TNotes& target);
     // Deletes all notes. Title, tempo, meter, key, bars and layers (with their counts) stay as they are.
     void Clear();
-    // Room for `count` notes more at ascending addresses, so that notes of one begin keep the order in
+    // Memory for `count` notes more at ascending addresses, so that notes of one begin keep the order in
     // which they are added.
     void ReserveNotes(std::size_t count);
 

@@ -22,20 +22,20 @@ float CORVA_vst::getParameter(std::int32_t index) {
 }
 
 void CORVA_vst::getParameterName(std::int32_t index, char* text) {
-    CopyText(text, textRoom, ParameterName(index));
+    CopyText(text, textSize, ParameterName(index));
 }
 void CORVA_vst::getParameterLabel(std::int32_t index, char* text) {
-    CopyText(text, textRoom, ParameterLabel(index));
+    CopyText(text, textSize, ParameterLabel(index));
 }
 
 void CORVA_vst::getParameterDisplay(std::int32_t index, char* text) {
-    CopyText(text, textRoom, ParameterDisplay(index, getParameter(index)));
+    CopyText(text, textSize, ParameterDisplay(index, getParameter(index)));
 }
 
 // For a value that is not (yet) set. Parameter 1 counts from the other end here, unlike its display.
 void CORVA_vst::getParameterValueDisplay(float value, std::int32_t index, char* text) {
     if (index < paramPolyphony || index > paramVelocity) return;
-    CopyText(text, textRoom, ParameterDisplay(index, index == paramSensitivity ? 1.0F - value : value));
+    CopyText(text, textSize, ParameterDisplay(index, index == paramSensitivity ? 1.0F - value : value));
 }
 
 bool CORVA_vst::string2parameter(std::int32_t index, const char* text) {

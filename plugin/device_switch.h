@@ -26,10 +26,10 @@ protected:
 // Parameters 88 and 89: which MIDI device is requested, and whether it is open. A device that cannot be
 // opened is reported in a message, and the request falls back to the device that was open, or to none.
 //
-// Threads: SetDevice and SetEnabled [any], though not for the audio thread's liking: a device takes its time
-// to open. Requests are served one after the other, by whoever came first; a request that comes while another
-// is being served (from another thread, or from a host that calls back) is left to that one. Start and
-// Stop [audio]. Lock: `midiDeviceOut` is read and replaced under the recorder's lock; devices open and close
+// Threads: SetDevice and SetEnabled [any], though on the audio thread the opening of a device is heard as a
+// gap. Requests are served one after the other, by whoever came first; a request that comes while another is
+// being served (from another thread, or from a host that calls back) is left to that one. Start and Stop
+// [audio]. Lock: `midiDeviceOut` is read and replaced under the recorder's lock; devices open and close
 // outside it. Ownership: the recorder owns the output while it is attached.
 class DeviceSwitch {
 public:

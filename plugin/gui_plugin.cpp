@@ -16,7 +16,7 @@ std::atomic<bool> editorCreationFailed{false};
 namespace {
 
 constexpr std::int32_t chordsPerSecond = 10;
-constexpr std::uint64_t patientSeconds = 3;  // of silence, before the further outputs stop
+constexpr std::uint64_t secondsToIdle = 3;  // of silence, before the further outputs stop
 constexpr char takeTitle[] = "Created with ORVA Audio To MIDI VST";
 
 std::uint32_t WholeRate(float rate) {
@@ -142,7 +142,7 @@ float CORVAguivst::getParameter(std::int32_t index) {
 void CORVAguivst::getParameterValueDisplay(float value, std::int32_t index, char* text) {
     if (index < paramFirstBar || index >= parameterCount)
         return CORVA_vst::getParameterValueDisplay(value, index, text);
-    CopyText(text, textRoom, ParameterDisplay(index, value));
+    CopyText(text, textSize, ParameterDisplay(index, value));
 }
 
 // --- start and stop ---
@@ -161,7 +161,7 @@ void CORVAguivst::stopDetection() {
     CORVA_vst::stopDetection();
     chordsListener->Update();  // so that chords keep being judged through silence
     const std::uint64_t rate = WholeRate(getSampleRate());
-    if (!outputsIdle && rate != 0 && silentSamples / rate >= patientSeconds) stopOutputs();
+    if (!outputsIdle && rate != 0 && silentSamples / rate >= secondsToIdle) stopOutputs();
 }
 
 void CORVAguivst::suspendSteps() {
@@ -183,11 +183,11 @@ std::intptr_t CORVAguivst::dispatcher(std::int32_t opcode, std::int32_t index, s
     if (opcode == effVendorSpecific && index == vendorCall && value == vendorWindowDark)
         return editorObject != nullptr && editorObject->setDark(opt != 0);
     const std::intptr_t answer = CORVA_vst::dispatcher(opcode, index, value, ptr, opt);
-    if (!InsideBlock()) keepRoomAhead();
+    if (!InsideBlock()) topUpRecording();
     return answer;
 }
 
-void CORVAguivst::keepRoomAhead() {
+void CORVAguivst::topUpRecording() {
     recording->TopUp();
     device.DeleteRetired();
 }

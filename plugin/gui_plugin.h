@@ -58,7 +58,7 @@ public:
     // One display byte a band: 255 for a band that is on, else its level against a running average, 0 to 254.
     void buildLevels(std::vector<unsigned char>& levels);
     std::string currentChordText();
-    void keepRoomAhead();  // tops up the recording's room; called at each idle and dispatcher call
+    void topUpRecording();  // with memory; called at each idle and dispatcher call
 
     // Follows the user's preferred hearing from now on, and has the editor offer it. For whoever makes the
     // object in a host that has no control of its own for the ear; before the first block.

@@ -40,7 +40,7 @@ public:
     virtual void processSamples(const short* block, std::size_t count);  // [audio] hands a block onwards
     virtual void startDetection();                                       // [audio] leaves the stopped state
     virtual void stopDetection();                                        // [audio] enters it
-    virtual void getParameterValueDisplay(float value, std::int32_t index, char* text);  // textRoom bytes
+    virtual void getParameterValueDisplay(float value, std::int32_t index, char* text);  // textSize bytes
     virtual bool registrationStatus() { return false; }
     virtual bool submitRegistration(const char* /*name*/, const char* /*code*/) { return false; }
     virtual void logHostInfo();  // writes what the host says of itself to the log

@@ -5,7 +5,8 @@
 // 16 are kept. Nothing saturates: beyond about plus or minus 1.09 a sample wraps. One that does not fit
 // 32 bits, or is not a number, becomes 0.
 //
-// in: count samples, any alignment, or null for silence; out: room for count. Threads: [any], pure functions.
+// in: count samples, any alignment, or null for silence; out: space for count. Threads: [any], pure
+// functions.
 void ConvertSamples(const float* in, short* out, std::size_t count);
 void ConvertSamples(const double* in, short* out, std::size_t count);
 

@@ -12,13 +12,13 @@
 //
 // What comes from the host is not believed: null pointers, unknown opcodes and indices out of range are
 // answered with 0, and no exception leaves towards the host. Texts that go to the host are at most
-// textRoom bytes with their terminator. The host's floating-point control word is as it was after each call.
+// textSize bytes with their terminator. The host's floating-point control word is as it was after each call.
 //
 // Ownership: the host owns the object through its record, by way of effClose; the object owns its editor.
 // Threads: the host's choice. Process calls [audio]; editor calls [ui]; all others [any].
 class AudioEffect {
 public:
-    static constexpr std::size_t textRoom = 64;  // bytes that hosts in use reserve for names and displays
+    static constexpr std::size_t textSize = 64;  // bytes that hosts in use reserve for names and displays
 
     AudioEffect(audioMasterCallback host, std::int32_t numPrograms, std::int32_t numParams);
     virtual ~AudioEffect();
@@ -55,7 +55,7 @@ public:
 
     virtual std::int32_t getProgram() { return program; }
     virtual void setProgram(std::int32_t number) { program = number; }
-    // Texts: `name` from the host ends at its terminator or after 32 bytes; `text` to the host holds textRoom
+    // Texts: `name` from the host ends at its terminator or after 32 bytes; `text` to the host holds textSize
     // bytes, kVstMaxProgNameLen for a program's name.
     virtual void setProgramName(const char* name);
     virtual void getProgramName(char* name);

@@ -14,7 +14,7 @@ public:
     std::intptr_t dispatcher(std::int32_t opcode, std::int32_t index, std::intptr_t value, void* ptr,
                              float opt) override;
 
-    // What the plug-in says of itself. `text` has the room that the interface grants each.
+    // What the plug-in says of itself. `text` has the size that the interface grants each.
     virtual bool getEffectName(char* text) { return *text = '\0', false; }     // kVstMaxEffectNameLen
     virtual bool getVendorString(char* text) { return *text = '\0', false; }   // kVstMaxVendorStrLen
     virtual bool getProductString(char* text) { return *text = '\0', false; }  // kVstMaxProductStrLen

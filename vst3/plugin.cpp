@@ -80,7 +80,7 @@ void CopyWide(TChar* field, const std::string& text) {
     field[wide.size()] = 0;
 }
 
-// The base that component and controller share cannot be told by its type: the component's stands for both.
+// The base that component and controller share is ambiguous by its type: the component's stands for both.
 tresult Vst3Plugin::queryInterface(const TUID id, void** object) {
     const bool isBase = FUnknownPrivate::iidEqual(id, IPluginBase::iid);
     return Base::queryInterface(isBase ? IComponent::iid.toTUID() : id, object);

@@ -191,7 +191,7 @@ void FileDialog::Work::ReadAnswer() {
         const ssize_t length = read(answerEnd, piece, sizeof piece);
         if (length < 0 && errno == EINTR) continue;
         if (length <= 0) return;  // nothing now, or nothing any more
-        answer.append(piece, std::min(static_cast<std::size_t>(length), answerRoom - answer.size()));
+        answer.append(piece, std::min(static_cast<std::size_t>(length), longestAnswer - answer.size()));
     }
 }
 

@@ -152,9 +152,9 @@ private:
                                                                            : MMSYSERR_ERROR;
     }
 
-    // The server's thread, once a cycle: all that waits, at the begin of the cycle. What finds no room in the
-    // port's buffer comes with the next one. The server makes a connection some cycles after it was asked to,
-    // and what is written before goes nowhere: so the first messages wait until it is there.
+    // The server's thread, once a cycle: all that waits, at the begin of the cycle. What does not fit into
+    // the port's buffer comes with the next one. The server makes a connection some cycles after it was asked
+    // to, and what is written before goes nowhere: so the first messages wait until it is there.
     int Process(jack_nframes_t frames) {
         void* const buffer = jack_port_get_buffer(port, frames);
         jack_midi_clear_buffer(buffer);

@@ -47,8 +47,8 @@ private:
 };
 
 // RtMidi's sending is for one thread at a time, and two instances that share the device have two. So each
-// puts its message into a ring, and whoever finds nobody sending sends what is there, its own first of all.
-// The other goes on at once: its message is in good hands, and its result is success.
+// puts its message into a ring, and a thread that finds no other one sending sends all that is in the ring.
+// The other returns success at once.
 //
 // RtMidi sends a short message by one write to the sequencer, opened without waiting, and allocates nothing
 // (it does for the text of an error, which it composes before it asks who wants it).

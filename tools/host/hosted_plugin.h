@@ -33,7 +33,7 @@ public:
     // At most blockSize samples. Of what comes out, `out` gets the first output, unless it is null.
     void Process(const float* samples, std::int32_t count, float* out = nullptr);
     void Stop();
-    // Tells of a new rate and block size, at most the one of Start, with nothing allocated here. It may come
+    // Announces a new rate and block size, at most the one of Start, with nothing allocated here. It may come
     // from a thread beside that of Process, as hosts do it.
     void Change(std::int32_t newRate, std::int32_t blockSize);
 

@@ -14,9 +14,9 @@ namespace {
 
 // Pixels.
 constexpr double rowHeight = 9;
-constexpr double leftEdge = 44;     // room for the names of the Cs
-constexpr double chordHeight = 30;  // room for the chord names
-constexpr double footHeight = 22;   // room for the seconds
+constexpr double leftEdge = 44;     // for the names of the Cs
+constexpr double chordHeight = 30;  // for the chord names
+constexpr double footHeight = 22;   // for the seconds
 constexpr double usualSecond = 80;
 constexpr double widest = 8000;  // a long recording is drawn closer
 
