@@ -8,7 +8,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -22,8 +21,6 @@
 #include "tools/host/icon.h"
 
 namespace {
-
-constexpr auto idlePause = std::chrono::milliseconds(33);
 
 cairo_status_t Append(void* bytes, const unsigned char* data, unsigned length) {
     static_cast<std::string*>(bytes)->append(reinterpret_cast<const char*>(data), length);
@@ -163,10 +160,10 @@ bool EditorWindow::UserHasClosed() {
     return closed;
 }
 
-void EditorWindow::Run(const std::function<bool()>& step) {
+void EditorWindow::Run(const std::function<bool()>& step, std::chrono::milliseconds pause) {
     while (!UserHasClosed() && step()) {
+        std::this_thread::sleep_for(pause);
         plugin.Dispatch(effEditIdle);
-        std::this_thread::sleep_for(idlePause);
     }
 }
 

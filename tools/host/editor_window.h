@@ -1,4 +1,5 @@
 #pragma once
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <string>
@@ -16,9 +17,10 @@ public:
     EditorWindow(const EditorWindow&) = delete;
     EditorWindow& operator=(const EditorWindow&) = delete;
 
-    // Calls `step` and the editor's idle about 30 times a second, until the user closes the window or `step`
-    // says false.
-    void Run(const std::function<bool()>& step);
+    static constexpr std::chrono::milliseconds idlePause{33};
+    // Calls `step`, and after the pause the editor's idle, again and again until the user closes the window
+    // or `step` says false.
+    void Run(const std::function<bool()>& step, std::chrono::milliseconds pause = idlePause);
     // What the window shows, as the bytes of a PNG.
     std::string Picture();
 

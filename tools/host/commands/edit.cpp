@@ -1,8 +1,10 @@
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <iostream>
 #include <memory>
 #include <optional>
+#include <thread>
 #include <vector>
 
 #include "parameters/parameters.h"
@@ -39,14 +41,15 @@ public:
         plugin->Start(static_cast<std::int32_t>(blockSize));
     }
     HostedPlugin& Plugin() { return *plugin; }
-    double Time() const {
-        return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-    }
 
-    // What has become due since the last call; after the end of the file, silence.
+    // What has become due since the last call.
     void Continue() {
+        PlayTo(std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
+    }
+    // As far as that many seconds; after the end of the file, silence.
+    void PlayTo(double seconds) {
         const std::int32_t rate = audio ? audio->Rate() : usualRate;
-        while (static_cast<double>(plugin->SamplesDelivered()) < Time() * rate) {
+        while (static_cast<double>(plugin->SamplesDelivered()) < seconds * rate) {
             std::vector<float> samples(blockSize);
             if (audio) audio->Read(samples.data(), blockSize);
             plugin->Process(samples.data(), static_cast<std::int32_t>(blockSize));
@@ -78,10 +81,15 @@ int Shot(const EditOptions& options) {
     player.Plugin().SetParameter(paramActivePage, PageValue(static_cast<std::int32_t>(page - pages.begin())));
     if (options.chords) player.Plugin().SetParameter(paramChordsEnabled, 1.0F);
     EditorWindow window(player.Plugin(), "ORVA Audio To MIDI", options.scale);
-    window.Run([&] {
-        player.Continue();
-        return player.Time() < options.at;
-    });
+    // However busy the machine: the window takes one column a call, if the last was 50 ms ago, and plays the
+    // same in each.
+    constexpr double column = 0.05;  // s
+    constexpr std::chrono::milliseconds pause{51};
+    const auto columns = static_cast<int>(std::ceil(options.at / column));
+    int played = 0;
+    const auto playColumn = [&] { return player.PlayTo(++played * column), played <= columns; };
+    window.Run(playColumn, pause);
+    std::this_thread::sleep_for(10 * pause);  // the display draws on its own
     WriteWhole(options.target, window.Picture());
     return exitDone;
 }
