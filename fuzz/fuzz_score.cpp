@@ -5,7 +5,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
-#include <random>
 #include <stdexcept>
 #include <string>
 
@@ -14,12 +13,8 @@
 #include "tests/notes/memory_stream.h"
 #include "tests/notes/score_check.h"
 
-extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, std::size_t maxSize);
-
 namespace {
 
-constexpr std::size_t headSize = 18;         // bytes before the notes
-constexpr std::size_t recordSize = 24;       // bytes of a note
 constexpr std::size_t checkedNotes = 30;     // the check scans all notes for each point
 constexpr std::uint32_t longest = 0xFFFFFF;  // ticks, 12 minutes
 
@@ -64,10 +59,6 @@ bool IsWhole(MemoryStream& stream) {
     return true;
 }
 
-void PutField(std::uint8_t* place, std::uint32_t value) {
-    for (int byte = 0; byte < 4; ++byte) place[byte] = static_cast<std::uint8_t>(value >> (24 - 8 * byte));
-}
-
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -96,30 +87,4 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     SaveScore(*score, file, size % 2 == 0);
     Demand(IsWhole(file), "the MIDI file is whole");
     return 0;
-}
-
-// Half of the time the usual mutations; else a field, a record or the count, as the format has them.
-extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size, std::size_t maxSize,
-                                               unsigned seed) {
-    std::minstd_rand random(seed);
-    const std::size_t records = size > headSize ? (size - headSize) / recordSize : 0;
-    if (records == 0 || random() % 2 == 0) return LLVMFuzzerMutate(data, size, maxSize);
-    std::uint8_t* const record = data + headSize + random() % records * recordSize;
-    constexpr std::uint32_t limits[] = {0, 1, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFE, 0xFFFFFFFF};
-    const std::uint8_t* const other = data + headSize + random() % records * recordSize;
-    switch (random() % 4) {
-        case 0:  // a time next to another note's
-            std::copy_n(other + 4 * (random() % 2), 4, record + 4 * (random() % 2));
-            break;
-        case 1:  // a field at its limits
-            PutField(data + random() % (size - 3), limits[random() % std::size(limits)]);
-            break;
-        case 2:  // one note more
-            if (size + recordSize > maxSize) break;
-            std::copy_backward(record, data + size, data + size + recordSize);
-            PutField(data + 14, static_cast<std::uint32_t>(records + 1));
-            return size + recordSize;
-        default: PutField(data + 14, static_cast<std::uint32_t>(random() % (records + 2)));
-    }
-    return size;
 }

@@ -64,6 +64,25 @@ TEST_F(Window, ShowsThePageThatUserOrHostChoseLastAndWhatOtherThreadsSet) {
     EXPECT_NE(options, changed);
 }
 
+TEST_F(Window, OfEachInstanceShowsItsOwn) {
+    Open();
+    const Picture before = Page();
+    EditorHost other;
+    const std::uint32_t beside[] = {500};
+    xcb_configure_window(other.connection, other.parent, XCB_CONFIG_WINDOW_X, beside);
+    other.plugin.setParameter(92, 2);
+    ASSERT_TRUE(other.Open());
+    const auto itsPage = [&other] { return other.Settle(), other.Pixels(0, 0, 267, 320); };
+    EXPECT_EQ(itsPage(), before);
+    other.plugin.setParameter(0, 0.1F);
+    EXPECT_NE(itsPage(), before);
+    host->Settle();
+    EXPECT_EQ(Page(), before);
+    host->Call(effEditClose);
+    other.plugin.setParameter(0, 0.87F);
+    EXPECT_EQ(itsPage(), before);
+}
+
 // Between two notes nothing is heard, so a column differs from the one before by the running average alone,
 // which the plug-in shows: byte = (ln(level) - average) * 70 + 254, or 255 for a note, and its colour, 3
 // pixels a band.

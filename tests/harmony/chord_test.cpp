@@ -82,17 +82,6 @@ TEST(Chord, EverySetOfPitchesKeepsItsName) {
     EXPECT_EQ(DigestOf(any), 3478533750U);
 }
 
-TEST(Chord, AFormShowsEachOfItsParts) {
-    TChordForm all{3, 6, 9, 13, 18};
-    EXPECT_EQ(chordText(all).view(), "Cdim-9+11");
-    all.third = 5;
-    all.bass = 1;
-    EXPECT_EQ(chordText(all).view(), "C-9sus-5,6+11/C#");
-    EXPECT_TRUE(FormOf({60, 64, 67}).bassInChord);  // bass 0, the place of the third
-    EXPECT_FALSE(FormOf({60, 62}).bassInChord);     // no parts
-    EXPECT_EQ(NameOf({64, 67, 72}), "C/Ab");        // the way down, 8 semitones, is shown upward
-}
-
 TEST(Chord, WithoutNotesThereIsNoChordAndTooManyAreRefused) {
     TChord empty(TNoteList(), -1);
     EXPECT_FALSE(empty.analyse().ok);

@@ -131,6 +131,7 @@ TEST(TakeOutput, TextsAreAsDocumented) {
         {"rest.musicxml", MusicXml(Score({3, 2}, 0, 0, {}))},
         {"ties.musicxml", MusicXml(Score({4, 2}, 0, 0, {{60, 10, 400}, {64, 0, 700}, {61, 500, 2400}}))},
         {"pick_up.musicxml", MusicXml(Score({3, 2}, 0.5, 8, {{72, 250, 500}, {72, 500, 2000}}))},
+        {"six_eight.musicxml", MusicXml(Score({6, 3}, 0, 0, {{60, 0, 750}, {64, 750, 1500}}))},
         {"thirds.musicxml",
          MusicXml(Score({2, 2}, 0, 12, {{60, 0, 160}, {62, 170, 330}, {64, 340, 500}, {65, 500, 1000}}))},
     };

@@ -167,19 +167,4 @@ TEST_F(Program, HearsTheFilesOfListsAndOnlyThoseThatAreNotDone) {
     EXPECT_TRUE(fs::exists(second));
 }
 
-// Tables come in the order of the files, however many are at work and however short the later ones are.
-TEST_F(Program, PrintsTablesInOrder) {
-    Arguments arguments = {"render", "--jobs", "1", folder / "missing.wav"};
-    for (const char* const length : {"1.9", "1.4", "1.3", "1.2", "1.1"}) {
-        arguments.push_back(folder / length);
-        WriteAudio(arguments.back(), HeldNote(middleC, 44100, 0.3, 1, std::stod(length)), 44100);
-    }
-    const Ended alone = RunHost(arguments);
-    arguments[2] = "3";
-    const Ended together = RunHost(arguments);
-    ExpectOneLine(together, "missing.wav: no such file");
-    EXPECT_TRUE(Contains(alone.out, "1.1"));
-    EXPECT_EQ(together.out, alone.out);
-}
-
 }  // namespace

@@ -75,21 +75,6 @@ TEST(Notes, RandomChangesAgreeWithAScanOfAllNotes) {
     }
 }
 
-TEST(BarMap, BarsAreNumberedByTheirNeighboursThroughEveryChange) {
-    const auto score = std::make_unique<TNotes>();
-    score->AddBar(100, 4);
-    score->bars.begin()->second.barIndex = 5;
-    for (const std::uint32_t time : {50U, 200U, 150U, 100U}) score->AddBar(time, 3);  // at 100 one stands
-    EXPECT_EQ(Bars(*score), "50:5/3 100:6/4 150:7/3 200:8/3 ");
-    for (const std::uint32_t time : {100U, 101U}) score->RemoveBar(time);  // at 101 none stands
-    score->MoveBar(150, 300);
-    EXPECT_EQ(Bars(*score), "50:5/3 200:6/3 300:7/3 ");
-    score->FillBars(25, 10, 3);  // 25 / 10 + 1 = 3 is the last number
-    EXPECT_EQ(Bars(*score), "0:0/3 10:1/3 20:2/3 30:3/3 ");
-    score->FillBars(25, 0, 3);
-    EXPECT_TRUE(score->bars.empty());
-}
-
 // Spacings from a few ticks, where most new bars are merged again, to several minutes. The digest is that of
 // adding and removing the bars one by one by the rules above.
 TEST(BarMap, NormalizingIsAddingAndRemovingOneByOne) {

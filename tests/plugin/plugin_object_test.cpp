@@ -4,13 +4,11 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cfenv>
 #include <thread>
 
 #include "delivery/rt_recording.h"
 #include "module/plugin_entry.h"
 #include "plugin/gui_plugin_ex.h"
-#include "plugin/sample_conversion.h"
 #include "tests/support/devices.h"
 #include "tests/support/host.h"
 #include "tests/support/messages.h"
@@ -51,27 +49,9 @@ protected:
     Messages messages;
     Host host;
     CORVAguivstEx* effect = nullptr;
-    const Audio tone = Tones({69, 76}, 0.3);
 };
 
 }  // namespace
-
-// A host's rounding mode may not decide what is heard.
-TEST(SampleConversion, TheHostsRoundingMakesNoDifference) {
-    const auto convert = [](auto unit, int rounding) {
-        std::vector<decltype(unit)> steps;
-        for (int k = -30000; k <= 30000; ++k) steps.push_back(static_cast<decltype(unit)>(k) / 30000);
-        std::vector<short> out(steps.size());
-        std::fesetround(rounding);
-        ConvertSamples(steps.data(), out.data(), steps.size());
-        std::fesetround(FE_TONEAREST);
-        return out;
-    };
-    for (const int rounding : {FE_UPWARD, FE_DOWNWARD}) {
-        EXPECT_EQ(convert(1.0F, rounding), convert(1.0F, FE_TONEAREST));
-        EXPECT_EQ(convert(1.0, rounding), convert(1.0, FE_TONEAREST));
-    }
-}
 
 // A host's buffer has any length, and may hold what is no number.
 TEST(InputMeter, TakesTheHighestSampleSinceTheLastLookWhereverItStands) {
@@ -91,27 +71,6 @@ TEST(InputMeter, TakesTheHighestSampleSinceTheLastLookWhereverItStands) {
         EXPECT_EQ(meter.TakePeak(), 1.5F) << at;
     }
     EXPECT_EQ(meter.TakePeak(), 0.0F);
-}
-
-// The detector forgets at a stop, so a tone is the first tone once more, later.
-TEST_F(PluginObject, AHostMayChangeTheRateOrSuspendFromInsideAnEvent) {
-    host.Play(tone);
-    const std::vector<Host::Event> first = host.TakenEvents();
-    for (const float rate : {96000.0F, 8000.0F, 1.0F, 0.0F}) {
-        host.Play(Silence(64));
-        host.atNextEvent = [&] {
-            if (rate > 0) host.Call(effSetSampleRate, 0, 0, nullptr, rate);
-            if (rate == 0) host.Call(effMainsChanged, 0, 0);
-        };
-        host.Play(tone);
-        EXPECT_FALSE(host.atNextEvent);  // it was called
-        host.Call(effSetSampleRate, 0, 0, nullptr, 44100);
-        host.Play(Silence(64));
-        host.TakenEvents();
-        const std::int64_t begin = host.clock;
-        host.Play(tone);
-        EXPECT_EQ(host.TakenEvents(), Later(first, begin)) << "after " << rate;
-    }
 }
 
 // A block that begins after a suspend starts all outputs again, however the two lay before.
@@ -211,21 +170,4 @@ TEST_F(PluginObject, ChordsAreReportedOnlyWhileEnabled) {
     for (const Shown& one : heard) EXPECT_EQ(one, (Shown{98, 0.0F}));
     host.Play(Silence(22050), 441);  // judged through silence, too
     EXPECT_EQ(effect->currentChordText(), "");
-}
-
-TEST_F(PluginObject, ThePictureShowsNotesAtTheTopAndIsDarkAfterEachStop) {
-    const auto levels = [&] {
-        std::vector<unsigned char> drawn;
-        for (int tick = 0; tick < 200; ++tick) effect->buildLevels(drawn);  // 0.93^200 < 1e-6: settled
-        return drawn;
-    };
-    for (const bool suspends : {false, true}) {
-        host.Play(tone);
-        EXPECT_EQ(levels().at(45), 255);  // MIDI 69 sounds
-        EXPECT_EQ(std::ranges::count(levels(), 255), 2);
-        suspends ? static_cast<void>(host.Call(effMainsChanged)) : static_cast<void>(host.Play(Silence(64)));
-        std::vector<unsigned char> drawn;
-        effect->buildLevels(drawn);
-        EXPECT_EQ(std::ranges::count(drawn, 0), 84) << suspends;
-    }
 }

@@ -1,4 +1,4 @@
-// The plug-in lives on when memory runs out.
+// The plug-in lives on when memory runs out, and when a host or a device throws or answers nonsense.
 #include <gtest/gtest.h>
 
 #include <mutex>
@@ -16,7 +16,6 @@
 #include "tests/support/trial.h"
 #include "tests/support/watch.h"
 
-#if ORVA_WATCHES
 namespace {
 
 // What a host and a user do in a short life of the plug-in. What the editor calls, it catches by itself.
@@ -49,6 +48,36 @@ void LiveAndSave(Host& host, const Audio& music, const std::string& file) {
     quietly([&] { object.currentChordText(); });
 }
 
+TEST(Faults, AHostOrDeviceThatThrowsOrAnswersNonsenseAtAnyCallEndsNothing) {
+    RunTrials({200, 20}, [](Trial& trial) {
+        const TempFolder folder;
+        const Audio music = RandomMusic(trial.random, 44100, 1);
+        FakeDevices devices;
+        Messages messages;
+        SubstituteMidiOut(&devices);
+        std::uint64_t left = trial.Below(60);  // calls that go well
+        const bool lies = trial.OneIn(2);      // from then on; else one call throws
+        devices.during = [&](const std::string&) {
+            if (left-- == 0 && !lies) throw std::runtime_error("of a device");
+            if (lies && left > 100) devices.refusedOpens[0] = static_cast<std::uint32_t>(trial.random());
+        };
+        Host host;
+        host.answers = [&](const Host::Request&, std::intptr_t& answer) {
+            if (left-- == 0 && !lies) throw 1;  // NOLINT: whatever a host may throw
+            answer = static_cast<std::intptr_t>(trial.random());
+            return lies && left > 100;
+        };
+        LiveAndSave(host, music, folder / "take");
+        left = 1U << 30;
+        host.answers = nullptr, devices.during = nullptr;
+        if (host.effect == nullptr) return;
+        EXPECT_TRUE(host.Play(music));
+        host.Close();
+        SubstituteMidiOut(nullptr);
+    });
+}
+
+#if ORVA_WATCHES
 // Blocks of memory that stay behind a life in which the allocation of that number fails, if any does, and one
 // in which all is well.
 std::int64_t BlocksKept(const Trial& trial, std::uint64_t number, bool andAllThatFollow, const Audio& music) {
@@ -129,5 +158,6 @@ TEST(Memory, HoursOfAudioLeaveMemoryAndEventsAsTheyWere) {
     });
 }
 
-}  // namespace
 #endif
+
+}  // namespace

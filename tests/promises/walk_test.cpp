@@ -178,24 +178,6 @@ TEST(Walk, CallsInAnyOrderAreAnsweredAsTheModelSays) {
     });
 }
 
-// A host restores a project in an order of its own.
-TEST(Walk, ValuesRestoredInAnyOrderAreThoseThatWereSaved) {
-    RunTrials({400, 100}, [](Trial& trial) {
-        SideBySide both(trial, KindOfBatch(trial, 100));
-        std::vector<std::int32_t> order(96);
-        std::iota(order.begin(), order.end(), 0);
-        std::shuffle(order.begin(), order.end(), trial.random);
-        float values[96];
-        for (const std::int32_t i : order) {
-            values[i] = i == 88                         ? static_cast<float>(trial.Below(3)) / 100 + 0.005F
-                        : i == 89 || i == 91 || i == 93 ? static_cast<float>(trial.Below(2))
-                                                        : static_cast<float>(trial.Within(0, 1));
-            both.Set(i, values[i]);
-        }
-        for (const std::int32_t i : order) ASSERT_EQ(both.host.Get(i), values[i]) << i;
-    });
-}
-
 // The table of ports that all instances share, beyond what one instance does with it.
 TEST(Walk, PortsOpenedUsedAndClosedInAnyOrderReachDevicesAsTheModelSays) {
     RunTrials({200, 20}, [](Trial& trial) {

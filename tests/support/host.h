@@ -148,12 +148,10 @@ public:
     std::intptr_t version = 2400, sampleRate;
     const char* vendor = "Maker";   // null: the host fills in nothing
     const char* product = nullptr;  // likewise
-    bool unterminated = false;      // 64 bytes of 'x' for its vendor, without a terminator
     bool keepsEvents = true;
     // In the place of all of this, if it is set and returns true.
     std::function<bool(const Request&, std::intptr_t& answer)> answers;
-    std::function<void()> atNextEvent;  // what it does once, from inside the plug-in's call
-    void (*atCall)() = nullptr;         // at the begin of each call to it
+    void (*atCall)() = nullptr;  // at the begin of each call to it
     void (*inProcess)(bool in) =
         nullptr;  // a process call begins or the host returns to it; ends or leaves it
 
@@ -181,9 +179,7 @@ private:
         switch (request.opcode) {
             case audioMasterVersion: return version;
             case audioMasterGetSampleRate: return sampleRate;
-            case audioMasterGetVendorString:
-                if (unterminated) return std::memset(request.ptr, 'x', 64), 1;
-                return give(vendor);
+            case audioMasterGetVendorString: return give(vendor);
             case audioMasterGetProductString: return give(product);
             case audioMasterProcessEvents: {
                 if (!keepsEvents) return 0;
@@ -192,7 +188,6 @@ private:
                     const auto& event = *reinterpret_cast<const VstMidiEvent*>(sent.events[i]);
                     events.push_back({clock + event.deltaFrames, std::string(event.midiData, 3)});
                 }
-                if (const auto once = std::exchange(atNextEvent, nullptr)) once();
                 return 0;
             }
             default: return 0;

@@ -27,7 +27,9 @@ TEST(Dispatcher, SurvivesWhatAnObjectThrowsAndWhatAHostAnswers) {
     for (const Way way : {Way::accumulating, Way::replacing}) host.Process(way, &sample, &sample, 1);
     host.Process(&wide, &wide, 1);
     EXPECT_EQ(host.Get(1), 0.0F);
-    host.unterminated = true;
+    host.answers = [](const Host::Request& request, std::intptr_t& answer) {  // without a terminator
+        return std::memset(request.ptr, 'x', 64), answer = 1, true;
+    };
     const std::string text = host.Object<Probe>().getHostVendorString();
     EXPECT_EQ(text, std::string(text.size(), 'x'));
     EXPECT_GE(text.size(), 63U);
