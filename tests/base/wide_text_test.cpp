@@ -1,6 +1,5 @@
 #include "base/wide_text.h"
-
-#include "gtest/gtest.h"
+#include "tests/support/test.h"
 
 namespace {
 

@@ -1,10 +1,4 @@
 // What music costs, in instructions, which do not depend on how busy the machine is.
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <numeric>
-#include <vector>
-
 #include "tests/support/temp_folder.h"
 
 namespace {

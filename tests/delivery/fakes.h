@@ -1,9 +1,6 @@
 #pragma once
-#include <algorithm>
-#include <atomic>
-#include <cstdint>
-
 #include "delivery/note_recorder.h"
+#include "tests/support/test.h"
 
 // A detector whose flags a test sets by hand: 84 bands at 44100 Hz, band 45 at 440 Hz, so that band b is
 // MIDI note b + 24.

@@ -1,7 +1,4 @@
 // The device list and the ports on top of it, on devices of the tests' own.
-#include <atomic>
-#include <future>
-
 #include "devices/midi_device_list.h"
 #include "devices/midi_ports.h"
 #include "tests/support/devices.h"

@@ -1,9 +1,4 @@
 // The recorder and its recording among several threads, and the capacity that is kept ahead.
-#include <gtest/gtest.h>
-
-#include <future>
-#include <thread>
-
 #include "delivery/rt_recording.h"
 #include "tests/delivery/fakes.h"
 #include "tests/support/watch.h"

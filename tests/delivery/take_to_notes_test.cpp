@@ -1,12 +1,8 @@
-#include <gtest/gtest.h>
 
-#include <algorithm>
-#include <memory>
-#include <tuple>
-#include <vector>
 
 #include "delivery/rt_recording.h"
 #include "notes/notes.h"
+#include "tests/support/test.h"
 
 namespace {
 

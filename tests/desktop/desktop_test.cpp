@@ -8,13 +8,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <cerrno>
-#include <cstdlib>
-
 #include "desktop/message_box.h"
 #include "desktop/shell.h"
 #include "desktop/user_store.h"
-#include "gtest/gtest.h"
 #include "tests/support/temp_folder.h"
 
 namespace {

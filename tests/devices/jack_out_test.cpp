@@ -4,8 +4,6 @@
 #include <pthread.h>
 #include <signal.h>
 
-#include <optional>
-
 #include "base/wide_text.h"
 #include "devices/system_midi_out.h"
 #include "tests/support/jack_server.h"

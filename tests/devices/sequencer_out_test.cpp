@@ -1,17 +1,9 @@
 // The devices of the ALSA sequencer, through RtMidi, on a sequencer of our own: its functions are found in
 // this program before those of the system's library.
 #include "devices/linux/sequencer_out.h"
+#include "tests/support/test.h"
 
 #include <alsa/asoundlib.h>
-
-#include <atomic>
-#include <cerrno>
-#include <string>
-#include <thread>
-#include <utility>
-#include <vector>
-
-#include "gtest/gtest.h"
 
 namespace {
 

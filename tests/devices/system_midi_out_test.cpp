@@ -1,11 +1,8 @@
 // The list and the handles of the system's devices, on layers of fake devices.
 #include "devices/system_midi_out.h"
 
-#include <atomic>
-#include <thread>
-
 #include "base/wide_text.h"
-#include "gtest/gtest.h"
+#include "tests/support/test.h"
 
 namespace {
 

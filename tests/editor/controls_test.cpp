@@ -1,4 +1,3 @@
-#include <map>
 
 #include "desktop/user_store.h"
 #include "tests/editor/editor_test.h"

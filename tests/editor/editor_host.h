@@ -1,11 +1,4 @@
 #pragma once
-#include <cstdint>
-#include <functional>
-#include <stdexcept>
-#include <string>
-#include <utility>
-#include <vector>
-
 #include "editor/editor_factory.h"
 #include "plugin/gui_plugin_ex.h"
 #include "tests/support/await.h"

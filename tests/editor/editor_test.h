@@ -1,9 +1,4 @@
 #pragma once
-#include <gtest/gtest.h>
-
-#include <memory>
-#include <vector>
-
 #include "tests/editor/editor_host.h"
 #include "tests/support/music.h"
 

@@ -1,11 +1,5 @@
 #include "editor/palette.h"
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <utility>
-#include <vector>
+#include "tests/support/test.h"
 
 namespace {
 

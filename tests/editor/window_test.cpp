@@ -1,6 +1,3 @@
-#include <algorithm>
-#include <cmath>
-#include <thread>
 
 #include "editor/hints.h"
 #include "editor/level_column.h"

@@ -1,8 +1,6 @@
 #pragma once
-#include <cstring>
-#include <vector>
-
 #include "engine/real_time_detector.h"
+#include "tests/support/standard.h"
 
 // Everything that a detector holds, as bits, so that two detectors can be compared. Works for both detectors,
 // which share their fields' names. The tables of the resonators are not among it: whatever they hold shows in

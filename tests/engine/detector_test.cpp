@@ -1,13 +1,8 @@
 // The detector against its plain restatement: the whole state, bit for bit; and what theory says of it.
-#include <gtest/gtest.h>
-
-#include <cfenv>
-#include <random>
-#include <string>
-
 #include "tests/engine/detector_state.h"
 #include "tests/engine/plain_detector.h"
 #include "tests/engine/signals.h"
+#include "tests/support/test.h"
 
 namespace {
 

@@ -1,13 +1,8 @@
 #pragma once
-#include <algorithm>
-#include <cmath>
 #include <complex>
-#include <cstddef>
-#include <cstdint>
-#include <limits>
-#include <vector>
 
 #include "base/float_environment.h"
+#include "tests/support/standard.h"
 
 // The detector once more in its simplest form, to be compared with TRealTimeTS107 bit for bit: band-major
 // tables, one sample at a time, one band at a time, each formula written out where it is used. Fields and

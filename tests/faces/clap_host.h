@@ -1,10 +1,4 @@
 #pragma once
-#include <gtest/gtest.h>
-
-#include <array>
-#include <thread>
-#include <vector>
-
 #include "clap/factory.h"
 #include "tests/faces/face.h"
 

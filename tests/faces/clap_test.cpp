@@ -1,6 +1,5 @@
 // CLAP's own: the file, calls that the interface forbids, gestures and texts.
 #include <dlfcn.h>
-#include <gtest/gtest.h>
 
 #include "parameters/parameters.h"
 #include "tests/faces/clap_host.h"

@@ -1,9 +1,5 @@
 #include "hosting/event_gatherer.h"
-
-#include <gtest/gtest.h>
-
-#include <memory>
-#include <vector>
+#include "tests/support/test.h"
 
 namespace {
 

@@ -1,11 +1,4 @@
 #pragma once
-#include <algorithm>
-#include <cstdint>
-#include <memory>
-#include <ostream>
-#include <string>
-#include <vector>
-
 #include "tests/support/host.h"
 
 inline void PrintTo(const Host::Event& event, std::ostream* out) {

@@ -1,10 +1,4 @@
 #pragma once
-#include <gtest/gtest.h>
-
-#include <cstring>
-#include <map>
-#include <utility>
-
 #include <lv2/atom/util.h>
 #include <lv2/core/lv2.h>
 #include <lv2/instance-access/instance-access.h>

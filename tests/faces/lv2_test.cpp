@@ -1,11 +1,6 @@
 // LV2's own: the bundle as its library reads it, the host's buffer and worker, and a window beside its ports.
 #include <dlfcn.h>
-#include <gtest/gtest.h>
 #include <lilv/lilv.h>
-
-#include <functional>
-#include <map>
-#include <sstream>
 
 #include "lv2/instance.h"
 #include "lv2/midi_port.h"

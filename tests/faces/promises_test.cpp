@@ -1,10 +1,4 @@
 // What every face promises its host, as one table: a row a face, a test a promise.
-#include <gtest/gtest.h>
-
-#include <atomic>
-#include <filesystem>
-#include <thread>
-
 #include "editor/window_size.h"
 #include "parameters/parameters.h"
 #include "tests/faces/face.h"

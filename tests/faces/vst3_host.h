@@ -1,9 +1,4 @@
 #pragma once
-#include <gtest/gtest.h>
-
-#include <cstring>
-#include <vector>
-
 #include "hosting/parameter_scale.h"
 #include "parameters/parameters.h"
 #include "pluginterfaces/base/ibstream.h"

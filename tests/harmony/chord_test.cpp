@@ -1,13 +1,5 @@
 #include "harmony/chord.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <numeric>
-#include <random>
-#include <stdexcept>
-#include <utility>
-
 #include "tests/harmony/naming.h"
 
 namespace {

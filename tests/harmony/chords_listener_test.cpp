@@ -1,13 +1,5 @@
 #include "harmony/chords_listener.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <limits>
-#include <random>
-#include <string>
-#include <vector>
-
 #include "tests/delivery/fakes.h"
 #include "tests/harmony/naming.h"
 

@@ -1,11 +1,6 @@
 #pragma once
-#include <cstdint>
-#include <memory>
-#include <string>
-#include <string_view>
-#include <vector>
-
 #include "harmony/chord.h"
+#include "tests/support/test.h"
 
 using Pitches = std::vector<std::uint32_t>;
 

@@ -1,9 +1,4 @@
 // The real program and the real module between the ports of a real JACK server without a sound card.
-#include <gtest/gtest.h>
-
-#include <map>
-#include <optional>
-
 #include "run_host.h"
 #include "test_audio.h"
 #include "tests/support/jack_server.h"

@@ -1,10 +1,4 @@
 // What becomes of a take: notes, clean notes, tables, files, chords, a picture.
-#include <gtest/gtest.h>
-
-#include <array>
-#include <cmath>
-#include <memory>
-
 #include "notes/notes.h"
 #include "tests/support/midi_reader.h"
 #include "tests/support/temp_folder.h"

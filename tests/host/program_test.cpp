@@ -1,10 +1,7 @@
 // The real program, as a shell starts it: what it prints, what it leaves, and with which code it ends.
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include <nlohmann/json.hpp>
-#include <set>
-#include <sstream>
 
 #include "run_host.h"
 #include "test_audio.h"

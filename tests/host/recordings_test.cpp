@@ -1,9 +1,4 @@
 // The recordings that the project ships, through the real module.
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <map>
-
 #include "test_audio.h"
 #include "tests/support/midi_reader.h"
 #include "tests/support/temp_folder.h"

@@ -1,9 +1,4 @@
 #pragma once
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
-
 #include "tests/support/process.h"
 #include "tests/support/temp_folder.h"
 

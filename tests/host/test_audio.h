@@ -1,11 +1,8 @@
 #pragma once
 #include <sndfile.h>
 
-#include <stdexcept>
-#include <string>
-#include <vector>
-
 #include "tests/support/music.h"
+#include "tests/support/test.h"
 #include "tools/host/audio_file.h"
 
 constexpr int formatWav16 = SF_FORMAT_WAV | SF_FORMAT_PCM_16;

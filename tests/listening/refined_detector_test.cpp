@@ -1,15 +1,9 @@
 // The net of whole numbers: every instruction set against the plain definition, and the whole against the
 // program that made its weights. Levels, and the picker, frame by frame, against a simpler model that sees
 // all of a band's outputs at once.
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <cstring>
-#include <memory>
-#include <random>
-
 #include "listening/refined_detector.h"
+
+#include "tests/support/test.h"
 
 // A net as the weights' program has it, before any frame; a detector's own begins after a long silence.
 class FreshNet {

@@ -1,12 +1,6 @@
 // MIDI files byte for byte, and scores as events of a file.
 #include "midifile/midi_exporter.h"
 
-#include <gtest/gtest.h>
-
-#include <limits>
-#include <memory>
-#include <random>
-
 #include "notes/notes.h"
 #include "tests/notes/memory_stream.h"
 #include "tests/support/midi_reader.h"

@@ -1,12 +1,4 @@
 #pragma once
-#include <bit>
-#include <cstdio>
-#include <cstring>
-#include <memory>
-#include <sstream>
-#include <string>
-#include <vector>
-
 #include "base/text.h"
 #include "engine/real_time_detector.h"
 #include "harmony/vocabulary.h"

@@ -1,11 +1,7 @@
 #pragma once
-#include <algorithm>
 #include <bitset>
-#include <cstdint>
-#include <cstdio>
-#include <map>
-#include <string>
-#include <vector>
+
+#include "tests/support/test.h"
 
 // The devices of the system, and the table of ports in front of them, once more and plainly. What reaches the
 // devices is written down as lines: "open 2" (a device id), then by handle "send 1 90 3c 64", "close 1",

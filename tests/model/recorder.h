@@ -1,11 +1,4 @@
 #pragma once
-#include <algorithm>
-#include <cmath>
-#include <cstdint>
-#include <ostream>
-#include <string>
-#include <vector>
-
 #include "base/truncate.h"
 #include "engine/note_detector.h"
 #include "tests/model/ports.h"

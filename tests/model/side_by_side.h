@@ -1,11 +1,4 @@
 #pragma once
-#include <bit>
-#include <cmath>
-#include <cstring>
-#include <optional>
-#include <string>
-#include <vector>
-
 #include "delivery/rt_recording.h"
 #include "module/plugin_entry.h"
 #include "plugin/gui_plugin.h"

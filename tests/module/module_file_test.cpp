@@ -3,12 +3,6 @@
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
-#include <array>
-#include <cfenv>
-#include <cstdio>
-#include <set>
-#include <sstream>
-
 #include "tests/support/host.h"
 #include "tests/support/music.h"
 #include "tests/support/temp_folder.h"

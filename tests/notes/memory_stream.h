@@ -1,10 +1,7 @@
 #pragma once
-#include <cstdint>
-#include <string>
-#include <vector>
-
 #include "notes/memory_stream.h"
 #include "notes/stream_values.h"
+#include "tests/support/standard.h"
 
 using Bytes = std::vector<std::uint8_t>;
 

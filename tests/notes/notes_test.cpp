@@ -1,13 +1,7 @@
 #include "notes/notes.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <array>
-#include <memory>
-#include <random>
-
 #include "tests/notes/score_check.h"
+#include "tests/support/test.h"
 
 namespace {
 

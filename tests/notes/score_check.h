@@ -1,9 +1,6 @@
 #pragma once
-#include <algorithm>
-#include <limits>
-#include <string>
-
 #include "notes/notes.h"
+#include "tests/support/standard.h"
 
 inline constexpr std::uint32_t lastTick = std::numeric_limits<std::uint32_t>::max();  // of the time line
 

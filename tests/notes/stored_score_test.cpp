@@ -1,11 +1,8 @@
-#include <gtest/gtest.h>
 
-#include <cmath>
-#include <memory>
-#include <stdexcept>
 
 #include "notes/notes.h"
 #include "tests/notes/memory_stream.h"
+#include "tests/support/test.h"
 
 namespace {
 

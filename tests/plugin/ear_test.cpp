@@ -1,6 +1,4 @@
 // The choice between the detector's own ear and the refined one on top of it, by the vendor's own call.
-#include <gtest/gtest.h>
-
 #include "module/plugin_entry.h"
 #include "plugin/plugin_object.h"
 #include "tests/support/host.h"

@@ -1,10 +1,6 @@
 // What a host and an editor get from one instance where the walks through random calls do not look: hosts of
 // other makes, the log, what the editor is notified of, chords, and what goes on through a stop.
-#include <gtest/gtest.h>
 #include <unistd.h>
-
-#include <algorithm>
-#include <thread>
 
 #include "delivery/rt_recording.h"
 #include "module/plugin_entry.h"

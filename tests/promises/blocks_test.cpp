@@ -1,11 +1,5 @@
 // Blocks of audio of any length, at any address, with any content: the audio passes bit for bit, nothing
 // beside the block is touched, and neither cut nor signal changes the notes.
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <cstring>
-#include <limits>
-
 #include "module/plugin_entry.h"
 #include "plugin/gui_plugin.h"
 #include "tests/support/host.h"

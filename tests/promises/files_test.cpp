@@ -1,10 +1,5 @@
 // What is written is read again by another maker's program; what cannot be written is seen.
-#include <gtest/gtest.h>
 #include <sys/resource.h>
-
-#include <cmath>
-#include <csignal>
-#include <tuple>
 
 #include "delivery/note_out.h"
 #include "delivery/rt_recording.h"

@@ -1,10 +1,4 @@
 // The plug-in lives on when memory runs out, and when a host or a device throws or answers nonsense.
-#include <gtest/gtest.h>
-
-#include <mutex>
-#include <stdexcept>
-#include <thread>
-
 #include "module/plugin_entry.h"
 #include "plugin/editor_interface.h"
 #include "plugin/gui_plugin.h"

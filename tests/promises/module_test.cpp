@@ -1,13 +1,8 @@
 // The module's file through many lives, and every way in which a host may leave.
 #include <dlfcn.h>
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/wait.h>
-
-#include <clocale>
-#include <set>
-#include <thread>
 
 #include "module/plugin_entry.h"
 #include "plugin/gui_plugin.h"

@@ -1,10 +1,6 @@
 // The audio thread neither waits, nor allocates, nor leaves for the system, and the host's floating-point
 // modes are as they were.
-#include <gtest/gtest.h>
 #include <sys/mman.h>
-
-#include <mutex>
-#include <thread>
 
 #include "delivery/rt_recording.h"
 #include "module/plugin_entry.h"

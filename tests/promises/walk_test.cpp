@@ -1,10 +1,4 @@
 // Hosts that call in any order: every answer, event, message and take is that of the plain model.
-#include <gtest/gtest.h>
-
-#include <limits>
-#include <locale>
-#include <numeric>
-
 #include "devices/midi_ports.h"
 #include "tests/model/side_by_side.h"
 #include "tests/support/music.h"

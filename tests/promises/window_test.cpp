@@ -1,10 +1,5 @@
 // The window in the hands of users and hosts that know no rules, on displays that fail.
-#include <gtest/gtest.h>
 #include <xcb/xtest.h>
-
-#include <array>
-#include <cstdlib>
-#include <map>
 
 #include "editor/window_size.h"
 #include "tests/editor/editor_host.h"

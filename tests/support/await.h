@@ -1,6 +1,5 @@
 #pragma once
-#include <chrono>
-#include <thread>
+#include "tests/support/test.h"
 
 // Waits for a condition that nobody signals; false after a long time.
 template <typename Condition>

@@ -1,18 +1,7 @@
 #pragma once
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <array>
-#include <atomic>
-#include <cstdio>
-#include <functional>
-#include <map>
-#include <string>
-#include <utility>
-#include <vector>
-
 #include "base/wide_text.h"
 #include "devices/midi_out_devices.h"
+#include "tests/support/test.h"
 
 // MIDI devices that write down what they were asked: "open 2" (a device id), then by handle "send 1 90 3c
 // 64", "close 1", "reset 1", "long 1 2" (bytes), "read"; "stale" is a send to a handle that is not open. What

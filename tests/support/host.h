@@ -1,17 +1,6 @@
 #pragma once
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <array>
-#include <atomic>
-#include <cstdint>
-#include <cstring>
-#include <functional>
-#include <string>
-#include <utility>
-#include <vector>
-
 #include "base/relaxed.h"
+#include "tests/support/test.h"
 #include "vst2/audio_effect.h"
 
 // The three process calls.

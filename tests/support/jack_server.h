@@ -4,17 +4,6 @@
 #include <jack/midiport.h>
 #include <sys/file.h>
 
-#include <algorithm>
-#include <array>
-#include <atomic>
-#include <cstdint>
-#include <filesystem>
-#include <stdexcept>
-#include <string>
-#include <utility>
-#include <vector>
-
-#include "gtest/gtest.h"
 #include "tests/support/await.h"
 #include "tests/support/process.h"
 #include "tests/support/temp_folder.h"

@@ -1,10 +1,6 @@
 #pragma once
-#include <atomic>
-#include <string>
-#include <utility>
-#include <vector>
-
 #include "desktop/message_box.h"
+#include "tests/support/test.h"
 
 // Keeps what the user is shown, in the place of the system's box for as long as it lives. Where two threads
 // show messages, a test clears `keepsTexts` and reads the count alone.

@@ -1,10 +1,5 @@
 #pragma once
-#include <algorithm>
-#include <cstdint>
-#include <stdexcept>
-#include <string_view>
-#include <utility>
-#include <vector>
+#include "tests/support/test.h"
 
 // An event of a MIDI file.
 struct MidiEvent {

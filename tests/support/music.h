@@ -1,12 +1,5 @@
 #pragma once
-#include <algorithm>
-#include <cmath>
-#include <cstddef>
-#include <cstdint>
-#include <initializer_list>
-#include <numbers>
-#include <random>
-#include <vector>
+#include "tests/support/standard.h"
 
 // Test audio: mono, rates in Hz, lengths in seconds unless a name says samples. Full scale is 1; `Shorts`
 // makes 16-bit samples of it.

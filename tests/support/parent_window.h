@@ -1,13 +1,6 @@
 #pragma once
 #include <xcb/xcb.h>
 
-#include <algorithm>
-#include <cstdint>
-#include <cstdlib>
-#include <memory>
-#include <stdexcept>
-#include <vector>
-
 #include "tests/support/await.h"
 #include "tests/support/process.h"
 #include "tests/support/temp_folder.h"

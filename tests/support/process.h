@@ -4,9 +4,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <string>
-#include <utility>
-#include <vector>
+#include "tests/support/test.h"
 
 // A program that a line of the shell starts, its words being "$@". It ends with the object, and with the
 // thread that started it, however that one ends.

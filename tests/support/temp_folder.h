@@ -1,11 +1,5 @@
 #pragma once
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <random>
-#include <stdexcept>
-#include <string>
+#include "tests/support/test.h"
 
 inline std::string ReadAll(const std::filesystem::path& path) {
     std::ifstream file(path, std::ios::binary);

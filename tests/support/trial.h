@@ -1,9 +1,5 @@
 #pragma once
-#include <cstdint>
-#include <functional>
-#include <random>
-#include <string>
-#include <string_view>
+#include "tests/support/test.h"
 
 // Cases in child processes, whose crash, hang or early exit is a failure of the running test, and the two
 // settings of a run:

@@ -1,12 +1,5 @@
 // Whatever a host's threads do to the plug-in at the same time, in whatever order. A thread that locks up
 // reaches the limit of its trial.
-#include <gtest/gtest.h>
-
-#include <barrier>
-#include <cmath>
-#include <functional>
-#include <mutex>
-
 #include "delivery/rt_midi_out.h"
 #include "delivery/rt_recording.h"
 #include "module/plugin_entry.h"

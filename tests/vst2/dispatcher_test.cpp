@@ -1,6 +1,4 @@
 // What holds for any plug-in of this interface: what its operations throw, and what its host answers.
-#include <gtest/gtest.h>
-
 #include "tests/support/host.h"
 #include "vst2/audio_effect_x.h"
 

@@ -1,9 +1,6 @@
 // Our records and numbers against those of headers that were written independently, from hosts and plug-ins
 // in use. They know most of the interface, but not all of it.
-#include <gtest/gtest.h>
-
-#include <cstddef>
-
+#include "tests/support/test.h"
 #include "vst2/records.h"
 namespace fst {
 #include <pluginterfaces/fst/fst.h>

@@ -1,9 +1,5 @@
 // What the program asks of Windows: settings, files and the dialog for a file's name, with texts of any
 // language.
-#include <gtest/gtest.h>
-
-#include <filesystem>
-
 #include "base/file_path.h"
 #include "desktop/file_dialog.h"
 #include "desktop/user_store.h"

@@ -1,6 +1,4 @@
 // Prints, per rate and now and then on the way, a digest of the detector's whole state.
-#include <cstdio>
-
 #include "tests/engine/detector_state.h"
 #include "tests/engine/signals.h"
 

@@ -5,11 +5,6 @@
 //   jack_play_and_record                       awaits the server, and no more
 //
 // Exit code 0: the audio came back as it was played, to the last bit.
-#include <cstdio>
-#include <fstream>
-#include <iostream>
-#include <memory>
-
 #include "tests/host/test_audio.h"
 #include "tests/support/jack_server.h"
 #include "tools/host/take_output.h"

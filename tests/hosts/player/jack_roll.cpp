@@ -3,9 +3,6 @@
 #include <jack/jack.h>
 #include <jack/transport.h>
 
-#include <algorithm>
-#include <iostream>
-
 #include "tests/host/test_audio.h"
 #include "tests/support/await.h"
 
