@@ -7,7 +7,7 @@
 class CAPABILITY("mutex") Mutex {
 public:
     void lock() ACQUIRE() { mutex.lock(); }
-    void unlock() RELEASE() { mutex.unlock(); }
+    void unlock() RELEASE_LOCK() { mutex.unlock(); }
 
 private:
     std::mutex mutex;
@@ -18,7 +18,7 @@ template <typename Lock>
 class SCOPED_CAPABILITY Locked {
 public:
     explicit Locked(Lock& taken) ACQUIRE(taken) : lock(taken) { lock.lock(); }
-    ~Locked() RELEASE() { lock.unlock(); }
+    ~Locked() RELEASE_LOCK() { lock.unlock(); }
     Locked(const Locked&) = delete;
     Locked& operator=(const Locked&) = delete;
 

@@ -22,7 +22,7 @@ public:
     PriorityLock& operator=(const PriorityLock&) = delete;
 
     void lock() ACQUIRE();
-    void unlock() RELEASE();
+    void unlock() RELEASE_LOCK();
     bool try_lock() TRY_ACQUIRE(true);
     bool try_lock_for(std::chrono::milliseconds timeout) TRY_ACQUIRE(true);  // by the system's clock
 

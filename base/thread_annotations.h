@@ -14,5 +14,5 @@
 #define REQUIRES(...) ORVA_THREAD_ANNOTATION(requires_capability(__VA_ARGS__))
 #define ACQUIRE(...) ORVA_THREAD_ANNOTATION(acquire_capability(__VA_ARGS__))
 #define TRY_ACQUIRE(...) ORVA_THREAD_ANNOTATION(try_acquire_capability(__VA_ARGS__))
-#define RELEASE(...) ORVA_THREAD_ANNOTATION(release_capability(__VA_ARGS__))
+#define RELEASE_LOCK(...) ORVA_THREAD_ANNOTATION(release_capability(__VA_ARGS__))
 #define NO_THREAD_SAFETY_ANALYSIS ORVA_THREAD_ANNOTATION(no_thread_safety_analysis)

@@ -103,7 +103,7 @@ public:
         bool gaveUp = false;
     };
     void Lock() ACQUIRE(mutex) { mutex.lock(); }
-    void Unlock() RELEASE(mutex) { mutex.unlock(); }
+    void Unlock() RELEASE_LOCK(mutex) { mutex.unlock(); }
 
     struct BandMessages {
         Relaxed<std::uint32_t> onMessage;   // note on with the velocity setting; 0 for a band without a note

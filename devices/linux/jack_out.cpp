@@ -35,7 +35,7 @@ public:
         sigpending(&pending);
         wasPending = sigismember(&pending, SIGPIPE) == 1;
     }
-    ~QuietAttempt() RELEASE() {
+    ~QuietAttempt() RELEASE_LOCK() {
         const timespec atOnce = {};
         if (!wasPending)
             while (sigtimedwait(&brokenPipe, nullptr, &atOnce) == -1 && errno == EINTR) continue;
