@@ -146,30 +146,25 @@ void TNote::SetEnd(std::uint32_t time) {
 
 // The first map changes the time; the second one has to find the boundary where it stood, so the old time
 // is put back in between.
-void TNote::MoveBegin(std::uint32_t time) {
-    const std::uint32_t old = startPoint.time;
+void TNote::Move(TNoteBoundary& point, std::uint32_t time, MoveInMap later, MoveInMap earlier) {
+    const std::uint32_t old = point.time;
     if (time == old) return;
     if (owner == nullptr) {
-        startPoint.time = time;
+        point.time = time;
         return;
     }
-    const auto move = time > old ? &TNoteMap::MoveStartLater : &TNoteMap::MoveStartEarlier;
-    (owner->pitchMaps[pitch].*move)(&startPoint, time);
-    startPoint.time = old;
-    (owner->*move)(&startPoint, time);
+    const MoveInMap move = time > old ? later : earlier;
+    (owner->pitchMaps[pitch].*move)(&point, time);
+    point.time = old;
+    (owner->*move)(&point, time);
+}
+
+void TNote::MoveBegin(std::uint32_t time) {
+    Move(startPoint, time, &TNoteMap::MoveStartLater, &TNoteMap::MoveStartEarlier);
 }
 
 void TNote::MoveEnd(std::uint32_t time) {
-    const std::uint32_t old = endPoint.time;
-    if (time == old) return;
-    if (owner == nullptr) {
-        endPoint.time = time;
-        return;
-    }
-    const auto move = time > old ? &TNoteMap::MoveEndLater : &TNoteMap::MoveEndEarlier;
-    (owner->pitchMaps[pitch].*move)(&endPoint, time);
-    endPoint.time = old;
-    (owner->*move)(&endPoint, time);
+    Move(endPoint, time, &TNoteMap::MoveEndLater, &TNoteMap::MoveEndEarlier);
 }
 
 void TNote::SetPitch(std::uint8_t newPitch) {

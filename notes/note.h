@@ -16,6 +16,7 @@
 // Threads: a note belongs to the thread that owns its score; nothing here locks.
 
 class TNote;
+class TNoteMap;
 class TNotes;
 
 using TNoteList = std::pmr::vector<TNote*>;  // never owns
@@ -136,6 +137,8 @@ public:
     std::shared_ptr<void> run;       // the collection's memory in which it stands; null after a plain `new`
 
 private:
+    using MoveInMap = void (TNoteMap::*)(TNoteBoundary* boundary, std::uint32_t time);
+    void Move(TNoteBoundary& point, std::uint32_t time, MoveInMap later, MoveInMap earlier);
     void MoveBegin(std::uint32_t time);
     void MoveEnd(std::uint32_t time);
 };

@@ -112,44 +112,39 @@ void TNoteMap::TakeBack(TNote* note) {
     Renumber(0, notes.size());
 }
 
-void TNoteMap::MoveStartLater(TNoteBoundary* boundary, std::uint32_t time) {
+// Brings a boundary to its new time and place, with the list of what sounds before it; the result is its old
+// and its new place. At the same place nothing that follows below has an effect.
+std::pair<std::size_t, std::size_t> TNoteMap::Move(TNoteBoundary* boundary, std::uint32_t time,
+                                                   std::size_t more) {
     const std::size_t from = IndexOf(boundary);
     boundary->time = time;
     const std::size_t to = Resort(points, from, PointOrder());
-    MoveNote(boundary->note);
-    if (to == from) return;
-    TakeOverPrevious(to, 0);  // before the note leaves the lists, so that its start keeps it
+    if (boundary == &boundary->note->startPoint) MoveNote(boundary->note);
+    if (to != from) TakeOverPrevious(to, more);
+    return {from, to};
+}
+
+void TNoteMap::MoveStartLater(TNoteBoundary* boundary, std::uint32_t time) {
+    const auto [from, to] =
+        Move(boundary, time, 0);  // its list is taken before the note leaves those before it
     for (std::size_t point = from; point < to; ++point)
         EraseSorted(Sounding(point), boundary->note, AddressOrder());
 }
 
 void TNoteMap::MoveStartEarlier(TNoteBoundary* boundary, std::uint32_t time) {
-    const std::size_t from = IndexOf(boundary);
-    boundary->time = time;
-    const std::size_t to = Resort(points, from, PointOrder());
-    MoveNote(boundary->note);
-    if (to == from) return;
-    TakeOverPrevious(to, 1);
+    const auto [from, to] = Move(boundary, time, 1);
     for (std::size_t point = to; point <= from; ++point)
         InsertSorted(Sounding(point), boundary->note, AddressOrder());
 }
 
 void TNoteMap::MoveEndEarlier(TNoteBoundary* boundary, std::uint32_t time) {
-    const std::size_t from = IndexOf(boundary);
-    boundary->time = time;
-    const std::size_t to = Resort(points, from, PointOrder());
-    if (to == from) return;
-    TakeOverPrevious(to, 0);
+    const auto [from, to] = Move(boundary, time, 0);
     for (std::size_t point = to; point <= from; ++point)
         EraseSorted(Sounding(point), boundary->note, AddressOrder());
 }
 
 void TNoteMap::MoveEndLater(TNoteBoundary* boundary, std::uint32_t time) {
-    const std::size_t from = IndexOf(boundary);
-    boundary->time = time;
-    const std::size_t to = Resort(points, from, PointOrder());
-    if (to == from) return;
-    TakeOverPrevious(to, 0);
+    const auto [from, to] = Move(boundary, time, 0);
     for (std::size_t point = from; point < to; ++point)
         InsertSorted(Sounding(point), boundary->note, AddressOrder());
 }

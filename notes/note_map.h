@@ -1,6 +1,7 @@
 #pragma once
 #include <cstdint>
 #include <memory_resource>
+#include <utility>
 #include <vector>
 
 #include "notes/note.h"
@@ -54,6 +55,7 @@ private:
     TNoteList& Sounding(std::size_t point) const { return points[point]->sounding[mapIndex]; }
     void TakeOverPrevious(std::size_t point, std::size_t more);
     std::size_t IndexOf(TNoteBoundary* boundary) const;
+    std::pair<std::size_t, std::size_t> Move(TNoteBoundary* boundary, std::uint32_t time, std::size_t more);
     void MoveNote(TNote* note);
     void Renumber(std::size_t from, std::size_t end);
     void TakeBack(TNote* note);
