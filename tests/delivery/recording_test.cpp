@@ -77,19 +77,6 @@ TEST_F(Recording, AnHourLosesNothingAllocatesNothingAndTakesMemoryByItsEvents) {
     EXPECT_EQ(take.capacity(), take.size());
 }
 
-TEST_F(Recording, ToppingUpBesideFramesLosesNoEvent) {
-    recording->Start();
-    std::atomic<int> frames{0}, times{0};  // at least so many of both, side by side
-    const auto goOn = [&] { return frames < 100000 || times < 100; };
-    std::thread audio([&] {
-        while (goOn()) PlayScale(detector, recorder, frames++);
-    });
-    for (; goOn(); ++times) recording->TopUp();
-    audio.join();
-    recording->Stop();
-    EXPECT_EQ(CountNotes(recording->GetTake()), frames - 1);  // the last has no length yet
-}
-
 // Who returns from Stop may read the take, even if another thread's flush was still moving notes into it.
 TEST_F(Recording, AfterAStopTheTakeIsWholeAlthoughAnotherFlushWasUnderWay) {
     constexpr int frames = 12000;

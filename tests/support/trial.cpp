@@ -116,7 +116,7 @@ void RunTrials(const Trials& trials, const std::function<void(Trial&)>& body) {
     const char* const only = std::getenv("ORVA_TEST_CASE");
     std::uint64_t next = only != nullptr ? std::strtoull(only, nullptr, 10) : 0, done = 0;
     const std::uint64_t end = only != nullptr ? next + 1 : trials.fixed ? trials.cases : Scaled(trials.cases);
-    const std::size_t most = trials.alone ? 1 : std::max(1U, std::thread::hardware_concurrency());
+    const std::size_t most = std::max(1U, std::thread::hardware_concurrency());
     std::vector<Child> children;
     std::string failure;
     while ((next < end && failure.empty()) || !children.empty()) {

@@ -36,7 +36,6 @@ struct Trials {
     std::uint64_t batch = 1;  // cases that one process runs, one after the other
     unsigned seconds = 60;    // limit for one case
     bool fixed = false;       // all cases there are, neither more nor fewer
-    bool alone = false;       // one process at a time
 };
 
 // Runs the cases over all cores, stops at the first that fails, and prints how many were run.
@@ -44,5 +43,5 @@ void RunTrials(const Trials& trials, const std::function<void(Trial&)>& body);
 
 // One piece of work in a process of its own: the same for a single case.
 inline void InChild(const std::function<void(Trial&)>& body, unsigned seconds = 60) {
-    RunTrials({1, 1, seconds, true, true}, body);
+    RunTrials({1, 1, seconds, true}, body);
 }
