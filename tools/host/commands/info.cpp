@@ -17,7 +17,9 @@ struct InfoOptions {
 int Info(const InfoOptions& options) {
     const PluginModule module(FindPlugin(options.plugin));
     if (!options.parameters.instrument.empty()) {
-        std::cout << SettingsTable(module, ParseParameters(options.parameters, module, Ear::classic));
+        std::cout << SettingsTable(module, ParseParameters(options.parameters, module, Ear::classic))
+                  << "for a refined ear only the bars that are shut, and --threshold "
+                  << RefinedThresholdFor(options.parameters.instrument) << '\n';
         return exitDone;
     }
     const nlohmann::ordered_json facts = AskPlugin(module);
