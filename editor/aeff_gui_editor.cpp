@@ -2,7 +2,9 @@
 
 #include <chrono>
 #include <thread>
+#include <utility>
 
+#include "base/scoped.h"
 #include "vst2/records.h"
 #include "vstgui/lib/events.h"
 
@@ -113,8 +115,19 @@ bool AEffGUIEditor::dispatchKey(const VstKeyCode& key, bool down) {
     if (!locked || frame == nullptr) return false;
     VSTGUI::KeyboardEvent event = EventOf(key, down);
     const auto keep = VSTGUI::shared(frame);
+    const ScopedValue fromHost(keyIsFromHost, true);
     keep->dispatchEvent(event);
     return event.consumed;
+}
+
+void AEffGUIEditor::LeaveToHost(VSTGUI::KeyboardEvent& event) {
+    if (keyIsFromHost || place == nullptr) return;
+    const std::pair<VSTGUI::VirtualKey, char32_t> key(event.virt, event.character);
+    if (event.type == VSTGUI::EventType::KeyDown)
+        passedKey = key;
+    else if (std::exchange(passedKey, {}) != key)
+        return;  // it went down here
+    event.consumed = place->PassKey(event);
 }
 
 bool AEffGUIEditor::onKeyDown(const VstKeyCode& key) {

@@ -1,12 +1,14 @@
 #pragma once
 #include <cstdint>
 #include <memory>
+#include <utility>
 
 #include "editor/frame_window.h"
 #include "editor/toolkit.h"
 #include "plugin/editor_interface.h"
 #include "vst2/records.h"
 #include "vstgui/lib/cframe.h"
+#include "vstgui/lib/events.h"
 
 // An editor that lives in a frame of the toolkit: the frame's window within the host's, the event loop on the
 // host's idle calls, keys, and the way back for the toolkit.
@@ -32,6 +34,9 @@ protected:
     std::uint32_t HostWindow() const { return place ? place->TopLevel() : 0; }  // 0 while closed
     bool OwnWindowsOf(std::uint32_t process) const { return place && place->Own(process); }
 
+    // A key that no view uses: the host's, which sees it already where the key has come by the host's call.
+    void LeaveToHost(VSTGUI::KeyboardEvent& event);
+
     // The window is `percent` of the layout's size from now on: the one that is open, or the next.
     void SetSize(std::int32_t percent);
     std::int32_t Size() const { return size; }
@@ -45,6 +50,8 @@ private:
     const std::int32_t layoutWidth, layoutHeight;  // the views', at any size
     std::int32_t size = 100;                       // percent
 
+    bool keyIsFromHost = false;
+    std::pair<VSTGUI::VirtualKey, char32_t> passedKey{};  // went down last, and has not come up
     bool dispatchKey(const VstKeyCode& key, bool down);
 
     std::unique_ptr<ToolkitSession> session;  // while open

@@ -4,7 +4,8 @@
 
 namespace VSTGUI {
 class CFrame;
-}
+struct KeyboardEvent;
+}  // namespace VSTGUI
 
 // The frame's place within the host's window, as the system at hand makes one. Its destruction comes after
 // the frame's close and leaves nothing on the display.
@@ -26,4 +27,7 @@ public:
     // Puts the windows of a process above that one: for a program that does not take its owner's number.
     // False while it has none.
     virtual bool Own(std::uint32_t process) const = 0;
+    // Gives a key that nothing here uses to the host's window, which does not see it while ours has the
+    // keyboard. False where the toolkit does so.
+    virtual bool PassKey(const VSTGUI::KeyboardEvent& event) const = 0;
 };

@@ -93,6 +93,7 @@ public:
                     std::function<void(const std::string& path)> whenChosen);
     void OpenWebPage(const std::string& address);
     void OpenMail(const std::string& address);
+    using AEffGUIEditor::LeaveToHost;
     void OpenHelp();  // the help file beside the module, or where there is none, the manual
 
 private:

@@ -209,6 +209,8 @@ void CPlugWindow::onMouseEvent(MouseEvent& event, CFrame* frame) {
     const auto* const control =
         dynamic_cast<CControl*>(getViewAt(mouse, GetViewOptions().deep().mouseEnabled()));
     if (control == nullptr || control->getListener() == nullptr) return hover.PointAt(mouse, nullptr);
+    if (dynamic_cast<const CEqualizer*>(control) != nullptr)  // its colours say something
+        return hover.PointAt(mouse, nullptr);
     CRect area = control->getViewSize();
     if (control->getParentView() != this) area.offset(pages[activePage]->getViewSize().getTopLeft());
     hover.PointAt(mouse, &area);
@@ -323,11 +325,22 @@ void CPlugWindow::valueChanged(CControl* control) {
     }
 }
 
-void CPlugWindow::onKeyboardEvent(KeyboardEvent& event, CFrame* /*frame*/) {
-    if (event.type != EventType::KeyDown) return;
-    ShowFocus(true);
-    hover.Disturb();
-    if (event.virt != VirtualKey::F1) return;
-    editor->OpenHelp();
-    event.consumed = true;
+// Ahead of the views: of what they have not used, nobody would hear any more.
+void CPlugWindow::onKeyboardEvent(KeyboardEvent& event, CFrame* frame) {
+    if (event.type == EventType::KeyDown) {
+        ShowFocus(true);
+        hover.Disturb();
+        if (event.virt == VirtualKey::F1) {
+            editor->OpenHelp();
+            event.consumed = true;
+        }
+    }
+    const auto focus = shared(frame->getFocusView());
+    const bool isTyping = dynamic_cast<CTextEdit*>(focus.get()) != nullptr;
+    if (event.consumed || isTyping || event.virt == VirtualKey::Tab || frame->getModalView() != nullptr)
+        return;
+    for (CView* view = focus; view != nullptr && view != frame && !event.consumed;
+         view = view->getParentView())
+        view->dispatchEvent(event);
+    if (!event.consumed) editor->LeaveToHost(event);
 }

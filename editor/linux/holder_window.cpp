@@ -1,6 +1,7 @@
 #include "editor/linux/holder_window.h"
 
 #include <xcb/xcb.h>
+#include <xcb/xcb_keysyms.h>
 
 #include <cstdlib>
 #include <string_view>
@@ -57,7 +58,7 @@ std::unique_ptr<HolderWindow> HolderWindow::Make(xcb_connection_t* connection, s
     if (error || xcb_connection_has_error(connection) != 0) return nullptr;
     xcb_map_window(connection, id);
     xcb_flush(connection);
-    return std::unique_ptr<HolderWindow>(new HolderWindow(connection, id));
+    return std::unique_ptr<HolderWindow>(new HolderWindow(connection, parent, id));
 }
 
 void HolderWindow::Resize(std::uint16_t width, std::uint16_t height) {
@@ -100,6 +101,23 @@ bool HolderWindow::Own(std::uint32_t process) const {
     }
     xcb_flush(connection);
     return found;
+}
+
+void HolderWindow::PassKey(std::uint32_t symbol, std::uint16_t modifiers, bool down) const {
+    xcb_key_symbols_t* const symbols = xcb_key_symbols_alloc(connection);
+    const std::unique_ptr<xcb_keycode_t, Freed> codes(xcb_key_symbols_get_keycode(symbols, symbol));
+    xcb_key_symbols_free(symbols);
+    if (!codes || *codes == XCB_NO_SYMBOL) return;
+    xcb_key_press_event_t event = {};  // a release is the same record
+    event.response_type = down ? XCB_KEY_PRESS : XCB_KEY_RELEASE;
+    event.detail = *codes;
+    event.root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
+    event.event = parent;
+    event.state = modifiers;
+    event.same_screen = 1;
+    xcb_send_event(connection, 1, parent, down ? XCB_EVENT_MASK_KEY_PRESS : XCB_EVENT_MASK_KEY_RELEASE,
+                   reinterpret_cast<const char*>(&event));
+    xcb_flush(connection);
 }
 
 HolderWindow::~HolderWindow() {

@@ -27,11 +27,15 @@ public:
     // Puts the windows of a process above that one, as window managers take it: for a program that does not
     // take its owner's number. False while it has none.
     bool Own(std::uint32_t process) const;
+    // To the host's window, or the nearest one around it that listens to keys, in the way of a key pressed
+    // there. Symbol and modifiers are the display's.
+    void PassKey(std::uint32_t symbol, std::uint16_t modifiers, bool down) const;
 
 private:
-    HolderWindow(xcb_connection_t* itsConnection, std::uint32_t itsId)
-        : connection(itsConnection), id(itsId) {}
+    HolderWindow(xcb_connection_t* itsConnection, std::uint32_t itsParent, std::uint32_t itsId)
+        : connection(itsConnection), parent(itsParent), id(itsId) {}
 
     xcb_connection_t* connection;
+    std::uint32_t parent;  // the host's
     std::uint32_t id;
 };

@@ -16,6 +16,7 @@ public:
     std::uint32_t TopLevel() const override {
         return static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(GetAncestor(parent, GA_ROOT)));
     }
+    bool PassKey(const VSTGUI::KeyboardEvent&) const override { return false; }
     bool Own(std::uint32_t) const override { return true; }  // the system's dialog has taken its owner
 
 private:

@@ -60,6 +60,16 @@ public:
     void Key(const char* name) { Tool({"key", name}); }
     void Type(const char* text) { Tool({"type", text}); }
 
+    // The code of a key that has come to the host's window; 0 for none.
+    int PressedKey() {
+        const std::uint32_t keys = XCB_EVENT_MASK_KEY_PRESS;
+        xcb_change_window_attributes(connection, parent, XCB_CW_EVENT_MASK, &keys);
+        Sync();
+        const XcbReply<xcb_generic_event_t> event(xcb_poll_for_event(connection));
+        if (!event || (event->response_type & 0x7F) != XCB_KEY_PRESS) return 0;
+        return reinterpret_cast<const xcb_key_press_event_t*>(event.get())->detail;
+    }
+
     std::uint32_t Pixel(int x, int y) {  // 0xRRGGBB
         const auto p = Pixels(x, y, 1, 1);
         return p.empty() ? 0U : std::uint32_t{p[2]} << 16 | std::uint32_t{p[1]} << 8 | p[0];

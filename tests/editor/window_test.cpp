@@ -176,6 +176,9 @@ TEST_F(Window, TakesTypedValuesAndKeysWhereTheFocusIsAndLeavesOthersToTheHost) {
     expect(paramPolyphony, clicked - 0.09F);
     constexpr int virtualSpace = 7;
     EXPECT_EQ(host->Call(effEditKeyDown, ' ', virtualSpace), 0);
+    host->PressedKey();                                                  // listens from now on
+    host->Key("space");                                                  // while the editor has the keyboard
+    EXPECT_TRUE(host->Await([&] { return host->PressedKey() == 65; }));  // the display's code of it
 
     Click(equalizerButton);
     type(bar40, "0,25", "Return");
