@@ -16,7 +16,7 @@ class TNoteRecorder;
 //
 //   running  silenced   state
 //   false    true       idle, as constructed
-//   true     true       started, before its first frame; or after all notes were put off
+//   true     true       started, before its first frame; or after all notes were ended
 //   true     false      delivering
 class TNoteOut {
 public:

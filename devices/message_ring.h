@@ -11,9 +11,8 @@
 // Each cell counts whose turn it is: its place for the writer of that place, one more once the message stands
 // in it, and a whole round more after it was taken. (The bounded queue of Dmitry Vyukov.)
 //
-// Threads: Push [any]; Ready [any]; Front, Place and Pop by the one thread that has the reading in its hands.
-// The reading may pass from thread to thread, if each hands it on in a way that orders memory.
-// Memory: nothing is allocated after construction.
+// Threads: Push [any]; Ready [any]; Front, Place and Pop by one reader at a time. Another thread may become
+// the reader, if the handover orders memory. Memory: nothing is allocated after construction.
 template <typename Message, std::size_t capacity>
 class MessageRing {
     static_assert((capacity & (capacity - 1)) == 0, "a place is cut to a cell by its low bits");

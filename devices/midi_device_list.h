@@ -22,5 +22,5 @@ std::uint32_t FindMidiOutDevice(std::string_view name);
 // What went wrong, for the user. With only the mapper in the list, "no such device" means that there is no
 // driver.
 std::string MidiOutErrorText(std::uint32_t code);
-// Looks afresh at what devices there are; for an editor that is about to list them.
+// Reads the list again; for an editor that is about to show it.
 void ReadMidiOutDevices();

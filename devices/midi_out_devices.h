@@ -62,7 +62,7 @@ public:
     virtual std::uint32_t midiOutLongMsg(MidiOutHandle handle, const MidiLongMessage& message) = 0;
     virtual std::uint32_t midiOutGetErrorTextW(std::uint32_t code, MidiOutErrorTextW& text) = 0;
     virtual SystemVersion GetVersionExA() = 0;
-    // Looks afresh at what devices there are; for when a user is about to see the list.
+    // Reads the list again; for when a user is about to see it.
     virtual void ReadDevices() {}
 
     SystemVersion Version();  // GetVersionExA, asked once and kept

@@ -20,7 +20,7 @@
 // Memory: all of it is taken by the constructor and RateSetUp. Process allocates nothing.
 // Threads: Process [audio]. Reset, SetSampleRate, SetBandwidth...: any thread while no Process runs.
 // SetFloorDb, SetRelativeThreshold, SetBandGain [any], also during Process: the next frame picks them up.
-// Errors: no ranges are checked. Memory that is not to be had leaves the constructor and SetSampleRate by
+// Errors: no ranges are checked. A failed allocation leaves the constructor and SetSampleRate by
 // std::bad_alloc.
 class TRealTimeTS107 : public INoteDetector {
 public:

@@ -1,6 +1,6 @@
 #include "harmony/chord.h"
 
-// What a chord is, by the number of its pitch classes. Semitones and degrees are those above the root.
+// The type of a chord, by the number of its pitch classes. Semitones and degrees are those above the root.
 
 void TChord::classify(TChordInfo& result) const {
     switch (pitchClassCount) {

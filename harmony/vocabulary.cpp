@@ -158,7 +158,7 @@ const char* const ChordSuffixes[chordTypeCount] = {
     "This name doesn't exist", // 30
 };
 
-// Types 22 and 25 hold what no ear would look for there, and it stays: the names shown follow from it.
+// Types 22 and 25 hold no musical intervals; the names that are shown follow from them.
 const TChordIntervals ChordIntervals[chordTypeCount] = {
     // third, fifth, seventh, ninth
     { 0,  0,  0,  0},  //  0 unknown

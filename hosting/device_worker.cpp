@@ -67,7 +67,7 @@ void DeviceWorker::Note(std::int32_t index, float value) {
     Requested(index) = value;
 }
 
-// A request that another thread is still serving looks like one that failed; that thread puts it right when
+// A request that another thread is still serving looks like one that failed; that thread corrects it when
 // it comes here itself.
 void DeviceWorker::ReportFallBacks() {
     for (const std::int32_t index : {paramDevice, paramDeviceEnabled}) {

@@ -11,7 +11,7 @@
 #include "hosting/hosted_object.h"
 #include "parameters/parameters.h"
 
-// Whom the worker notifies that a device is not available.
+// Is notified when a device is not available.
 class IFallBackListener {
 public:
     // Whether anybody wants to know; otherwise the request stands. Not the place to call a host. [any]

@@ -7,7 +7,7 @@
 #include "hosting/event_gatherer.h"
 #include "hosting/hosted_object.h"
 
-// Whom an instance notifies of what did not come from the host.
+// Is notified of changes that did not come from the host.
 class IInstanceListener : public IFallBackListener {
 public:
     virtual void ParameterEdited(std::int32_t index, float value) = 0;  // [ui] in the window; 0 to 95

@@ -7,7 +7,7 @@
 
 class CORVAguivstEx;
 
-// Whom the plug-in object notifies.
+// Is notified by the plug-in object.
 class IObjectListener {
 public:
     virtual void EventsSent(const VstEvents& events) = 0;               // [any]

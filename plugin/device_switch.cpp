@@ -121,8 +121,8 @@ void DeviceSwitch::closeMidiDevice() {
     DeleteRetired();
 }
 
-// A walk over the outputs that began before the removal may still be inside one; whoever comes by later
-// deletes it then. Devices close outside all locks, since that takes its time.
+// A walk over the outputs that began before the removal may still be inside one; a later call deletes it
+// then. Devices close outside all locks, since that takes its time.
 void DeviceSwitch::DeleteRetired() {
     std::vector<std::unique_ptr<TRTMidiOut>> gone;
     {

@@ -32,7 +32,7 @@ bool CanDetectAt(float rate) {
     return rate >= slowestRate && rate <= fastestRate;
 }
 
-// The rate to build the detector for: a host's odd one is no reason for tables without bound.
+// The rate to build the detector for: an odd one of a host must not make the tables grow without bound.
 std::int32_t DetectorRate(float rate) {
     return CanDetectAt(rate) ? TruncateToInt32(rate) : 44100;
 }

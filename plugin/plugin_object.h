@@ -79,9 +79,9 @@ public:
     std::intptr_t dispatcher(std::int32_t opcode, std::int32_t index, std::intptr_t value, void* ptr,
                              float opt) override;
 
-    // What plays no part for a host that does not ask for it. [any], and nobody waits: a block in flight ends
-    // with the settings that it began with. Notes that sound end with a change of ear. The refined ear is
-    // made at its first choice, or before by prepareEar, so that the choice allocates nothing.
+    // How the plug-in hears; without these calls, as it always did. [any], and none waits: a block in flight
+    // ends with the settings that it began with. Notes that sound end with a change of ear. The refined ear
+    // is made at its first choice, or before by prepareEar, so that the choice allocates nothing.
     void prepareEar();
     void setEar(Ear ear);
     void setEarThreshold(float logits);

@@ -186,7 +186,7 @@ private:
     Clock::time_point nextSave;
 };
 
-// The window, if there is one to be had.
+// The window; null without a display.
 std::unique_ptr<EditorWindow> OpenWindow(LiveSession& session) {
     try {
         return std::make_unique<EditorWindow>(session.Plugin(), "ORVA Audio To MIDI");
