@@ -252,6 +252,7 @@ void guiEditor::CloseNow() {
         effect->inputMeter.Watch(false);
     }
     fileDialog.End();
+    takeDrag.End();
     fileChosen = nullptr;
     tasks.clear();
     std::vector<Message> unseen;
@@ -280,6 +281,7 @@ void guiEditor::idle() {
         });
         PumpEvents();
         RunTasks();
+        takeDrag.Step();
         PollFileDialog();
         ShowNextMessage();
 
@@ -378,33 +380,6 @@ std::vector<std::string> guiEditor::MidiDeviceNames() const {
     return names;
 }
 
-bool guiEditor::OffersHearing() const {
-    return effect->prefersHearing();
-}
-
-Hearing guiEditor::CurrentHearing() const {
-    return effect->hearing();
-}
-
-void guiEditor::PreferHearing(const Hearing& wanted) {
-    const Hearing before = CurrentHearing();
-    effect->setHearing(wanted);
-    ShowStored(StorePreferredHearing(before, wanted));
-}
-
-bool guiEditor::OffersNoteDates() const {
-    return effect->prefersNoteDates();
-}
-
-NoteDates guiEditor::CurrentNoteDates() const {
-    return effect->noteDates();
-}
-
-void guiEditor::PreferNoteDates(NoteDates wanted) {
-    effect->setNoteDates(wanted);
-    ShowStored(StorePreferredNoteDates(wanted));
-}
-
 void guiEditor::ShowStatus(const std::string& text) {
     if (window != nullptr) window->ShowStatus(text);
 }
@@ -478,6 +453,16 @@ void guiEditor::OwnFileDialog() {
     if (attemptsToOwn >= mostAttempts) return;
     ++attemptsToOwn;
     if (OwnWindowsOf(static_cast<std::uint32_t>(ownedDialog))) attemptsToOwn = mostAttempts;
+}
+
+void guiEditor::DragTake(VSTGUI::CView& from) {
+    tasks.emplace_back([this, view = VSTGUI::shared(&from)] {
+        if (effect->nothingRecorded()) return ShowStatus("No take to drag");
+        if (takeDrag.Begin(*view, [this](const std::string& path) { return effect->saveRecording(path); }))
+            ShowStatus("Drop the take where you like");
+        else
+            ShowMessage("Error saving MIDI file", "Error");
+    });
 }
 
 void guiEditor::OpenWebPage(const std::string& address) {

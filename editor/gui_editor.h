@@ -13,6 +13,7 @@
 #include "editor/aeff_gui_editor.h"
 #include "editor/idle_clock.h"
 #include "editor/mailbox.h"
+#include "editor/take_drag.h"
 #include "parameters/parameters.h"
 #include "plugin/gui_plugin.h"
 #include "vst2/records.h"
@@ -91,6 +92,7 @@ public:
     void ShowMessage(const std::string& text, const std::string& caption);
     void AskForFile(const FileDialogRequest& request,
                     std::function<void(const std::string& path)> whenChosen);
+    void DragTake(VSTGUI::CView& from);  // out of the window, by the button that is held
     void OpenWebPage(const std::string& address);
     void OpenMail(const std::string& address);
     using AEffGUIEditor::LeaveToHost;
@@ -143,6 +145,7 @@ private:
 
     Mailbox mailbox;
     std::vector<std::function<void()>> tasks;  // for the next idle call
+    TakeDrag takeDrag;
     FileDialog fileDialog;
     int ownedDialog = -1;   // the last whose windows were put above the host's
     int attemptsToOwn = 0;  // for that one

@@ -1,5 +1,8 @@
 #include "editor/main_frame.h"
 
+#include <functional>
+#include <utility>
+
 #include "base/file_path.h"
 #include "editor/gui_editor.h"
 #include "editor/look.h"
@@ -18,6 +21,25 @@ constexpr std::int32_t gestureClicks = 3;  // the hidden gesture wants a multipl
 constexpr float pressed = 0.5F;            // a button's value, at least
 
 const CPoint sliderPlaces[] = {{22, 29}, {69, 29}, {116, 29}};
+
+// Saves at a click; once the button is held and the mouse leaves it, the take is dragged instead.
+class TakeButton : public CKickButton {
+public:
+    TakeButton(const CRect& size, IControlListener* page, std::int32_t itsTag, CBitmap* picture,
+               std::function<void(CView&)> newDrag)
+        : CKickButton(size, page, itsTag, picture), drag(std::move(newDrag)) {}
+
+    CMouseEventResult onMouseMoved(CPoint& where, const CButtonState& buttons) override {
+        if (!isEditing() || getViewSize().pointInside(where))
+            return CKickButton::onMouseMoved(where, buttons);
+        onMouseCancel();
+        drag(*this);
+        return kMouseEventHandled;
+    }
+
+private:
+    const std::function<void(CView&)> drag;
+};
 
 }  // namespace
 
@@ -45,7 +67,8 @@ CMainFrame::CMainFrame(guiEditor* itsEditor) : CORVAFrame(itsEditor, 113) {
         new COnOffButton(controls::HalfOf(getBitmap(142), {196, 238}), this, tagStop, getBitmap(142));
     addView(recordButton);
     addView(stopButton);
-    addView(new CKickButton(controls::HalfOf(getBitmap(139), {225, 238}), this, tagSave, getBitmap(139)));
+    addView(new TakeButton(controls::HalfOf(getBitmap(139), {225, 238}), this, tagSave, getBitmap(139),
+                           [this](CView& from) { DragRecording(from); }));
 
     auto* name = new CLabel(CRect(138, 23, getWidth(), 43), this, tagName);
     name->setFont(EditorFont(13, kBoldFace));
@@ -110,6 +133,14 @@ void CMainFrame::setParameter(std::int32_t index, float value) {
     } else if (index == tagRecord) {
         RefreshRecordingButtons();
     }
+}
+
+void CMainFrame::DragRecording(CView& from) {
+    if (editor->effect->recordingOn) {
+        editor->effect->stopRecording();
+        RefreshRecordingButtons();
+    }
+    editor->DragTake(from);
 }
 
 // The take is written when the user has answered, with what it holds then.

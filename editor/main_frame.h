@@ -25,6 +25,7 @@ private:
     void RefreshLabel(std::int32_t index);
     void RefreshRecordingButtons();
     void SaveRecording();
+    void DragRecording(VSTGUI::CView& from);
 
     VSTGUI::CVerticalSlider* sliders[sliderCount];
     CLabel* sliderLabels[sliderCount];
