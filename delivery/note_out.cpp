@@ -42,14 +42,8 @@ void TNoteOut::Silence() {
 void TNoteOut::Update() {
     const TNoteRecorder* const from = recorder;
     if (!running || from == nullptr) return;
-    for (std::int32_t band = 0; band < from->numBands; ++band) {
-        const bool on = from->BandSounds(band);
-        const bool played = from->playing[band];
-        if (!on && played)
-            EndNote(band);
-        else if (on && !played)
-            BeginNote(band);
-    }
+    for (std::int32_t band = from->NextChange(0); band < from->numBands; band = from->NextChange(band + 1))
+        from->BandSounds(band) ? BeginNote(band) : EndNote(band);
     silenced = false;
 }
 

@@ -46,6 +46,9 @@ public:
     std::int32_t GetBandCount() const { return numBands; }
 
     bool BandSounds(std::int32_t band) const { return BandIsOn(bandOn, band) && enabled[band]; }
+    // [audio, locked] The first band from `band` on that sounds and does not play, or the reverse; numBands
+    // if there is none.
+    std::int32_t NextChange(std::int32_t band) const;
     // Shows the detector's bands to whoever reads the two below: at each frame, and to be called after a
     // reset, where the detector may be touched.
     void CopyBands();
@@ -109,20 +112,21 @@ public:
         Relaxed<std::uint32_t> onMessage;   // note on with the velocity setting; 0 for a band without a note
         Relaxed<std::uint32_t> offMessage;  // note off, velocity 0; 0 likewise
     };
-    BandMessages messages[maxBands];       // [any] writes
-    Relaxed<std::int64_t> minNoteLength;   // samples; no setter
-    Relaxed<std::int64_t> minNoteGap;      // samples; no setter
-    Relaxed<bool*> bandOn = nullptr;       // the detector's; read through BandSounds
-    Relaxed<bool> playing[maxBands];       // on and enabled after the last frame; AllNotesOff [any] clears
-    Relaxed<bool> enabled[maxBands];       // mask; all set by Attach
-    Relaxed<std::int32_t> numBands;        // fixed by Attach; 0 without a detector
-    Relaxed<std::int32_t> referenceBand;   // the band of 440 Hz
-    Relaxed<std::int32_t> transpose;       // semitones added to each band's note
-    Relaxed<std::int32_t> channel;         // from 0; its low 4 bits are used
-    Relaxed<std::int32_t> velocity = 100;  // its low 7 bits are used
-    Relaxed<std::int32_t> program;         // its low 7 bits are used
-    bool dynamicVelocity = true;           // a recording scales velocities by level; no setter
-    Relaxed<bool> active;                  // frames are handled
+    BandMessages messages[maxBands];      // [any] writes
+    Relaxed<std::int64_t> minNoteLength;  // samples; no setter
+    Relaxed<std::int64_t> minNoteGap;     // samples; no setter
+    Relaxed<bool*> bandOn = nullptr;      // the detector's; read through BandSounds
+    alignas(
+        8) Relaxed<bool> playing[maxBands];  // on and enabled after the last frame; AllNotesOff [any] clears
+    alignas(8) Relaxed<bool> enabled[maxBands];  // mask; all set by Attach
+    Relaxed<std::int32_t> numBands;              // fixed by Attach; 0 without a detector
+    Relaxed<std::int32_t> referenceBand;         // the band of 440 Hz
+    Relaxed<std::int32_t> transpose;             // semitones added to each band's note
+    Relaxed<std::int32_t> channel;               // from 0; its low 4 bits are used
+    Relaxed<std::int32_t> velocity = 100;        // its low 7 bits are used
+    Relaxed<std::int32_t> program;               // its low 7 bits are used
+    bool dynamicVelocity = true;                 // a recording scales velocities by level; no setter
+    Relaxed<bool> active;                        // frames are handled
     // What outputs have sent out of the plug-in, for a lamp: two threads at once may count as one. Any
     // writes.
     Relaxed<std::uint32_t> messagesSent;
@@ -140,6 +144,7 @@ public:
 
 private:
     void BuildMessages();
+    std::uint64_t EightSounding(std::int32_t band) const;
     void StartOnFirstNote();
     void RaisePeaks();
     template <typename Store>
