@@ -4,9 +4,6 @@
 
 #include <algorithm>
 #include <string>
-#if defined(__x86_64__)
-#include <immintrin.h>
-#endif
 
 #include "engine/real_time_detector.h"
 #include "tests/engine/plain_detector.h"
@@ -59,26 +56,6 @@ void OnNoise(benchmark::State& state) {
                 [=](benchmark::State& state) { Run<TRealTimeTS107>(state, Music(rate, 1), rate, &kernels); });
     return true;
 }();
-
-#if defined(__x86_64__)
-// What the machine can do at most with AVX2: multiply-adds of 16-bit pairs, nothing else, from registers. The
-// detector needs two a sample and band.
-__attribute__((target("avx2"))) void Peak(benchmark::State& state) {
-    __m256i sums[10];
-    for (__m256i& sum : sums) sum = _mm256_setzero_si256();
-    __m256i weights = _mm256_set1_epi16(3), samples = _mm256_set1_epi16(5);
-    for ([[maybe_unused]] auto iteration : state)
-        for (int round = 0; round < 1000; ++round) {
-            __asm__ volatile("" : "+x"(weights), "+x"(samples));  // anew each time
-#pragma GCC unroll 10
-            for (__m256i& sum : sums) sum = _mm256_add_epi32(sum, _mm256_madd_epi16(weights, samples));
-        }
-    for (__m256i& sum : sums) benchmark::DoNotOptimize(sum);
-    state.counters["multiply_adds"] =
-        benchmark::Counter(1000 * 10 * 16, benchmark::Counter::kIsIterationInvariantRate);
-}
-BENCHMARK(Peak)->Name("peak/AVX2");
-#endif
 
 }  // namespace
 
