@@ -117,8 +117,7 @@ void guiEditor::MakeViews() {
     if (variantChanges != VariantChanges()) bitmaps.clear();
     variantChanges = VariantChanges();
     frame->setFocusColor(ColorOf(palette::loud));
-    frame->setFocusWidth(
-        2);  // whole pixels: cairo loses memory where a frame of edges between pixels is filled
+    frame->setFocusWidth(2);
     auto theme = MenuTheme();
     frame->getPlatformFrame()->setupGenericOptionMenu(true, &theme);
     background = getBitmap(backgroundId);
