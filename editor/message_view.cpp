@@ -23,6 +23,15 @@ constexpr CCoord panelWidth = 320, margin = 16, corner = 8;
 constexpr CCoord captionTop = 10, lineHeight = 17, buttonWidth = 80, buttonHeight = 24, buttonGap = 12;
 constexpr std::size_t mostLines = 12;  // what the window's height takes
 
+// The ring of the focus has corners: with a round one, the system's drawing library loses memory each time.
+class CMessageButton : public CTextButton {
+public:
+    using CTextButton::CTextButton;
+    bool getFocusPath(CGraphicsPath& path) override { return CControl::getFocusPath(path); }
+
+    CLASS_METHODS_NOCOPY(CMessageButton, CTextButton)
+};
+
 struct Paragraph {
     std::string text;  // with a line break where the panel's width asks for one
     CCoord height = 0;
@@ -73,7 +82,7 @@ CMessageView::CMessageView(const CRect& size, const std::string& text, const std
     addView(Text(CRect(left, top + textTop, right, top + textTop + body.height), body.text, plain));
 
     const CCoord buttonTopEdge = panel.bottom - buttonGap - buttonHeight;
-    auto* button = new CTextButton(
+    auto* button = new CMessageButton(
         CRect(right - buttonWidth, buttonTopEdge, right, buttonTopEdge + buttonHeight), this, 0, "OK");
     button->setFont(EditorFont(13, kBoldFace));
     button->setTextColor(kWhiteCColor);
