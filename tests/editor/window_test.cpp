@@ -225,6 +225,7 @@ TEST_F(WindowMenu, ChoosesTheEarOfThisInstanceAndOfThoseToComeWhereNoHostDoes) {
     EXPECT_TRUE(host->Await([&] { return host->plugin.hearing() == refined; }));
     EXPECT_TRUE(host->Await([&] { return Page() != bare; }));  // it is shown
     EXPECT_EQ(ReadPreferredHearing(), refined);
+    EXPECT_FALSE(MessageIsUp());  // which would say that it could not be kept
     OpenMenu();
     host->Call(effEditClose);  // with a menu beside a menu
     ASSERT_TRUE(host->Open());
