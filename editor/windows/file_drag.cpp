@@ -1,5 +1,6 @@
 #include "editor/file_drag.h"
 
+#include "vst2/records.h"
 #include "vstgui/lib/cdropsource.h"
 #include "vstgui/lib/cview.h"
 #include "vstgui/lib/dragging.h"
