@@ -84,8 +84,7 @@ std::string NoteTable(const std::string& file, const Take& take) {
 }
 
 std::string NoteJson(const std::string& file, const Take& take) {
-    using Json = nlohmann::ordered_json;
-    Json notes = Json::array();
+    nlohmann::ordered_json notes = nlohmann::ordered_json::array();
     for (const HeardNote& note : PairNotes(take))
         notes.push_back({{"start", Microseconds(Seconds(take, note.begin))},
                          {"end", Microseconds(Seconds(take, note.end))},
@@ -93,14 +92,15 @@ std::string NoteJson(const std::string& file, const Take& take) {
                          {"midi", note.pitch},
                          {"velocity", note.velocity},
                          {"channel", note.channel + 1}});
-    Json chords = Json::array();
+    nlohmann::ordered_json chords = nlohmann::ordered_json::array();
     for (const ChordChange& change : ChordLine(take))
         chords.push_back({{"time", change.time}, {"name", change.name}});
-    Json all = Named(file);
+    nlohmann::ordered_json all = Named(file);
     all["rate"] = take.rate;
     all["seconds"] = Microseconds(Seconds(take, take.length));
     if (take.tuning != 440)
-        all["tuning"] = take.tuning > 0 ? Json(std::round(take.tuning * 10) / 10) : Json();
+        all["tuning"] = take.tuning > 0 ? nlohmann::ordered_json(std::round(take.tuning * 10) / 10)
+                                        : nlohmann::ordered_json();
     all["notes"] = std::move(notes);
     all["chords"] = std::move(chords);
     return OneLine(all);

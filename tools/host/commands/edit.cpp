@@ -16,7 +16,7 @@
 namespace {
 
 constexpr std::int32_t usualRate = 48000;  // Hz, where nothing is played
-constexpr std::size_t blockSize = 512;     // samples
+constexpr std::size_t samplesPerBlock = 512;
 const std::vector<std::string> pages = {"main", "equalizer", "options", "about"};
 
 struct EditOptions {
@@ -38,7 +38,7 @@ public:
         if (!options.audio.empty()) audio.emplace(options.audio, AudioFile::Channel::first);
         plugin.emplace(module, audio ? audio->Rate() : usualRate, "ORVA", nullptr);
         if (options.dark) plugin->SetWindowDark();
-        plugin->Start(static_cast<std::int32_t>(blockSize));
+        plugin->Start(static_cast<std::int32_t>(samplesPerBlock));
     }
     HostedPlugin& Plugin() { return *plugin; }
 
@@ -50,9 +50,9 @@ public:
     void PlayTo(double seconds) {
         const std::int32_t rate = audio ? audio->Rate() : usualRate;
         while (static_cast<double>(plugin->SamplesDelivered()) < seconds * rate) {
-            std::vector<float> samples(blockSize);
-            if (audio) audio->Read(samples.data(), blockSize);
-            plugin->Process(samples.data(), static_cast<std::int32_t>(blockSize));
+            std::vector<float> samples(samplesPerBlock);
+            if (audio) audio->Read(samples.data(), samplesPerBlock);
+            plugin->Process(samples.data(), static_cast<std::int32_t>(samplesPerBlock));
         }
     }
 
