@@ -8,6 +8,7 @@
 #include "editor/look.h"
 #include "vst2/records.h"
 #include "vstgui/lib/cdrawcontext.h"
+#include "vstgui/lib/cframe.h"
 #include "vstgui/lib/cgradient.h"
 #include "vstgui/lib/cgraphicspath.h"
 #include "vstgui/lib/controls/cbuttons.h"
@@ -27,7 +28,13 @@ constexpr std::size_t mostLines = 12;  // what the window's height takes
 class CMessageButton : public CTextButton {
 public:
     using CTextButton::CTextButton;
-    bool getFocusPath(CGraphicsPath& path) override { return CControl::getFocusPath(path); }
+    bool getFocusPath(CGraphicsPath& path) override {
+        CRect ring = getViewSize();
+        path.addRect(ring);
+        ring.extend(getFrame()->getFocusWidth(), getFrame()->getFocusWidth());
+        path.addRect(ring);
+        return true;
+    }
 
     CLASS_METHODS_NOCOPY(CMessageButton, CTextButton)
 };
