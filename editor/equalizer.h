@@ -4,6 +4,7 @@
 
 #include "editor/buffered_control.h"
 #include "editor/equalizer_stroke.h"
+#include "parameters/parameters.h"
 
 // The 84 bars of the equalizer, drawn like a freehand curve with the left mouse button held.
 //
@@ -48,5 +49,5 @@ private:
     void FinishStroke();
 
     EqualizerStroke stroke;
-    std::int32_t chosenBar = 45;  // of 440 Hz
+    std::int32_t chosenBar = bandOf440;
 };

@@ -18,7 +18,6 @@
 #include "editor/typed_value.h"
 #include "editor/window_size.h"
 #include "parameters/parameters.h"
-#include "parameters/starting_points.h"
 #include "vst2/records.h"
 #include "vstgui/lib/cresourcedescription.h"
 #include "vstgui/lib/platform/common/genericoptionmenu.h"
@@ -137,24 +136,14 @@ void guiEditor::Change(const std::vector<ParameterSetting>& settings) {
     }
 }
 
-void guiEditor::BeginWith(const std::string& instrument) {
-    tasks.emplace_back([this, instrument] {
-        std::vector<ParameterSetting> wanted;
-        if (!instrument.empty()) {
-            wanted = SettingsFor(instrument);
-        } else {
-            for (std::int32_t i = paramPolyphony; i <= paramLastBar; ++i)
-                if (i != paramVelocity) wanted.push_back({i, ParameterInitialValue(i)});
-        }
-        // Made for the classic ear: of another, only the reach counts.
-        if (CurrentHearing().ear != Ear::classic) {
-            std::erase_if(wanted, [](const ParameterSetting& each) { return each.index < paramFirstBar; });
-            for (ParameterSetting& each : wanted) each.value = each.value > 0 ? 1.0F : 0.0F;
-        }
-        const std::string name = instrument.empty() ? "initial" : instrument;
-        KeepForUndo("begin with " + name, wanted);
+void guiEditor::BeginWith(const Beginning& beginning) {
+    tasks.emplace_back([this, beginning] {
+        // Made for the classic ear.
+        const std::vector<ParameterSetting> wanted =
+            CurrentHearing().ear == Ear::classic ? beginning.settings : ReachOf(beginning.settings);
+        KeepForUndo("begin with " + beginning.title, wanted);
         Change(wanted);
-        ShowStatus("Begun with: " + name);
+        ShowStatus("Begun with: " + beginning.title);
     });
 }
 

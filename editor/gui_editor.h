@@ -15,6 +15,7 @@
 #include "editor/mailbox.h"
 #include "editor/take_drag.h"
 #include "parameters/parameters.h"
+#include "parameters/starting_points.h"
 #include "plugin/gui_plugin.h"
 #include "vst2/records.h"
 #include "vstgui/lib/cbitmap.h"
@@ -70,9 +71,8 @@ public:
     NoteDates CurrentNoteDates() const;
     void PreferNoteDates(NoteDates wanted);
 
-    // Settings to begin with, by instrument (starting_points.h) or, for an empty name, the initial ones. Each
-    // is a change in the window like any other, so the host records it.
-    void BeginWith(const std::string& instrument);
+    // Each setting is a change in the window like any other, so the host records it.
+    void BeginWith(const Beginning& beginning);
 
     // One step can be undone: the last starting point, or whatever else kept the values that it replaces.
     void KeepForUndo(const std::string& what, const std::vector<ParameterSetting>& replacements);

@@ -4,8 +4,8 @@
 
 #include "editor/activity_meter.h"
 
-// One sentence for each thing in the window, with its range in numbers: what a control does, for a mouse that
-// rests over it.
+// One sentence for each thing in the window: what a control does, for a mouse that rests over it. The range
+// of a slider or a bar is RangeText's.
 //
 // Threads: pure functions, [any] but [audio].
 

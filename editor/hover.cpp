@@ -10,18 +10,23 @@
 
 using namespace VSTGUI;
 
+// Lies over others, and takes no click from them.
+class OverlayView : public CView {
+public:
+    OverlayView() : CView(CRect()) {
+        setMouseEnabled(false);
+        setTransparency(true);
+        setVisible(false);
+    }
+};
+
 namespace {
 
 constexpr CCoord textWidth = 190, margin = 5, lineHeight = 14, cornerRadius = 3;
 constexpr CCoord belowPointer = 18, abovePointer = 6;
 
-class TintView : public CView {
+class TintView : public OverlayView {
 public:
-    TintView() : CView(CRect()) {
-        setMouseEnabled(false);
-        setTransparency(true);
-        setVisible(false);
-    }
     void draw(CDrawContext* context) override {
         constexpr std::uint8_t alpha = 36;
         context->setDrawMode(kAntiAliasing);
@@ -35,14 +40,8 @@ public:
 
 }  // namespace
 
-class PlateView : public CView {
+class PlateView : public OverlayView {
 public:
-    PlateView() : CView(CRect()) {
-        setMouseEnabled(false);
-        setTransparency(true);
-        setVisible(false);
-    }
-
     // Gives the size that the text takes.
     CPoint SetText(const std::string& text) {
         const auto painter = font->getFontPainter();

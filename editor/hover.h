@@ -1,6 +1,5 @@
 #pragma once
 #include <string>
-#include <vector>
 
 #include "vst2/records.h"
 #include "vstgui/lib/cviewcontainer.h"

@@ -1,7 +1,6 @@
 #pragma once
 #include <bitset>
 #include <cstdint>
-#include <string>
 #include <vector>
 
 #include "parameters/parameters.h"

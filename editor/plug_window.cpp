@@ -183,6 +183,7 @@ std::string CPlugWindow::HintAt(const CPoint& where) const {
         HintOf(control->getParentView() == this ? stripOfPages : activePage, control->getTag());
     const std::int32_t index = ParameterAt(where);
     if (hint.empty() || !TakesTyping(index)) return hint;
+    hint += " " + RangeText(index) + ".";
     const std::string value = TouchedText(index, editor->effect->getParameter(index));
     return value.empty() ? hint : value + ". " + hint;
 }

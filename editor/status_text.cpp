@@ -49,8 +49,7 @@ std::string TakeText(double seconds, std::uint32_t notes) {
 }
 
 std::string KeyText(std::int32_t band) {
-    constexpr int bandOf440 = 45, lowestNote = 24;
-    return NoteOfBar(band) + "  note " + std::to_string(band + lowestNote) +
+    return NoteOfBar(band) + "  note " + std::to_string(band + firstBarNote) +
            Formatted("  %.1f Hz", 440 * std::exp2((band - bandOf440) / 12.0));
 }
 

@@ -14,61 +14,60 @@ bool IsBar(std::int32_t index) {
     return index >= paramFirstBar && index <= paramLastBar;
 }
 
-// From what is typed to the value, by a number of units in the whole range.
-struct Scale {
+// What the window calls it, and in which units: how many of them the whole range has.
+struct Typed {
+    const char* name;
     double units;
+    const char* unit;
     bool wholeNumbers;
 };
 
-Scale ScaleOf(std::int32_t index) {
+Typed TypedOf(std::int32_t index) {
     switch (index) {
-        case paramSensitivity: return {-40, false};
-        case paramVelocity:
-        case paramInstrument: return {127, true};
-        case paramChordsDelay: return {2, false};
-        default: return {1, false};
+        case paramPolyphony: return {"Polyphony", 1, "", false};
+        case paramSensitivity: return {"Sensitivity", static_cast<double>(DecibelsOf(1)), " dB", false};
+        case paramVelocity: return {"Velocity", static_cast<double>(VelocityOf(1)), "", true};
+        case paramInstrument: return {"Sound", static_cast<double>(ProgramOf(1)), "", true};
+        case paramChordsDelay: return {"Delay", static_cast<double>(DelayOf(1)) / 1000, " s", false};
+        default: return {IsBar(index) ? "Bar" : nullptr, 1, "", false};
     }
 }
 
 }  // namespace
 
 bool TakesTyping(std::int32_t index) {
-    return IsBar(index) || index == paramPolyphony || index == paramSensitivity || index == paramVelocity ||
-           index == paramChordsDelay || index == paramInstrument;
+    return TypedOf(index).name != nullptr;
 }
 
 std::string TypingText(std::int32_t index, float value) {
-    const auto [units, wholeNumbers] = ScaleOf(index);
-    if (wholeNumbers) return std::to_string(TruncateToInt32(value * static_cast<float>(units)));
+    const Typed typed = TypedOf(index);
+    if (typed.wholeNumbers) return std::to_string(TruncateToInt32(value * static_cast<float>(typed.units)));
     char text[32];
-    std::snprintf(text, sizeof text, "%.3g", units * static_cast<double>(value));
+    std::snprintf(text, sizeof text, "%.3g", typed.units * static_cast<double>(value));
     return text;
 }
 
+std::string RangeText(std::int32_t index) {
+    return "0 to " + TypingText(index, 1) + TypedOf(index).unit;
+}
+
 std::string TypingRange(std::int32_t index) {
-    if (IsBar(index)) return "Bar: 0 to 1";
-    switch (index) {
-        case paramPolyphony: return "Polyphony: 0 to 1";
-        case paramSensitivity: return "Sensitivity: 0 to -40 dB";
-        case paramVelocity: return "Velocity: 0 to 127";
-        case paramChordsDelay: return "Delay: 0 to 2 s";
-        case paramInstrument: return "Sound: 0 to 127";
-        default: return "";
-    }
+    return std::string(TypedOf(index).name) + ": " + RangeText(index);
 }
 
 bool ReadTyped(std::int32_t index, std::string text, float& value) {
     std::replace(text.begin(), text.end(), ',', '.');
     std::istringstream stream(text);
     stream.imbue(std::locale::classic());
-    double typed = 0;
-    if (!TakesTyping(index) || !(stream >> typed)) return false;
-    const auto [units, wholeNumbers] = ScaleOf(index);
-    if (index == paramSensitivity && typed > 0) typed = -typed;  // the minus is easily left out
-    const double share = typed / units;
+    double number = 0;
+    if (!TakesTyping(index) || !(stream >> number)) return false;
+    const Typed typed = TypedOf(index);
+    if (typed.units < 0 && number > 0) number = -number;  // the minus is easily left out
+    const double share = number / typed.units;
     if (!(share >= 0 && share <= 1)) return false;
     // The middle of what truncates to the number.
-    value = wholeNumbers ? std::min(static_cast<float>((static_cast<int>(typed) + 0.5) / units), 1.0F)
-                         : static_cast<float>(share);
+    value = typed.wholeNumbers
+                ? std::min(static_cast<float>((static_cast<int>(number) + 0.5) / typed.units), 1.0F)
+                : static_cast<float>(share);
     return true;
 }

@@ -8,6 +8,7 @@
 
 bool TakesTyping(std::int32_t index);                     // sliders and bars
 std::string TypingText(std::int32_t index, float value);  // to begin with, "-35"
+std::string RangeText(std::int32_t index);                // "0 to -40 dB"; of those alone, as the next
 std::string TypingRange(std::int32_t index);              // "Sensitivity: 0 to -40 dB"
 
 // A decimal comma is as good as a point, and units may follow. False, with the value as it was, for what is

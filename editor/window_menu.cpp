@@ -5,7 +5,6 @@
 #include "editor/gui_editor.h"
 #include "editor/window_look.h"
 #include "editor/window_size.h"
-#include "parameters/starting_points.h"
 
 using namespace VSTGUI;
 
@@ -59,15 +58,12 @@ void AddHearing(COptionMenu& menu, guiEditor& editor) {
 
 void AddNoteDates(COptionMenu& menu, guiEditor& editor) {
     const auto dates = Menu();
-    const auto add = [&](const char* name, NoteDates choice) {
-        auto* item = new CCommandMenuItem(CCommandMenuItem::Desc(name));
+    for (const NoteDates choice : {NoteDates::automatic, NoteDates::whenBegun, NoteDates::neverEarly}) {
+        auto* item = new CCommandMenuItem(CCommandMenuItem::Desc(NameOf(choice)));
         item->setChecked(choice == editor.CurrentNoteDates());
         item->setActions([&editor, choice](CCommandMenuItem*) { editor.PreferNoteDates(choice); });
         dates->addEntry(item);
-    };
-    add("Auto", NoteDates::automatic);
-    add("When they began", NoteDates::whenBegun);
-    add("Never before the block", NoteDates::neverEarly);
+    }
     menu.addEntry(dates, "Note dates");
 }
 
@@ -84,13 +80,11 @@ void AddSizes(COptionMenu& menu, guiEditor& editor) {
 
 void AddBeginnings(COptionMenu& menu, guiEditor& editor) {
     const auto beginnings = Menu();
-    const auto add = [&](const std::string& name, const std::string& instrument) {
-        auto* item = new CCommandMenuItem(CCommandMenuItem::Desc(name.c_str()));
-        item->setActions([&editor, instrument](CCommandMenuItem*) { editor.BeginWith(instrument); });
+    for (const Beginning& each : Beginnings()) {
+        auto* item = new CCommandMenuItem(CCommandMenuItem::Desc(each.title.c_str()));
+        item->setActions([&editor, each](CCommandMenuItem*) { editor.BeginWith(each); });
         beginnings->addEntry(item);
-    };
-    add("Initial", "");
-    for (const StartingPoint& point : StartingPoints()) add(point.Title(), point.name);
+    }
     menu.addEntry(beginnings, "Begin with");
 }
 

@@ -9,7 +9,9 @@
 //
 // Threads: [any], but texts allocate and are not for [audio]; pure functions, but for the names of devices.
 
-constexpr std::int32_t bandCount = 84;  // the notes C1 to B7, with an equalizer bar each
+constexpr std::int32_t bandCount = 84;     // the notes C1 to B7, with an equalizer bar each
+constexpr std::int32_t firstBarNote = 24;  // MIDI
+constexpr std::int32_t bandOf440 = 45;     // Hz
 constexpr std::int32_t channelCount = 16;
 constexpr std::int32_t programCount = 128;
 

@@ -8,8 +8,6 @@
 
 namespace {
 
-constexpr int firstBarNote = 24;  // MIDI
-
 // clang-format off
 constexpr StartingPoint points[] = {
     // polyphony, sensitivity, lowest, highest, slant, refined threshold, name
@@ -35,12 +33,6 @@ float BarGain(const StartingPoint& point, int note) {
 
 }  // namespace
 
-std::string StartingPoint::Title() const {
-    std::string title = name;
-    title[0] = static_cast<char>(title[0] - 'a' + 'A');
-    return title;
-}
-
 std::span<const StartingPoint> StartingPoints() {
     return points;
 }
@@ -65,4 +57,23 @@ std::vector<ParameterSetting> SettingsFor(const std::string& name) {
     for (int bar = 0; bar < bandCount; ++bar)
         settings.push_back({paramFirstBar + bar, BarGain(*point, firstBarNote + bar)});
     return settings;
+}
+
+std::vector<ParameterSetting> ReachOf(std::vector<ParameterSetting> settings) {
+    std::erase_if(settings, [](const ParameterSetting& each) { return each.index < paramFirstBar; });
+    for (ParameterSetting& each : settings) each.value = each.value > 0 ? 1.0F : 0.0F;
+    return settings;
+}
+
+std::vector<Beginning> Beginnings() {
+    std::vector<Beginning> all;
+    for (const StartingPoint& point : points) {
+        std::string title = point.name;
+        title[0] = static_cast<char>(title[0] - 'a' + 'A');
+        all.push_back({title, SettingsFor(point.name)});
+    }
+    Beginning initial{"Initial", all[0].settings};
+    for (ParameterSetting& each : initial.settings) each.value = ParameterInitialValue(each.index);
+    all.insert(all.begin(), initial);
+    return all;
 }

@@ -16,8 +16,6 @@ struct StartingPoint {
     int slant;               // dB an octave by which the open bars fall from the lowest note upward
     float refinedThreshold;  // logits; of a refined ear, for which the reach alone counts besides
     const char* name;
-
-    std::string Title() const;  // the name with a capital, as menus have it
 };
 
 std::span<const StartingPoint> StartingPoints();
@@ -30,3 +28,14 @@ std::string StartingPointNames();
 
 // Polyphony, sensitivity and all equalizer bars. Errors: std::invalid_argument if there is none of that name.
 std::vector<ParameterSetting> SettingsFor(const std::string& name);
+
+// What of such settings holds for a refined ear: the bars alone, open or shut.
+std::vector<ParameterSetting> ReachOf(std::vector<ParameterSetting> settings);
+
+// What windows and hosts offer to begin with, each with its title: "Initial", which is how the plug-in
+// begins, and the instruments.
+struct Beginning {
+    std::string title;
+    std::vector<ParameterSetting> settings;
+};
+std::vector<Beginning> Beginnings();

@@ -5,6 +5,8 @@
 // never before the block's first sample; by itself, the second in hosts known to drop what lies before it.
 enum class NoteDates : std::int32_t { automatic, whenBegun, neverEarly };
 
+const char* NameOf(NoteDates dates);  // as menus have it, and the store
+
 // The user's preference, in the per-user store; automatic until there is one.
 //
 // Threads: [any] but [audio]: both work on files.

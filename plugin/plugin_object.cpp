@@ -17,7 +17,6 @@
 
 namespace {
 
-constexpr std::int32_t bandOf440 = 45;
 constexpr float resonatorBandwidth = 0.02F;
 
 // Hz. Below, a frame of 10 ms has no sample; above, no host runs, and the tables would grow without bound.

@@ -99,21 +99,14 @@ void AddControlPort(std::ostream& out, std::uint32_t index, const ControlPort& p
     out << "\n    ]";
 }
 
-struct Preset {
-    std::string title;
-    std::vector<ParameterSetting> settings;
-
-    std::string Name() const { return Uri(pluginUri + ("#preset-" + title)); }
-};
-
-// What no instrument's settings change stays out of them: a preset leaves it as it is.
-std::vector<Preset> AllPresets() {
-    std::vector<Preset> all = {{"Initial", {}}};
-    for (std::int32_t i = paramPolyphony; i <= paramLastBar; ++i)
-        if (i != paramVelocity) all[0].settings.push_back({i, ParameterInitialValue(i)});
-    for (const StartingPoint& point : StartingPoints())
-        all.push_back({point.Title(), SettingsFor(point.name)});
-    return all;
+// The head of a preset, which another line follows. What no instrument's settings change stays out of the
+// presets: they leave it as it is.
+void AddPreset(std::ostream& out, const Beginning& preset) {
+    out << "\n"
+        << Uri(pluginUri + ("#preset-" + preset.title)) << "\n"
+        << "    a pset:Preset ;\n"
+        << "    lv2:appliesTo " << Uri(pluginUri) << " ;\n"
+        << "    rdfs:label " << Quoted(preset.title) << " ;\n";
 }
 
 }  // namespace
@@ -123,13 +116,9 @@ std::string Presets() {
     out << "@prefix lv2: <http://lv2plug.in/ns/lv2core#> .\n"
         << "@prefix pset: <http://lv2plug.in/ns/ext/presets#> .\n"
         << "@prefix rdfs: <http://www.w3.org/2000/01/rdf-schema#> .\n";
-    for (const Preset& preset : AllPresets()) {
-        out << "\n"
-            << preset.Name() << "\n"
-            << "    a pset:Preset ;\n"
-            << "    lv2:appliesTo " << Uri(pluginUri) << " ;\n"
-            << "    rdfs:label " << Quoted(preset.title) << " ;\n"
-            << "    lv2:port";
+    for (const Beginning& preset : Beginnings()) {
+        AddPreset(out, preset);
+        out << "    lv2:port";
         const char* before = " ";
         for (const auto& [index, value] : preset.settings) {
             out << before << "[ lv2:symbol " << Quoted(DescribeParameter(index).symbol) << " ; pset:value "
@@ -157,13 +146,10 @@ std::string Manifest(const std::string& pluginFile) {
         << "    a ui:X11UI ;\n"
         << "    lv2:binary " << Uri(pluginFile) << " ;\n"
         << "    rdfs:seeAlso <orva.ttl> .\n";
-    for (const Preset& preset : AllPresets())
-        out << "\n"
-            << preset.Name() << "\n"
-            << "    a pset:Preset ;\n"
-            << "    lv2:appliesTo " << Uri(pluginUri) << " ;\n"
-            << "    rdfs:label " << Quoted(preset.title) << " ;\n"
-            << "    rdfs:seeAlso <presets.ttl> .\n";
+    for (const Beginning& preset : Beginnings()) {
+        AddPreset(out, preset);
+        out << "    rdfs:seeAlso <presets.ttl> .\n";
+    }
     return out.str();
 }
 

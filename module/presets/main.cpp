@@ -22,7 +22,6 @@ int main(int count, char** words) {
         if (!file) std::cerr << (folder / title).string() << ".fxp: cannot be written\n";
         written = written && !file.fail();
     };
-    write("Initial", {});
-    for (const StartingPoint& point : StartingPoints()) write(point.Title(), SettingsFor(point.name));
+    for (const Beginning& each : Beginnings()) write(each.title, each.settings);
     return written ? 0 : 1;
 }

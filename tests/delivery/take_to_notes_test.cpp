@@ -1,5 +1,4 @@
 
-
 #include "delivery/rt_recording.h"
 #include "notes/notes.h"
 #include "tests/support/test.h"

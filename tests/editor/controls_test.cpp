@@ -1,4 +1,3 @@
-
 #include "desktop/user_store.h"
 #include "tests/editor/editor_test.h"
 #include "tests/support/devices.h"

@@ -1,8 +1,8 @@
-
 #include "editor/hints.h"
 #include "editor/level_column.h"
 #include "editor/palette.h"
 #include "editor/status_text.h"
+#include "editor/typed_value.h"
 #include "editor/window_look.h"
 #include "editor/window_size.h"
 #include "parameters/starting_points.h"
@@ -195,7 +195,8 @@ TEST_F(Window, SaysWhatTheControlUnderAMouseAtRestDoes) {
     EXPECT_TRUE(host->Await([&] { return text() != bare; }));
     host->MoveTo(50, 310);
     EXPECT_TRUE(host->Await([&] { return text() == bare; }));
-    EXPECT_NE(HintOf(0, paramSensitivity).find("0 to -40 dB"), std::string::npos);
+    EXPECT_FALSE(HintOf(0, paramSensitivity).empty());
+    EXPECT_EQ(TypingRange(paramSensitivity), "Sensitivity: 0 to -40 dB");
 }
 
 // The menu lies at the pointer, with rows of 19 pixels; what a row opens lies to its right.

@@ -58,12 +58,12 @@ TEST(Lv2, ItsPresetsAreTheSettingsToBeginWith) {
                          auto& known = *static_cast<std::map<std::string, LV2_URID>*>(all);
                          return known.emplace(uri, known.size() + 1).first->second;
                      }};
-    for (const StartingPoint& point : StartingPoints()) {
-        LilvNode* const name = lilv_new_uri(world, (pluginUri + ("#preset-" + point.Title())).c_str());
+    for (const Beginning& point : Beginnings()) {
+        LilvNode* const name = lilv_new_uri(world, (pluginUri + ("#preset-" + point.title)).c_str());
         lilv_world_load_resource(world, name);
         LilvState* const state = lilv_state_new_from_world(world, &map, name);
-        ASSERT_NE(state, nullptr) << point.name;
-        EXPECT_EQ(lilv_state_get_label(state), point.Title());
+        ASSERT_NE(state, nullptr) << point.title;
+        EXPECT_EQ(lilv_state_get_label(state), point.title);
         std::map<std::string, float> values, wanted;
         lilv_state_emit_port_values(
             state,
@@ -71,7 +71,7 @@ TEST(Lv2, ItsPresetsAreTheSettingsToBeginWith) {
                 (*static_cast<std::map<std::string, float>*>(to))[symbol] = *static_cast<const float*>(value);
             },
             &values);
-        for (const auto& [index, value] : SettingsFor(point.name)) wanted[ParameterSymbol(index)] = value;
+        for (const auto& [index, value] : point.settings) wanted[ParameterSymbol(index)] = value;
         EXPECT_EQ(values, wanted);
         lilv_state_free(state);
         lilv_node_free(name);

@@ -1,5 +1,4 @@
 
-
 #include "notes/notes.h"
 #include "tests/notes/memory_stream.h"
 #include "tests/support/test.h"

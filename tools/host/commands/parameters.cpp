@@ -77,12 +77,9 @@ void AddParameterOptions(CLI::App& command, ParameterTexts& texts) {
 std::vector<ParameterSetting> ParseParameters(const ParameterTexts& texts, const PluginModule& module,
                                               Ear ear) {
     std::vector<ParameterSetting> settings;
-    const auto isOfClassic = [](const ParameterSetting& setting) {
-        return setting.index < paramFirstBar || setting.value > 0;
-    };
     if (!texts.instrument.empty())
         settings = ParseOption("--for", [&] { return SettingsFor(texts.instrument); });
-    if (ear != Ear::classic) std::erase_if(settings, isOfClassic);
+    if (ear != Ear::classic) settings = ReachOf(std::move(settings));
     if (!texts.preset.empty()) settings = ParseOption("--preset", [&] { return ReadPreset(texts.preset); });
     if (texts.values.empty()) return settings;
     const std::vector<std::string> names = ParameterNames(module);
