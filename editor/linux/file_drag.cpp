@@ -55,7 +55,11 @@ public:
     }
     ~XdndSource() override {
         if (Works() && !dropped) Leave();
-        if (Works()) xcb_flush(connection);
+        // A server that finds a connection closed may pass over what it has not read yet, so it is asked to
+        // answer.
+        if (Works())
+            Owned<xcb_get_input_focus_reply_t>(
+                xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
         xcb_disconnect(connection);
     }
 
