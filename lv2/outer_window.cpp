@@ -13,10 +13,12 @@ struct Freed {
     void operator()(void* memory) const { std::free(memory); }
 };
 
+constexpr std::uint32_t smallestSize = 1U << 4, largestSize = 1U << 5;  // flags
+
 // The size hints of the window manager's conventions: flags, and the fields that they name.
 struct SizeHints {
-    std::uint32_t flags = 1U << 4 | 1U << 5;  // smallest and largest size
-    std::uint32_t placeAndSize[4] = {};       // not used any more
+    std::uint32_t flags = largestSize;
+    std::uint32_t placeAndSize[4] = {};  // not used any more
     std::uint32_t smallest[2] = {};
     std::uint32_t largest[2] = {};
     std::uint32_t rest[9] = {};
@@ -52,10 +54,11 @@ bool OuterWindow::Create(std::uint32_t parent, std::uint16_t width, std::uint16_
     if (error || xcb_connection_has_error(connection) != 0) return false;
     id = wanted;
 
+    isOnItsOwn = parent == 0;
     SetHints(width, height);
     xcb_change_property(connection, XCB_PROP_MODE_REPLACE, id, XCB_ATOM_WM_NAME, XCB_ATOM_STRING, 8,
                         sizeof title - 1, title);
-    if (parent == 0) {
+    if (isOnItsOwn) {
         closing = Atom("WM_DELETE_WINDOW");
         xcb_change_property(connection, XCB_PROP_MODE_REPLACE, id, Atom("WM_PROTOCOLS"), XCB_ATOM_ATOM, 32, 1,
                             &closing);
@@ -67,6 +70,9 @@ bool OuterWindow::Create(std::uint32_t parent, std::uint16_t width, std::uint16_
 
 void OuterWindow::SetHints(std::uint32_t width, std::uint32_t height) {
     SizeHints hints;
+    // A host that embeds the window may keep its place at the first smallest size, and cut off a larger
+    // window.
+    if (isOnItsOwn) hints.flags |= smallestSize;
     hints.smallest[0] = hints.largest[0] = width;
     hints.smallest[1] = hints.largest[1] = height;
     xcb_change_property(connection, XCB_PROP_MODE_REPLACE, id, XCB_ATOM_WM_NORMAL_HINTS,

@@ -31,4 +31,5 @@ private:
     xcb_connection_t* connection;
     std::uint32_t id = 0;
     std::uint32_t closing = 0;  // the window manager's word for it
+    bool isOnItsOwn = true;     // rather than in a host's
 };

@@ -143,6 +143,14 @@ protected:
     }
     // The first slider, as it is drawn.
     std::vector<std::uint8_t> Slider() const { return desktop.Pixels(22, 67, 22, 216); }
+    // The flags of the size hints that a host's toolkit reads.
+    std::uint32_t SizeHints() const {
+        const auto asked = xcb_get_property(desktop.connection, 0, desktop.Children().at(0),
+                                            XCB_ATOM_WM_NORMAL_HINTS, XCB_ATOM_ANY, 0, 1);
+        const XcbReply<xcb_get_property_reply_t> reply(
+            xcb_get_property_reply(desktop.connection, asked, nullptr));
+        return *static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
+    }
     // Moves it by the mouse; the value that the host was sent.
     float MoveSlider(int y) {
         host.written.clear();
@@ -184,6 +192,7 @@ TEST_F(Lv2Window, WhatIsMovedReachesTheHostWhoseOlderValueDoesNotCountUntilItsEc
 TEST_F(Lv2Window, ShowsWhatTheHostSendsWhileNothingRuns) {
     ASSERT_TRUE(Open());
     EXPECT_EQ(host.hostWidth, 400);
+    EXPECT_EQ(SizeHints(), 1U << 5);  // a largest size; a smallest would keep GTK 2 from giving more later
     std::vector<std::uint8_t> before;
     int same = 0;  // times that it looked like that
     Await([&] {
