@@ -11,6 +11,7 @@
 #include "tools/host/audio_file.h"
 #include "tools/host/commands/command.h"
 #include "tools/host/editor_window.h"
+#include "tools/host/end_signal.h"
 #include "tools/host/hosted_plugin.h"
 
 namespace {
@@ -64,13 +65,17 @@ private:
 };
 
 int Edit(const EditOptions& options) {
-    Player player(options);
-    if (options.chords) player.Plugin().SetParameter(paramChordsEnabled, 1.0F);
-    EditorWindow window(player.Plugin(), "ORVA Audio To MIDI", options.scale);
-    window.Run([&] {
-        player.Continue();
-        return true;
-    });
+    CatchEndSignals();  // a window that closes takes the files along that were dragged out of it
+    {
+        Player player(options);
+        if (options.chords) player.Plugin().SetParameter(paramChordsEnabled, 1.0F);
+        EditorWindow window(player.Plugin(), "ORVA Audio To MIDI", options.scale);
+        window.Run([&] {
+            player.Continue();
+            return EndSignal() == 0;
+        });
+    }
+    if (EndSignal() != 0) EndBySignal();
     return exitDone;
 }
 
