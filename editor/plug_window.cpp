@@ -162,9 +162,14 @@ void CPlugWindow::OpenField(std::int32_t index, CPoint where) {
     constexpr CCoord width = 54, height = 18;
     CRect area(where, CPoint(width, height));
     area.offset(-width / 2, -height / 2);
-    const auto ended = [this, index](const std::string& text) {
-        getFrame()->doAfterEventProcessing(
-            [window = shared(this), field = shared(valueField)] { window->removeView(field); });
+    const auto control = shared(getViewAt(where, GetViewOptions().deep().mouseEnabled()));
+    const auto ended = [this, index, control](const std::string& text) {
+        getFrame()->doAfterEventProcessing([window = shared(this), field = shared(valueField), control] {
+            window->removeView(field);
+            CFrame* const frame = window->getFrame();  // arrows go on where the value was typed
+            if (frame != nullptr && frame->getFocusView() == nullptr && control->isAttached())
+                frame->setFocusView(control);
+        });
         valueField = nullptr;
         if (!text.empty()) editor->SetTyped(index, text);
     };
