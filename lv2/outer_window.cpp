@@ -44,8 +44,9 @@ bool OuterWindow::Create(std::uint32_t parent, std::uint16_t width, std::uint16_
     // With the screen's own visual: a host's window may have an alpha channel.
     const xcb_screen_t* screen = xcb_setup_roots_iterator(xcb_get_setup(connection)).data;
     const xcb_window_t wanted = xcb_generate_id(connection);
-    const std::uint32_t mask = XCB_CW_BACK_PIXEL | XCB_CW_BORDER_PIXEL | XCB_CW_EVENT_MASK | XCB_CW_COLORMAP;
-    const std::uint32_t values[] = {screen->white_pixel, screen->black_pixel, XCB_EVENT_MASK_STRUCTURE_NOTIFY,
+    // Without a background, which would show before the editor's own window covers this one.
+    const std::uint32_t mask = XCB_CW_BORDER_PIXEL | XCB_CW_EVENT_MASK | XCB_CW_COLORMAP;
+    const std::uint32_t values[] = {screen->black_pixel, XCB_EVENT_MASK_STRUCTURE_NOTIFY,
                                     screen->default_colormap};
     const auto made = xcb_create_window_checked(
         connection, screen->root_depth, wanted, parent != 0 ? parent : screen->root, 0, 0, width, height, 0,

@@ -7,6 +7,7 @@
 
 #include "editor/linux/display.h"
 #include "editor/linux/holder_window.h"
+#include "editor/look.h"
 #include "vst2/records.h"
 #include "vstgui/lib/cframe.h"
 #include "vstgui/lib/events.h"
@@ -66,8 +67,11 @@ std::unique_ptr<FrameWindow> FrameWindow::Open(VSTGUI::CFrame& frame, void* pare
     const auto window = static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(parent));
     if (window == 0) return nullptr;
     const VSTGUI::CRect& size = frame.getViewSize();
-    auto holder = HolderWindow::Make(DisplayConnection(), window, static_cast<std::uint16_t>(size.getWidth()),
-                                     static_cast<std::uint16_t>(size.getHeight()));
+    const VSTGUI::CColor ground = ColorOf(palette::groundTop);
+    auto holder =
+        HolderWindow::Make(DisplayConnection(), window, static_cast<std::uint16_t>(size.getWidth()),
+                           static_cast<std::uint16_t>(size.getHeight()),
+                           std::uint32_t{ground.red} << 16 | std::uint32_t{ground.green} << 8 | ground.blue);
     if (!holder) return nullptr;
 
     VSTGUI::X11::FrameConfig config;

@@ -41,7 +41,8 @@ bool HasProperty(xcb_connection_t* connection, xcb_window_t window, xcb_atom_t p
 }  // namespace
 
 std::unique_ptr<HolderWindow> HolderWindow::Make(xcb_connection_t* connection, std::uint32_t parent,
-                                                 std::uint16_t width, std::uint16_t height) {
+                                                 std::uint16_t width, std::uint16_t height,
+                                                 std::uint32_t colour) {
     const xcb_screen_t* screen = xcb_setup_roots_iterator(xcb_get_setup(connection)).data;
     const Owned<xcb_get_geometry_reply_t> geometry(
         xcb_get_geometry_reply(connection, xcb_get_geometry(connection, parent), nullptr));
@@ -50,7 +51,7 @@ std::unique_ptr<HolderWindow> HolderWindow::Make(xcb_connection_t* connection, s
     // Border and colour map have to be named where the parent's visual is another one.
     const xcb_window_t id = xcb_generate_id(connection);
     const std::uint32_t mask = XCB_CW_BACK_PIXEL | XCB_CW_BORDER_PIXEL | XCB_CW_COLORMAP;
-    const std::uint32_t values[] = {screen->white_pixel, screen->black_pixel, screen->default_colormap};
+    const std::uint32_t values[] = {colour, screen->black_pixel, screen->default_colormap};
     const auto made =
         xcb_create_window_checked(connection, screen->root_depth, id, parent, 0, 0, width, height, 0,
                                   XCB_WINDOW_CLASS_INPUT_OUTPUT, screen->root_visual, mask, values);

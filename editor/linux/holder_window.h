@@ -12,9 +12,10 @@ struct xcb_connection_t;
 class HolderWindow {
 public:
     // Inside the window `parent`, at its upper left corner; none when there is no such window, or when it is
-    // on a screen that the toolkit does not draw to.
+    // on a screen that the toolkit does not draw to. The colour, 0xRRGGBB, shows until the toolkit has drawn.
     static std::unique_ptr<HolderWindow> Make(xcb_connection_t* connection, std::uint32_t parent,
-                                              std::uint16_t width, std::uint16_t height);
+                                              std::uint16_t width, std::uint16_t height,
+                                              std::uint32_t colour);
     ~HolderWindow();  // its windows are gone from the display, if the host's did not take them along already
     HolderWindow(const HolderWindow&) = delete;
     HolderWindow& operator=(const HolderWindow&) = delete;
