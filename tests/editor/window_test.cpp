@@ -212,7 +212,9 @@ protected:
     void OpenMenu() {  // and what its first row opens
         host->RightClick(150, 40);
         host->Settle();
-        for (const int x : {170, 285}) host->MoveTo(x, 50), host->Settle();
+        Click({170, 50});  // as habit has it, though the pointer alone opens it
+        host->MoveTo(285, 50);
+        host->Settle();
     }
 
     TempFolder folder;
