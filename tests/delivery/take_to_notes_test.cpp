@@ -60,6 +60,9 @@ TEST(TakeToNotes, PitchIsTheNoteLess24AndLevelFollowsTheVelocity) {
     for (const auto& row : rows)
         EXPECT_EQ(Notes({On(1, row.note, row.velocity), Off(2, row.note)}),
                   (Score{N(1, 2, row.pitch, row.level)}));
+    // Layers divide the velocities up to the take's highest: 4 - 4 * velocity / (100 + 1), cut down.
+    EXPECT_EQ(Notes({On(1, 69), Off(2, 69), On(3, 69, 1), Off(4, 69)}, 4),
+              (Score{N(1, 2), N(3, 4, 45, -2911, 0, 4)}));
 }
 
 TEST(TakeToNotes, ANoteHasTheProgramOfItsChannelAtItsBegin) {

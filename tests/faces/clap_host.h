@@ -102,7 +102,7 @@ public:
     }
 
     const clap_plugin_t* plugin = nullptr;
-    bool hasTimers = true, isMainThread = true;
+    bool hasTimers = true, takesDescriptors = true, isMainThread = true;
     std::vector<clap_event_param_value_t> changed;  // in the window
     clap_id timer = CLAP_INVALID_ID;
     int descriptor = -1;
@@ -128,7 +128,9 @@ private:
             },
             [](const clap_host_t* self, clap_id) { return Of(self).timer = CLAP_INVALID_ID, true; }};
         static const clap_host_posix_fd_support_t descriptors = {
-            [](const clap_host_t* self, int made, std::uint32_t) { return Of(self).descriptor = made, true; },
+            [](const clap_host_t* self, int made, std::uint32_t) {
+                return Of(self).takesDescriptors && (Of(self).descriptor = made) >= 0;
+            },
             nullptr, [](const clap_host_t* self, int) { return Of(self).descriptor = -1, true; }};
         static const clap_host_thread_check_t threads = {
             [](const clap_host_t* self) { return Of(self).isMainThread; }, nullptr};

@@ -49,7 +49,10 @@ TEST(Clap, RefusesCallsInAnOrderOrOnAThreadThatTheInterfaceForbids) {
     host.isMainThread = false;
     EXPECT_FALSE(host.OpenWindow(desktop.parent));
     host.isMainThread = true;
-    host.hasTimers = false;  // a descriptor is polled in their place
+    host.hasTimers = host.takesDescriptors = false;
+    EXPECT_FALSE(host.OpenWindow(desktop.parent));  // it would stand still
+    host.CloseWindow();
+    host.takesDescriptors = true;  // one is polled in their place
     ASSERT_TRUE(host.OpenWindow(desktop.parent));
     EXPECT_FALSE(host.OpenWindow(desktop.parent));
     EXPECT_GE(host.descriptor, 0);

@@ -55,6 +55,10 @@ TEST(Vst3, AHostThatInsistsGetsTheAudioOnTwoChannelsOfSinglesOrDoubles) {
     EXPECT_EQ(host.processor->process(block), kResultOk);
     for (int i = 0; i < 3; ++i) EXPECT_TRUE(left[i] == in[i] && right[i] == in[i]);
     EXPECT_EQ(to.silenceFlags, 0U);
+    from.numChannels = to.numChannels = 0;
+    left[0] = 7;
+    EXPECT_EQ(host.processor->process(block), kResultOk);
+    EXPECT_EQ(left[0], 7);  // a bus of no channels has none to write
 }
 
 }  // namespace

@@ -104,6 +104,8 @@ TEST(Vocabulary, WordsStayAsUsersKnowThem) {
     EXPECT_STREQ(IntervalQualities[0], "double dimished");
     EXPECT_STREQ(InstrumentNames[75], "75 Pan Flute ");
     EXPECT_STREQ(ChordSuffixes[30], "This name doesn't exist");
+    EXPECT_EQ(addClass(1, -2), 11);
+    EXPECT_EQ(addStep(1, -2), 6);
 }
 
 }  // namespace
