@@ -95,6 +95,7 @@ TEST_F(Program, ReportsWhatCannotBeDoneAndRefusesWrongUsageInOneLine) {
     } rows[] = {
         {1, {"render", good, "--plugin", folder / "text.so"}, "text.so: "},
         {1, {"render", folder / "two\nlines\x1B[2J.wav"}, "lines"},
+        {1, {"render", "--list", good}, "one/a.wav: is sound"},
         {1, {"shot", "main", folder / "main.png"}, "there is no X display"},
         {2, {"rendr", good}, "the nearest is render"},
         {2, {"render", good, "--tempo", "nan"}, "not a number from 10 to 1000"},
@@ -109,6 +110,16 @@ TEST_F(Program, ReportsWhatCannotBeDoneAndRefusesWrongUsageInOneLine) {
     }
     EXPECT_EQ(folder.Files(), before);  // nothing has been written
     ExpectOneLine(RunHost({"render", folder / "silence.wav"}), "nothing but silence");
+}
+
+TEST_F(Program, ShowsWhatThePlugInReportsOfItself) {
+    const std::string shown = RunHost({"info", "--plugin", ORVA_MODULE}).out;
+    for (const std::string line :
+         {"version       1, the vendor's 5632", "interface     VST 2.4", "channels      1 in, 1 out",
+          "flags         has a window, replacing process, double precision", "can do        sendVstMidiEvent",
+          "file          " ORVA_MODULE,
+          "     95  Send Program Change     Send Program Change         0  false                   no"})
+        EXPECT_TRUE(Contains(shown, '\n' + line + '\n')) << line;
 }
 
 TEST_F(Program, PassesItsSettingsOnToThePlugIn) {
