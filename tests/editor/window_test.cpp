@@ -1,4 +1,5 @@
 #include "editor/hints.h"
+#include "editor/idle_clock.h"
 #include "editor/level_column.h"
 #include "editor/palette.h"
 #include "editor/status_text.h"
@@ -78,6 +79,15 @@ TEST_F(Window, OfEachInstanceShowsItsOwn) {
     host->Call(effEditClose);
     other.plugin.setParameter(0, 0.87F);
     EXPECT_EQ(itsPage(), before);
+}
+
+TEST(BlockWatch, ReportsAHostThatHasGivenNoBlockForHalfASecond) {
+    BlockWatch watch;
+    constexpr std::uint32_t begin = 0xFFFFFF00;  // ms, which wrap
+    watch.Restart(0, begin);
+    EXPECT_FALSE(watch.HasStopped(441, begin + 400) || watch.HasStopped(441, begin + 899));
+    EXPECT_TRUE(watch.HasStopped(441, begin + 900));
+    EXPECT_FALSE(watch.HasStopped(882, begin + 901));
 }
 
 // Between two notes nothing is heard, so a column differs from the one before by the running average alone,
