@@ -1,6 +1,5 @@
 #include "desktop/user_store.h"
 #include "tests/editor/editor_test.h"
-#include "tests/support/devices.h"
 #include "tests/support/temp_folder.h"
 
 namespace {
@@ -12,11 +11,6 @@ constexpr Place registerButton = {45, 291};
 
 class Controls : public EditorTest {
 protected:
-    Controls() { SubstituteMidiOut(&devices); }
-    ~Controls() override {
-        host.reset();  // gives its device back
-        SubstituteMidiOut(nullptr);
-    }
     // The last value of each parameter that the host was sent since the last look.
     Values Reported() {
         Values values;
@@ -24,7 +18,6 @@ protected:
         host->automated.clear();
         return values;
     }
-    FakeDevices devices;
 };
 
 Values Bars(int first, int last, int pixels, int slope = 0) {  // of 203

@@ -1,5 +1,6 @@
 #pragma once
 #include "tests/editor/editor_host.h"
+#include "tests/support/devices.h"
 #include "tests/support/music.h"
 
 // Where things are in the window, in its pixels. Pages begin 38 below its upper edge.
@@ -15,7 +16,14 @@ protected:
     static void SetUpTestSuite() { server = std::make_unique<DisplayServer>(); }
     static void TearDownTestSuite() { server.reset(); }
 
-    EditorTest() : host(std::make_unique<EditorHost>()) {}
+    EditorTest() {
+        SubstituteMidiOut(&devices);
+        host = std::make_unique<EditorHost>();
+    }
+    ~EditorTest() override {
+        host.reset();  // gives its device back
+        SubstituteMidiOut(nullptr);
+    }
 
     // Opens at one of the pages, as the parameter numbers them.
     void Open(float page = 2) {
@@ -55,6 +63,7 @@ protected:
     }
 
     static inline std::unique_ptr<DisplayServer> server;
+    FakeDevices devices;
     std::unique_ptr<EditorHost> host;
     std::uint32_t ground = 0;  // a pixel of the bare window
 
