@@ -134,17 +134,11 @@ TEST(TakeOutput, TextsAreAsDocumented) {
 }
 
 TEST(TakeOutput, ChordsAreNamedWhereTheyChange) {
-    const Take take = Score({4, 2}, 0, 0,
-                            {{48, 0, 2000},
-                             {60, 0, 2000},
-                             {64, 0, 2000},
-                             {67, 0, 2000},
-                             {45, 2000, 3000},
-                             {57, 2000, 3000},
-                             {60, 2000, 3000},
-                             {64, 2000, 3000}});
+    std::vector<std::array<int, 3>> notes;
+    for (const int pitch : {48, 60, 64, 67}) notes.push_back({pitch, 0, 2000});
+    for (const int pitch : {45, 57, 60, 64}) notes.push_back({pitch, 2000, 3000});
     std::string line;
-    for (const ChordChange& change : ChordLine(take))
+    for (const ChordChange& change : ChordLine(Score({4, 2}, 0, 0, notes)))
         line += std::to_string(change.time).substr(0, 3) + " " + change.name + "; ";
     EXPECT_EQ(line, "0.1 C; 2.0 Am; 3.0 ; ");  // ten looks a second, the first after a tenth
 }

@@ -134,6 +134,14 @@ TEST_F(Program, PassesItsSettingsOnToThePlugIn) {
     EXPECT_TRUE(Contains(NotesOf(low, {"--preset", ORVA_PRESETS "/Voice.fxp"}).dump(), C3));
     ExpectOneLine(RunHost({"render", low, "--preset", low}), "not a preset of this plug-in");
 
+    // 46 dB down it lies below the floor of -35 dB; brought nearer to full level it is heard.
+    const std::string faint = folder / "faint.wav";
+    Audio soft = HeldNote(middleC, 44100, 0.3, 1.0, 1.3);
+    for (float& sample : soft) sample /= 200;
+    WriteAudio(faint, soft, 44100);
+    EXPECT_TRUE(NotesOf(faint, {"--ear", "classic"}).empty());
+    EXPECT_EQ(NotesOf(faint, {"--ear", "classic", "--level", "auto"}).at(0)["name"], "C4");
+
     // Amplitude 1/4 is power 1/16, whose fourth root is 1/2: the softer note has half the velocity.
     const Audio loud = HeldNote(middleC, 44100, 0.3, 0.8, 1.5);
     Audio both = loud, right;  // right: its left channel is silent

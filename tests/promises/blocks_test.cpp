@@ -76,17 +76,10 @@ TEST(Blocks, NoSignalSticks) {
         for (std::size_t i = 0; i < audio.size(); ++i) {
             const float sign = i % 2 == 0 ? 1.0F : -1.0F, square = i / 54 % 2 == 0 ? 1.0F : -1.0F;
             const float small = Limits::min() * static_cast<float>(trial.Within(-1, 1));
-            const float signals[] = {Limits::quiet_NaN(),
-                                     Limits::infinity(),
-                                     Limits::lowest(),
-                                     1e10F,
-                                     1.0923F,  // wraps
-                                     sign * 1.0923F,
-                                     Limits::denorm_min(),
-                                     small,
-                                     1,
-                                     sign,
-                                     square};
+            constexpr float nan = Limits::quiet_NaN(), infinite = Limits::infinity(),
+                            least = Limits::lowest(), tiny = Limits::denorm_min(), wraps = 1.0923F;
+            const float signals[] = {nan,  infinite, least, 1e10F, wraps, sign * wraps,
+                                     tiny, small,    1,     sign,  square};
             audio[i] = signals[trial.number];
         }
         ASSERT_TRUE(host.Play(audio));
