@@ -6,14 +6,12 @@
 namespace {
 
 using Lines = FakeDevices::Calls;
-using DeviceList = DeviceTest;
 
-TEST_F(DeviceList, AMapperStandsInFrontOfTheDevicesUpToVersion61) {
+TEST(DeviceList, AMapperStandsInFrontOfTheDevicesUpToVersion61) {
     for (const SystemVersion version : {SystemVersion{6, 1}, {6, 2}, {10, 0}}) {
         const bool mapper = version.major == 6 && version.minor == 1;
-        FakeDevices other;
+        InstalledDevices other;
         other.version = version;
-        SubstituteMidiOut(&other);
         EXPECT_EQ(MidiOutDeviceCount(), mapper ? 4U : 3U);
         EXPECT_EQ(MidiOutDeviceName(0), mapper ? "MIDI Mapper" : "one");
         EXPECT_EQ(FindMidiOutDevice("three"), mapper ? 3U : 2U);
@@ -22,7 +20,6 @@ TEST_F(DeviceList, AMapperStandsInFrontOfTheDevicesUpToVersion61) {
         EXPECT_EQ(MidiOutErrorText(2), mapper ? "code 6" : "code 2");
         EXPECT_EQ(MidiOutErrorText(4), "code 4");
     }
-    SubstituteMidiOut(&layer);
 }
 
 using Ports = DeviceTest;

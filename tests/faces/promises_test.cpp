@@ -157,9 +157,8 @@ TEST_P(LaterFaces, KeepObjectAndEqualizerAtAnotherRate) {
 }
 
 TEST_P(LaterFaces, KeepTheRequestForADeviceThatIsNotAvailableButForWhatTheWindowShows) {
-    FakeDevices layer;
+    InstalledDevices layer;
     Messages messages;
-    SubstituteMidiOut(&layer);
     layer.refusedOpens[0] = MMSYSERR_ALLOCATED;
     std::atomic<bool> requested{false};
     layer.during = [&](const std::string&) { requested = true; };
@@ -179,7 +178,6 @@ TEST_P(LaterFaces, KeepTheRequestForADeviceThatIsNotAvailableButForWhatTheWindow
         EXPECT_TRUE(AwaitThat([&] { return face->IdleWindow(), face->Get(paramDeviceEnabled) == 0.0F; }));
         face->CloseWindow();
     }
-    SubstituteMidiOut(nullptr);
 }
 
 TEST_P(Faces, OpenTheirWindowAgainAndAgain) {

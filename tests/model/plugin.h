@@ -39,8 +39,8 @@ public:
     }
     ModelPlugin(const ModelPlugin&) = delete;
     ModelPlugin& operator=(const ModelPlugin&) = delete;
-    void Close() {                                 // the end of the plug-in
-        if (deviceOut) devices.Close(devicePort);  // its notes are the table's to end
+    void Close() {                               // the end of the plug-in
+        if (deviceOut) ports.Close(devicePort);  // its notes are the table's to end
     }
 
     // ---- what the host asks ----
@@ -142,7 +142,7 @@ public:
 
     std::vector<ModelHostCall> calls;  // in their order; what only asks is left out
     std::vector<std::string> boxes;    // caption and text of each message to the user
-    ModelPorts devices;
+    ModelPorts ports;
 
     struct Handler : INoteHandler {
         explicit Handler(ModelRecorder& notified) : recorder(notified) {}
@@ -191,14 +191,14 @@ private:
     }
     bool OpenDevice(float value) {
         std::uint32_t port = 0;
-        const auto code = devices.Open(port, static_cast<std::uint32_t>(TruncateToInt32(value * 100)));
+        const auto code = ports.Open(port, static_cast<std::uint32_t>(TruncateToInt32(value * 100)));
         if (code != 0) {
             boxes.push_back("Error opening MIDI device. It may be already opened by the host.: code " +
                             std::to_string(code));
             return false;
         }
         devicePort = port;
-        deviceOut = std::make_unique<ModelDeviceOut>(devices, port);
+        deviceOut = std::make_unique<ModelDeviceOut>(ports, port);
         values[88] = value;
         recorder.AddOutput(*deviceOut);
         deviceOut->Start();
@@ -211,7 +211,7 @@ private:
         if (!deviceOut) return;
         deviceOut->Stop();
         recorder.RemoveOutput(*deviceOut);
-        devices.Close(devicePort);
+        ports.Close(devicePort);
         deviceOut.reset();
         values[89] = 0;
     }

@@ -16,7 +16,6 @@ public:
     SideBySide(Trial& caseTrial, const ModelHostKind& hostKind)
         : model(hostKind), trial(caseTrial), kind(hostKind) {
         unsetenv("DISPLAY");  // NOLINT(concurrency-mt-unsafe): no window here, and one thread
-        SubstituteMidiOut(&devices);
         host.answers = [this](const Host::Request& request, std::intptr_t& answer) {
             return Answer(request, answer);
         };
@@ -29,7 +28,6 @@ public:
         model.Close();
         CompareSaid("closing");
         trial.Require(devices.OpenCount() == 0, "a device was left open");
-        SubstituteMidiOut(nullptr);
     }
     SideBySide(const SideBySide&) = delete;
     SideBySide& operator=(const SideBySide&) = delete;
@@ -119,7 +117,7 @@ public:
         Recorders([](auto& recorder) { recorder.OnFrame(); });
     }
     void RefuseOpens(std::uint32_t device, std::uint32_t code) {  // 0: opens again
-        for (auto* const refused : {&devices.refusedOpens, &model.devices.refusedOpens}) {
+        for (auto* const refused : {&devices.refusedOpens, &model.ports.devices.refusedOpens}) {
             refused->erase(device);
             if (code != 0) (*refused)[device] = code;
         }
@@ -180,9 +178,9 @@ private:
         Same(calls, model.calls, "said to the host after " + after);
         std::vector<std::string> lines = devices.Taken();
         std::erase(lines, "read");
-        Same(lines, model.devices.lines, "said to devices after " + after);
+        Same(lines, model.ports.devices.Taken(), "said to devices after " + after);
         Same(messages.shown, model.boxes, "messages after " + after);
-        calls.clear(), model.calls.clear(), model.devices.lines.clear();
+        calls.clear(), model.calls.clear();
         messages.shown.clear(), model.boxes.clear();
     }
     bool Answer(const Host::Request& request, std::intptr_t& answer) {
@@ -225,7 +223,7 @@ private:
 
     Trial& trial;
     const ModelHostKind kind;
-    FakeDevices devices;
+    InstalledDevices devices;
     Messages messages;
     std::vector<ModelHostCall> calls;
 };

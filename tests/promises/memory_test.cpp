@@ -46,9 +46,8 @@ TEST(Faults, AHostOrDeviceThatThrowsOrAnswersNonsenseAtAnyCallEndsNothing) {
     RunTrials({200, 20}, [](Trial& trial) {
         const TempFolder folder;
         const Audio music = RandomMusic(trial.random, 44100, 1);
-        FakeDevices devices;
+        InstalledDevices devices;
         Messages messages;
-        SubstituteMidiOut(&devices);
         std::uint64_t left = trial.Below(60);  // calls that go well
         const bool lies = trial.OneIn(2);      // from then on; else one call throws
         devices.during = [&](const std::string&) {
@@ -66,8 +65,6 @@ TEST(Faults, AHostOrDeviceThatThrowsOrAnswersNonsenseAtAnyCallEndsNothing) {
         host.answers = nullptr, devices.during = nullptr;
         if (host.effect == nullptr) return;
         EXPECT_TRUE(host.Play(music));
-        host.Close();
-        SubstituteMidiOut(nullptr);
     });
 }
 
@@ -79,10 +76,9 @@ std::int64_t BlocksKept(const Trial& trial, std::uint64_t number, bool andAllTha
     const std::string file = folder / "take";
     const std::int64_t before = Allocations::Live();
     for (const bool disturbed : {number > 0, false}) {
-        FakeDevices devices;
+        InstalledDevices devices;
         Messages messages;
         devices.keepsLines = messages.keepsTexts = false;
-        SubstituteMidiOut(&devices);
         {
             Host host(48000);
             host.keepsEvents = false;
@@ -102,7 +98,6 @@ std::int64_t BlocksKept(const Trial& trial, std::uint64_t number, bool andAllTha
             if (host.effect != nullptr)
                 std::thread([&] { host.Play(music, 4096), host.Set(paramVelocity, 0.5F); }).join();
         }
-        SubstituteMidiOut(nullptr);
         trial.Require(devices.OpenCount() == 0, "a device was left open");
     }
     return Allocations::Live() - before;
@@ -127,9 +122,8 @@ TEST(Memory, WhicheverAllocationFailsThePlugInWorksOnAndNothingIsLost) {
 // At length 25 hours, which pass 2^32 samples.
 TEST(Memory, HoursOfAudioLeaveMemoryAndEventsAsTheyWere) {
     RunTrials({1, 1, 3600, true}, [](Trial& trial) {
-        FakeDevices devices;
+        InstalledDevices devices;
         devices.keepsLines = false;
-        SubstituteMidiOut(&devices);
         Host host(48000);
         ASSERT_TRUE(host.Open(OpenPlugin));
         for (const auto output : {paramDeviceEnabled, paramChordsEnabled}) host.Set(output, 1);
@@ -147,8 +141,6 @@ TEST(Memory, HoursOfAudioLeaveMemoryAndEventsAsTheyWere) {
             ASSERT_EQ(events, first) << "minute " << minute;
         }
         EXPECT_GT(first.size(), 100U);
-        host.Close();
-        SubstituteMidiOut(nullptr);
     });
 }
 

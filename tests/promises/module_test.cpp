@@ -109,7 +109,7 @@ TEST(Module, ManyLivesLeaveTheProcessAsItWas) {
 extern "C" void __lsan_disable() __attribute__((weak));
 
 // Here, so that whoever looks for leaks finds them.
-FakeDevices* guestDevices = nullptr;
+InstalledDevices* guestDevices = nullptr;
 void* module = nullptr;
 Host* guest = nullptr;
 
@@ -126,9 +126,8 @@ void Enter(const std::string& state) {
     guest->Call(effOpen);
     guest->Call(effMainsChanged, 0, 1);
     if (module == nullptr) {
-        guestDevices = new FakeDevices;
+        guestDevices = new InstalledDevices;
         guestDevices->during = [](const std::string& line) { std::fprintf(stderr, "%s\n", line.c_str()); };
-        SubstituteMidiOut(guestDevices);
         guest->Set(89, 1);
         guest->Play(Tones({57, 64}, 0.2));
     }

@@ -22,18 +22,11 @@ class Player {
 public:
     Player() : host(48000) {
         devices.keepsLines = messages.keepsTexts = false;
-        SubstituteMidiOut(&devices);
         if (!host.Open(OpenPlugin)) std::abort();
         host.Call(effOpen);
         AllOutputsOn();
         object().startRecording();
     }
-    ~Player() {
-        host.Close();
-        SubstituteMidiOut(nullptr);
-    }
-    Player(const Player&) = delete;
-    Player& operator=(const Player&) = delete;
 
     void AllOutputsOn() const {
         host.Set(paramPolyphony, 0.87F), host.Set(paramSensitivity, 0.875F);
@@ -53,7 +46,7 @@ public:
         host.inProcess = Inside::Mark;
     }
 
-    FakeDevices devices;
+    InstalledDevices devices;
     Messages messages;
     Host host;
 };

@@ -179,11 +179,10 @@ TEST(Walk, PortsOpenedUsedAndClosedInAnyOrderReachDevicesAsTheModelSays) {
             return static_cast<std::uint32_t>(trial.Below(count));
         };
         using Codes = std::map<std::uint32_t, std::uint32_t>;
-        FakeDevices devices;
+        InstalledDevices devices;
         ModelPorts model;
         model.mapper = trial.OneIn(4);
         if (model.mapper) devices.version = {6, 1};
-        SubstituteMidiOut(&devices);
         MidiPortTable table;
         std::uint32_t highest = 0;
         for (int i = 0; i < 5000 && !testing::Test::HasFailure(); ++i) {
@@ -194,16 +193,18 @@ TEST(Walk, PortsOpenedUsedAndClosedInAnyOrderReachDevicesAsTheModelSays) {
             const bool passes = trial.OneIn(2);
             switch (small(16)) {
                 case 0:
-                    devices.refusedOpens = model.refusedOpens = passes ? Codes() : Codes{{device, 4}};
+                    devices.refusedOpens = passes ? Codes() : Codes{{device, 4}};
+                    model.devices.refusedOpens = devices.refusedOpens;
                     break;
                 case 1:
-                    devices.refusedMessages = model.refusedMessages = passes ? Codes() : Codes{{message, 1}};
+                    devices.refusedMessages = passes ? Codes() : Codes{{message, 1}};
+                    model.devices.refusedMessages = devices.refusedMessages;
                     break;
                 case 2: table.SilencePort(port), model.Silence(port); break;
                 case 3: table.ResetPort(port), model.Reset(port); break;
                 case 4: {
                     const std::uint8_t bytes[] = {0xF0, 0xF7};
-                    ASSERT_EQ(table.SendLong(port, {bytes, 2}), model.SendLong(port, 2));
+                    ASSERT_EQ(table.SendLong(port, {bytes, 2}), model.SendLong(port, {bytes, 2}));
                     break;
                 }
                 case 5: {
@@ -220,10 +221,9 @@ TEST(Walk, PortsOpenedUsedAndClosedInAnyOrderReachDevicesAsTheModelSays) {
             ASSERT_EQ(table.IsPortValid(port), model.IsValid(port));
             std::vector<std::string> lines = devices.Taken();
             std::erase(lines, "read");
-            ASSERT_EQ(lines, std::exchange(model.lines, {}));
+            ASSERT_EQ(lines, model.devices.Taken());
         }
         EXPECT_EQ(devices.OpenCount() + devices.faults, 0);
-        SubstituteMidiOut(nullptr);
     });
 }
 

@@ -60,10 +60,10 @@ public:
         return MMSYSERR_NOERROR;
     }
     std::uint32_t midiOutGetErrorTextW(std::uint32_t code, MidiOutErrorTextW& text) override {
-        errorText(code).copy(text.text, MidiOutErrorTextW::units);
+        (u"code " + WideText(std::to_string(code), 10)).copy(text.text, MidiOutErrorTextW::units);
         return MMSYSERR_NOERROR;
     }
-    SystemVersion GetVersionExA() override { return ++versionsAsked, version; }
+    SystemVersion GetVersionExA() override { return version; }
     void ReadDevices() override {
         if (keepsLines) Note("read");
     }
@@ -80,14 +80,10 @@ public:
     std::vector<std::u16string> names = {u"one", u"two", u"three"};  // 15 at most
     std::map<std::uint32_t, std::uint32_t> refusedOpens;             // device id to code
     std::map<std::uint32_t, std::uint32_t> refusedMessages;          // message to code
-    std::function<std::u16string(std::uint32_t)> errorText = [](std::uint32_t code) {
-        return u"code " + WideText(std::to_string(code), 10);
-    };
-    std::function<void(const std::string&)> during;  // inside each call that is written down
+    std::function<void(const std::string&)> during;                  // inside each call that is written down
     void (*judge)(std::uint32_t message) = nullptr;
     bool keepsLines = true;
     SystemVersion version = {6, 2};
-    std::atomic<int> versionsAsked{0};
     std::atomic<long> opened{0}, closed{0}, sent{0};
     std::atomic<long> faults{0};  // opened twice, or closed when not open
     std::atomic<long> stale{0};   // sent to a device that was not open
@@ -104,13 +100,15 @@ private:
     Calls calls;
 };
 
-// The process uses the double in the place of its devices, and all is given back at the end of a test.
+// In the place of the process's own for as long as it lives.
+class InstalledDevices : public FakeDevices {
+public:
+    InstalledDevices() { SubstituteMidiOut(this); }
+    ~InstalledDevices() override { SubstituteMidiOut(nullptr); }
+};
+
 class DeviceTest : public testing::Test {
 protected:
-    DeviceTest() { SubstituteMidiOut(&layer); }
-    ~DeviceTest() override {
-        EXPECT_EQ(layer.OpenCount(), 0) << "a device was left open";
-        SubstituteMidiOut(nullptr);
-    }
-    FakeDevices layer;
+    ~DeviceTest() override { EXPECT_EQ(layer.OpenCount(), 0) << "a device was left open"; }
+    InstalledDevices layer;
 };

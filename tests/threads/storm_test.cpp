@@ -29,9 +29,8 @@ Random RandomOf(Trial& trial) {
 // end.
 FakeDevices& Devices() {
     static FakeDevices& devices = *[] {
-        auto* const made = new FakeDevices;
+        auto* const made = new InstalledDevices;
         made->keepsLines = false;
-        SubstituteMidiOut(made);
         (new Messages)->keepsTexts = false;
         return made;
     }();

@@ -13,9 +13,8 @@ int main(int count, char** words) {
     constexpr int rate = 48000;
     constexpr std::size_t block = 64;
     const std::size_t blocks = count > 1 ? static_cast<std::size_t>(std::atoll(words[1])) : 0;
-    FakeDevices devices;
+    InstalledDevices devices;
     devices.keepsLines = false;
-    SubstituteMidiOut(&devices);
     Host host(rate);
     host.keepsEvents = false;
     if (!host.Open(OpenPlugin) || blocks == 0) return 1;
@@ -38,7 +37,5 @@ int main(int count, char** words) {
         CALLGRIND_DUMP_STATS;
     }
     CALLGRIND_STOP_INSTRUMENTATION;
-    host.Close();
-    SubstituteMidiOut(nullptr);
     return 0;
 }
