@@ -5,8 +5,6 @@
 
 namespace {
 
-using Lines = FakeDevices::Calls;
-
 TEST(DeviceList, AMapperStandsInFrontOfTheDevicesUpToVersion61) {
     for (const SystemVersion version : {SystemVersion{6, 1}, {6, 2}, {10, 0}}) {
         const bool mapper = version.major == 6 && version.minor == 1;

@@ -83,7 +83,7 @@ public:
     void PlayFrames(std::int32_t frames, bool output = false) {
         std::vector<float> out(output && frames > 0 ? static_cast<std::size_t>(frames) : 0, 1);
         if (output)
-            host.Process(Way::replacing, nullptr, out.empty() ? nullptr : out.data(), frames);
+            host.Process<float>(Way::replacing, nullptr, out.empty() ? nullptr : out.data(), frames);
         else
             host.effect->processReplacing(host.effect, nullptr, nullptr, frames);
         model.Process<float>(nullptr, frames);

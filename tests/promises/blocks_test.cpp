@@ -8,13 +8,6 @@
 
 namespace {
 
-void Pass(Host& host, Way way, float* in, float* out, std::int32_t frames) {
-    host.Process(way, in, out, frames);
-}
-void Pass(Host& host, Way, double* in, double* out, std::int32_t frames) {
-    host.Process(in, out, frames);
-}
-
 // Input and output at any bytes of one buffer, apart, askew or one over the other. What is added are small
 // numbers, since a sum of two NaNs may keep the payload of either.
 template <typename Sample>
@@ -37,8 +30,8 @@ void PlayAnywhere(Trial& trial, Way way) {
     }
     Host host;
     ASSERT_TRUE(host.Open(OpenPlugin));
-    Pass(host, way, reinterpret_cast<Sample*>(&memory[moat + in]),
-         reinterpret_cast<Sample*>(&memory[moat + out]), static_cast<std::int32_t>(frames));
+    host.Process(way, reinterpret_cast<Sample*>(&memory[moat + in]),
+                 reinterpret_cast<Sample*>(&memory[moat + out]), static_cast<std::int32_t>(frames));
     ASSERT_TRUE(memory == expected) << frames << " frames, input at " << in << ", output at " << out;
 }
 

@@ -7,11 +7,11 @@
 enum class Way { accumulating, replacing, doubleReplacing };
 constexpr Way ways[] = {Way::accumulating, Way::replacing, Way::doubleReplacing};
 
-// A host with one instance of the plug-in: it counts what it is asked, keeps the events that it is sent, and
-// answers as its fields say. As many as are needed live side by side.
+// A host with one instance of the plug-in: it keeps the events that it is sent, and answers as its fields
+// say. As many as are needed live side by side.
 //
 // Threads: calls into the plug-in from any, as it allows; what is kept has no lock, so a test in which two
-// threads call clears `keepsEvents` and reads the counts alone.
+// threads call clears `keepsEvents`.
 class Host {
 public:
     struct Event {
@@ -65,32 +65,36 @@ public:
     }
 
     // One block by the pointers to the samples, in one of the three ways; either may be null.
-    void Process(Way way, float* in, float* out, std::int32_t frames) {
-        Process(way == Way::accumulating ? effect->process : effect->processReplacing, in, out, frames);
-    }
-    void Process(double* in, double* out, std::int32_t frames) {
-        Process(effect->processDoubleReplacing, in, out, frames);
+    template <typename Sample>
+    void Process(Way way, Sample* in, Sample* out, std::int32_t frames) {
+        processing = true;
+        Enter(true);
+        if constexpr (std::is_same_v<Sample, double>)
+            effect->processDoubleReplacing(effect, &in, &out, frames);
+        else
+            (way == Way::accumulating ? effect->process : effect->processReplacing)(effect, &in, &out,
+                                                                                    frames);
+        Enter(false);
+        processing = false;
+        clock = clock + std::max(frames, 0);
     }
     // Audio in blocks of `block` samples. False unless what comes out is what went in. In place, what comes
     // out is not looked at.
     bool Play(const std::vector<float>& audio, std::size_t block = 512, Way way = Way::replacing,
               bool inPlace = false) {
-        const auto play = [&](auto in, auto call) {
+        const auto play = [&](auto in) {
             auto out = in;
             std::fill(out.begin(), out.end(), 0);
             const auto before = in;
             for (std::size_t at = 0; at < in.size(); at += block)
-                call(&in[at], inPlace ? &in[at] : &out[at],
-                     static_cast<std::int32_t>(std::min(block, in.size() - at)));
+                Process(way, &in[at], inPlace ? &in[at] : &out[at],
+                        static_cast<std::int32_t>(std::min(block, in.size() - at)));
             // What is added to 0 may lose the sign of a zero.
             return inPlace || (way == Way::accumulating && out == before) ||
                    std::memcmp(out.data(), before.data(), before.size() * sizeof before[0]) == 0;
         };
-        if (way == Way::doubleReplacing)
-            return play(std::vector<double>(audio.begin(), audio.end()),
-                        [&](double* in, double* out, std::int32_t frames) { Process(in, out, frames); });
-        return play(audio,
-                    [&](float* in, float* out, std::int32_t frames) { Process(way, in, out, frames); });
+        return way == Way::doubleReplacing ? play(std::vector<double>(audio.begin(), audio.end()))
+                                           : play(audio);
     }
 
     // The plug-in object, where the entry was linked code.
@@ -99,7 +103,6 @@ public:
         return dynamic_cast<T&>(*static_cast<AudioEffect*>(effect->object));
     }
 
-    int Count(std::int32_t opcode) const { return asked[static_cast<std::size_t>(opcode)]; }
     std::vector<Event> TakenEvents() {
         std::vector<Event> taken = std::exchange(events, {});
         events.reserve(4096);
@@ -135,32 +138,23 @@ public:
 
     // How it answers.
     std::intptr_t version = 2400, sampleRate;
-    const char* vendor = "Maker";   // null: the host fills in nothing
-    const char* product = nullptr;  // likewise
+    const char* product = nullptr;  // null: the host fills in nothing
     bool keepsEvents = true;
     // In the place of all of this, if it is set and returns true.
     std::function<bool(const Request&, std::intptr_t& answer)> answers;
     void (*atCall)() = nullptr;  // at the begin of each call to it
-    void (*inProcess)(bool in) =
-        nullptr;  // a process call begins or the host returns to it; ends or leaves it
+    // A process call begins or the host returns to it; ends or leaves it.
+    void (*inProcess)(bool in) = nullptr;
 
     // What it saw.
-    std::array<std::atomic<int>, 64> asked{};
-    std::atomic<int> calls{0};
     std::vector<Event> events;
-    Request last{};
     Relaxed<std::int64_t> clock = 0;  // samples handed over before the block in progress
 
 private:
     std::intptr_t Answer(const Request& request) {
         if (atCall != nullptr) atCall();
-        // Relaxed, so that the counting does not order two threads.
-        calls.fetch_add(1, std::memory_order_relaxed);
-        if (request.opcode >= 0 && request.opcode < 64)
-            asked[static_cast<std::size_t>(request.opcode)].fetch_add(1, std::memory_order_relaxed);
         std::intptr_t answer = 0;
         if (answers && answers(request, answer)) return answer;
-        if (keepsEvents) last = request;
         const auto give = [&](const char* text) {
             if (text != nullptr) std::strcpy(static_cast<char*>(request.ptr), text);
             return static_cast<std::intptr_t>(text != nullptr);
@@ -168,7 +162,7 @@ private:
         switch (request.opcode) {
             case audioMasterVersion: return version;
             case audioMasterGetSampleRate: return sampleRate;
-            case audioMasterGetVendorString: return give(vendor);
+            case audioMasterGetVendorString: return give("Maker");
             case audioMasterGetProductString: return give(product);
             case audioMasterProcessEvents: {
                 if (!keepsEvents) return 0;
@@ -181,15 +175,6 @@ private:
             }
             default: return 0;
         }
-    }
-    template <typename Call, typename Sample>
-    void Process(Call call, Sample* in, Sample* out, std::int32_t frames) {
-        processing = true;
-        Enter(true);
-        call(effect, &in, &out, frames);
-        Enter(false);
-        processing = false;
-        clock = clock + std::max(frames, 0);
     }
     void Enter(bool in) const {
         if (inProcess != nullptr) inProcess(in);

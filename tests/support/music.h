@@ -86,11 +86,6 @@ Audio RandomMusic(Random& random, double rate, double seconds) {
 inline Audio Silence(std::size_t samples) {
     return Audio(samples);
 }
-inline Audio Joined(std::initializer_list<Audio> parts) {
-    Audio whole;
-    for (const Audio& part : parts) whole.insert(whole.end(), part.begin(), part.end());
-    return whole;
-}
 inline std::vector<short> Shorts(const Audio& audio, double fullScale = 32767) {
     std::vector<short> samples(audio.size());
     std::transform(audio.begin(), audio.end(), samples.begin(), [&](float sample) {

@@ -23,7 +23,7 @@ TEST(Dispatcher, SurvivesWhatAnObjectThrowsAndWhatAHostAnswers) {
     float sample = 0;
     double wide = 0;
     for (const Way way : {Way::accumulating, Way::replacing}) host.Process(way, &sample, &sample, 1);
-    host.Process(&wide, &wide, 1);
+    host.Process(Way::doubleReplacing, &wide, &wide, 1);
     EXPECT_EQ(host.Get(1), 0.0F);
     host.answers = [](const Host::Request& request, std::intptr_t& answer) {  // without a terminator
         return std::memset(request.ptr, 'x', 64), answer = 1, true;
