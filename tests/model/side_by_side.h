@@ -1,10 +1,7 @@
 #pragma once
-#include "delivery/rt_recording.h"
-#include "module/plugin_entry.h"
-#include "plugin/gui_plugin.h"
 #include "tests/model/plugin.h"
 #include "tests/support/devices.h"
-#include "tests/support/host.h"
+#include "tests/support/linked_host.h"
 #include "tests/support/messages.h"
 #include "tests/support/trial.h"
 
@@ -146,17 +143,10 @@ public:
                 same(std::bit_cast<std::uint32_t>(seen), std::bit_cast<std::uint32_t>(expected), "bandLevel");
         }
         std::vector<ModelTakeEvent> take;
-        for (const TRecordEvent& event : TakeOf(*object).GetTake())
+        for (const TRecordEvent& event : RecordingOf(*object).GetTake())
             take.push_back({event.time, event.message, event.level});
         Same(take, model.recording.take, "take");
         Call(effGetProgramName, 0, 0, "");
-    }
-    static TRTRecording& TakeOf(CORVAguivst& plugin) {
-        TRTRecording* found = nullptr;
-        plugin.noteRecorder.outputs.ForEach([&](TNoteOut& output) {
-            if (auto* const recording = dynamic_cast<TRTRecording*>(&output)) found = recording;
-        });
-        return *found;
     }
 
     ModelPlugin model;

@@ -1,7 +1,5 @@
 // The choice between the detector's own ear and the refined one on top of it, by the vendor's own call.
-#include "module/plugin_entry.h"
-#include "plugin/plugin_object.h"
-#include "tests/support/host.h"
+#include "tests/support/linked_host.h"
 #include "tests/support/music.h"
 #include "vst2/vendor_call.h"
 
@@ -9,15 +7,11 @@ namespace {
 
 class EarTest : public testing::Test {
 protected:
-    void SetUp() override {
-        ASSERT_TRUE(host.Open(OpenPlugin));
-        host.events.clear();
-    }
+    EarTest() { host.events.clear(); }
     std::intptr_t Set(std::intptr_t setting, float value) {
         return host.Call(effVendorSpecific, vendorCall, setting, nullptr, value);
     }
     std::intptr_t Choose(Ear ear) { return Set(vendorEar, static_cast<float>(ear)); }
-    CORVA_vst& Object() const { return host.Object<CORVA_vst>(); }
     // Note ons less note offs since the last look.
     int TakeSounding() {
         const int sounding = host.Sounding();
@@ -25,7 +19,7 @@ protected:
         return sounding;
     }
 
-    Host host;
+    LinkedHost host;
     const std::vector<float> tones = Tones({57, 69, 76}, 0.5);
 };
 
@@ -57,11 +51,11 @@ TEST_F(EarTest, TheRefinedEarHearsTheSameHoweverTheAudioIsCutAndASilenceOut) {
         host.Play(tones, block);
         EXPECT_GT(host.Sounding(), 0);
         host.Play(Silence(441));
-        EXPECT_FALSE(Object().stopped);
+        EXPECT_FALSE(host.plugin.stopped);
         host.Play(Silence(22050));
         EXPECT_EQ(host.Sounding(), 0);
         host.Play(Silence(44100));
-        EXPECT_TRUE(Object().stopped);
+        EXPECT_TRUE(host.plugin.stopped);
         const std::vector<Host::Event> events = host.TakenEvents();
         if (first.empty()) first = events;
         EXPECT_EQ(events, Later(first, begin)) << "blocks of " << block;
@@ -83,7 +77,7 @@ TEST_F(EarTest, InputLevelMakesQuietSoundsAudibleAndZeroChangesNothing) {
     host.Play(quiet);
     EXPECT_GT(TakeSounding(), 0);
     EXPECT_EQ(Set(vendorInputLevel, 0), 1);
-    EXPECT_EQ(Object().inputGain, 1.0F);
+    EXPECT_EQ(host.plugin.inputGain, 1.0F);
 }
 
 }  // namespace

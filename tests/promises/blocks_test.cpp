@@ -1,8 +1,6 @@
 // Blocks of audio of any length, at any address, with any content: the audio passes bit for bit, nothing
 // beside the block is touched, and neither cut nor signal changes the notes.
-#include "module/plugin_entry.h"
-#include "plugin/gui_plugin.h"
-#include "tests/support/host.h"
+#include "tests/support/linked_host.h"
 #include "tests/support/music.h"
 #include "tests/support/trial.h"
 
@@ -28,8 +26,7 @@ void PlayAnywhere(Trial& trial, Way way) {
         if (way == Way::accumulating) sample += before;
         std::memcpy(&expected[moat + out + i * sizeof sample], &sample, sizeof sample);
     }
-    Host host;
-    ASSERT_TRUE(host.Open(OpenPlugin));
+    LinkedHost host;
     host.Process(way, reinterpret_cast<Sample*>(&memory[moat + in]),
                  reinterpret_cast<Sample*>(&memory[moat + out]), static_cast<std::int32_t>(frames));
     ASSERT_TRUE(memory == expected) << frames << " frames, input at " << in << ", output at " << out;
@@ -47,8 +44,7 @@ TEST(Blocks, HowTheHostCutsTheAudioChangesNoNote) {
         // A constant, half of a 16-bit step off a whole one, keeps each cut from summing to zero.
         Audio audio = RandomMusic(trial.random, 48000, 2);
         for (float& sample : audio) sample = (std::floor(15000 * (sample + 0.9F)) + 3.5F) / 30000;
-        Host whole(48000), cut(48000);
-        ASSERT_TRUE(whole.Open(OpenPlugin) && cut.Open(OpenPlugin));
+        LinkedHost whole(48000), cut(48000);
         whole.Play(audio, audio.size());
         for (std::size_t at = 0, length = 0; at < audio.size(); at += length) {
             length = std::min<std::size_t>(1 + trial.Below(1ULL << trial.Below(16)), audio.size() - at);
@@ -63,8 +59,7 @@ TEST(Blocks, HowTheHostCutsTheAudioChangesNoNote) {
 TEST(Blocks, NoSignalSticks) {
     RunTrials({11, 1, 60, true}, [](Trial& trial) {
         using Limits = std::numeric_limits<float>;
-        Host host(48000), fresh(48000);
-        ASSERT_TRUE(host.Open(OpenPlugin) && fresh.Open(OpenPlugin));
+        LinkedHost host(48000), fresh(48000);
         Audio audio(48000);
         for (std::size_t i = 0; i < audio.size(); ++i) {
             const float sign = i % 2 == 0 ? 1.0F : -1.0F, square = i / 54 % 2 == 0 ? 1.0F : -1.0F;
@@ -76,7 +71,7 @@ TEST(Blocks, NoSignalSticks) {
             audio[i] = signals[trial.number];
         }
         ASSERT_TRUE(host.Play(audio));
-        const TRealTimeTS107& detector = host.Object<CORVAguivst>().detector;
+        const TRealTimeTS107& detector = host.plugin.detector;
         for (std::int32_t band = 0; band < detector.numBands; ++band)
             ASSERT_TRUE(std::isfinite(detector.energy[band] + detector.stateA[band] + detector.stateB[band]));
         // After a block of silence all is as in a fresh instance, whose first start sends the program.

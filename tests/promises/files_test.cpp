@@ -1,12 +1,7 @@
 // What is written is read again by another maker's program; what cannot be written is seen.
 #include <sys/resource.h>
 
-#include "delivery/note_out.h"
-#include "delivery/rt_recording.h"
-#include "module/plugin_entry.h"
-#include "plugin/gui_plugin.h"
-#include "tests/model/side_by_side.h"
-#include "tests/support/host.h"
+#include "tests/support/linked_host.h"
 #include "tests/support/messages.h"
 #include "tests/support/music.h"
 #include "tests/support/temp_folder.h"
@@ -55,16 +50,15 @@ TEST(Files, ASavedTakeIsReadByOthersNoteForNote) {
         const std::string path = folder / "take.mid";
         constexpr std::int32_t rates[] = {22050, 44100, 48000, 96000};
         const std::int32_t rate = rates[trial.Below(4)];
-        Host host(rate);
-        ASSERT_TRUE(host.Open(OpenPlugin));
+        LinkedHost host(rate);
         host.Set(paramSendProgramChange, static_cast<float>(trial.Below(2)));
-        auto& object = host.Object<CORVAguivst>();
+        CORVAguivst& object = host.plugin;
         object.startRecording();
         host.Play(RandomMusic(trial.random, rate, 3), 1 + trial.Below(2000));
         object.stopRecording();
         ASSERT_TRUE(object.saveRecording(path));
         std::size_t ends = 0;
-        const std::vector<Onset> due = OnsetsOf(SideBySide::TakeOf(object).GetTake(), rate),
+        const std::vector<Onset> due = OnsetsOf(RecordingOf(object).GetTake(), rate),
                                  read = OnsetsOf(path, ends);
         ASSERT_GT(due.size(), 1U);
         ASSERT_EQ(read.size(), due.size());
@@ -82,10 +76,9 @@ TEST(Files, ASavedTakeIsReadByOthersNoteForNote) {
 TEST(Files, AFullDiskIsSeenAtWhateverByte) {
     RunTrials({20, 5}, [](Trial& trial) {
         const TempFolder folder;
-        Host host;
+        LinkedHost host;
         Messages messages;
-        ASSERT_TRUE(host.Open(OpenPlugin));
-        auto& object = host.Object<CORVAguivst>();
+        CORVAguivst& object = host.plugin;
         object.startRecording();
         host.Play(RandomMusic(trial.random, 44100, 2));
         object.stopRecording();

@@ -1,9 +1,7 @@
 // The plug-in lives on when memory runs out, and when a host or a device throws or answers nonsense.
-#include "module/plugin_entry.h"
 #include "plugin/editor_interface.h"
-#include "plugin/gui_plugin.h"
 #include "tests/support/devices.h"
-#include "tests/support/host.h"
+#include "tests/support/linked_host.h"
 #include "tests/support/messages.h"
 #include "tests/support/music.h"
 #include "tests/support/temp_folder.h"
@@ -124,8 +122,7 @@ TEST(Memory, HoursOfAudioLeaveMemoryAndEventsAsTheyWere) {
     RunTrials({1, 1, 3600, true}, [](Trial& trial) {
         InstalledDevices devices;
         devices.keepsLines = false;
-        Host host(48000);
-        ASSERT_TRUE(host.Open(OpenPlugin));
+        LinkedHost host(48000);
         for (const auto output : {paramDeviceEnabled, paramChordsEnabled}) host.Set(output, 1);
         const Audio music = RandomMusic(trial.random, 48000, 56);
         std::vector<Host::Event> first;

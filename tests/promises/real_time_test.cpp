@@ -2,11 +2,8 @@
 // modes are as they were.
 #include <sys/mman.h>
 
-#include "delivery/rt_recording.h"
-#include "module/plugin_entry.h"
-#include "plugin/gui_plugin.h"
 #include "tests/support/devices.h"
-#include "tests/support/host.h"
+#include "tests/support/linked_host.h"
 #include "tests/support/messages.h"
 #include "tests/support/music.h"
 #include "tests/support/trial.h"
@@ -20,12 +17,11 @@ namespace {
 // The plug-in with all outputs on: to the host, to a device, into a recording, chords.
 class Player {
 public:
-    Player() : host(48000) {
+    Player() {
         devices.keepsLines = messages.keepsTexts = false;
-        if (!host.Open(OpenPlugin)) std::abort();
         host.Call(effOpen);
         AllOutputsOn();
-        object().startRecording();
+        host.plugin.startRecording();
     }
 
     void AllOutputsOn() const {
@@ -33,22 +29,18 @@ public:
         for (const auto output : {paramOutputToHost, paramDeviceEnabled, paramChordsEnabled})
             host.Set(output, 1);
     }
-    CORVAguivst& object() const { return host.Object<CORVAguivst>(); }
     // The audio thread may take two locks: the recorder's, and the recording's leaf lock.
     void Watch(void (*report)(const char*)) {
         host.Play(Tones({60}, 0.1, 48000), 4096);  // the largest block has been seen once
-        Inside::AllowLocksIn(&object().noteRecorder, sizeof(TNoteRecorder));
-        object().noteRecorder.outputs.ForEach([](TNoteOut& output) {
-            const auto* const recording = dynamic_cast<TRTRecording*>(&output);
-            if (recording != nullptr) Inside::AllowLocksIn(recording, sizeof(TRTRecording));
-        });
+        Inside::AllowLocksIn(&host.plugin.noteRecorder, sizeof(TNoteRecorder));
+        Inside::AllowLocksIn(&RecordingOf(host.plugin), sizeof(TRTRecording));
         Inside::report = report;
         host.inProcess = Inside::Mark;
     }
 
     InstalledDevices devices;
     Messages messages;
-    Host host;
+    LinkedHost host{48000};
 };
 
 #if ORVA_WATCHES
@@ -59,9 +51,9 @@ TEST(AudioThread, NeitherWaitsNorAllocatesNorLeavesForTheSystemNorTouchesTheHost
     RunTrials({12, 1, 120}, [](Trial& trial) {
         current = &trial;
         Player player;
-        const Host& host = player.host;
+        LinkedHost& host = player.host;
         // The flags may be set in the middle of a call; the modes must not.
-        player.host.atCall = [] {
+        host.atCall = [] {
             current->Require(((_mm_getcsr() ^ hostModes) & ~0x3FU) == 0, "a call to the host in other modes");
         };
         const std::uint32_t usual = hostModes = _mm_getcsr();
@@ -76,19 +68,19 @@ TEST(AudioThread, NeitherWaitsNorAllocatesNorLeavesForTheSystemNorTouchesTheHost
             // All exceptions masked; any rounding, flush to zero or not, any flags.
             _mm_setcsr(hostModes =
                            0x1F80U | static_cast<std::uint32_t>(trial.Below(8) << 13 | trial.Below(64)));
-            ASSERT_TRUE(player.host.Play({from, from + static_cast<std::ptrdiff_t>(length)},
-                                         std::size_t{1} << trial.Below(13), ways[trial.Below(3)]));
-            for (std::uint64_t i = trial.OneIn(15) ? 4 : 0; i > 0; --i) player.host.Play(silence, 4096);
-            player.host.TakenEvents();
+            ASSERT_TRUE(host.Play({from, from + static_cast<std::ptrdiff_t>(length)},
+                                  std::size_t{1} << trial.Below(13), ways[trial.Below(3)]));
+            for (std::uint64_t i = trial.OneIn(15) ? 4 : 0; i > 0; --i) host.Play(silence, 4096);
+            host.TakenEvents();
             host.Call(effEditIdle);
             const auto index = static_cast<std::int32_t>(trial.Below(96));
             const float rate = trial.OneIn(2) ? 44100 : 48000;
             switch (trial.Below(20)) {
                 case 0: host.Call(effMainsChanged, 0, 0), host.Call(effMainsChanged, 0, 1); break;
                 case 1: host.Call(effSetSampleRate, 0, 0, nullptr, rate); break;
-                case 2: player.object().stopRecording(), player.object().startRecording(); break;
+                case 2: host.plugin.stopRecording(), host.plugin.startRecording(); break;
                 case 3: host.Set(paramDeviceEnabled, 0), host.Set(paramDeviceEnabled, 1); break;
-                case 4: player.object().setHearing({static_cast<Ear>(trial.Below(3)), 0, 0}); break;
+                case 4: host.plugin.setHearing({static_cast<Ear>(trial.Below(3)), 0, 0}); break;
                 default: host.Set(index, static_cast<float>(trial.Within(0, 1)));
             }
             ASSERT_EQ(_mm_getcsr() & ~0x3FU, hostModes & ~0x3FU);

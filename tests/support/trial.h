@@ -20,6 +20,8 @@ public:
     double Within(double least, double most) {
         return least + (most - least) * static_cast<double>(Below(1U << 20)) / (1U << 20);
     }
+    // For another thread, with random numbers of its own.
+    Trial Fork() { return Trial(std::to_string(random()), number); }
     // Ends the case, and its process, as failed unless `passes`. The text says what was expected and seen.
     void Require(bool passes, std::string_view what) const {
         if (!passes) Fail(what);

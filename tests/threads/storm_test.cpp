@@ -1,12 +1,9 @@
 // Whatever a host's threads do to the plug-in at the same time, in whatever order. A thread that locks up
 // reaches the limit of its trial.
 #include "delivery/rt_midi_out.h"
-#include "delivery/rt_recording.h"
-#include "module/plugin_entry.h"
-#include "plugin/gui_plugin.h"
 #include "tests/delivery/fakes.h"
 #include "tests/support/devices.h"
-#include "tests/support/host.h"
+#include "tests/support/linked_host.h"
 #include "tests/support/messages.h"
 #include "tests/support/music.h"
 #include "tests/support/parent_window.h"
@@ -14,16 +11,6 @@
 #include "tests/support/trial.h"
 
 namespace {
-
-using Random = std::minstd_rand;
-
-std::uint32_t Below(Random& random, std::uint32_t count) {
-    return static_cast<std::uint32_t>(random() >> 4) % count;
-}
-
-Random RandomOf(Trial& trial) {
-    return Random(static_cast<unsigned>(trial.random()));
-}
 
 // Devices and messages for a process in which threads meet; never destroyed, since devices are closed at its
 // end.
@@ -39,7 +26,7 @@ FakeDevices& Devices() {
 
 // One of the host's threads: its random numbers, and how deep it is in calls from within callbacks.
 struct Caller {
-    Random random;
+    Trial trial;
     int depth = 0;
 };
 thread_local Caller* caller = nullptr;
@@ -54,48 +41,48 @@ struct Storm {
 Storm* storm = nullptr;
 
 // Tones, silence, noise, and NaN, by any of the three calls.
-void PlayBlock(Random& random) {
+void PlayBlock(Trial& trial) {
     static thread_local std::size_t clock = 0;
-    const std::size_t length = 1 + Below(random, Below(random, 8) == 0 ? 1024 : 128);
-    const std::uint32_t kind = Below(random, 16);
+    const std::size_t length = 1 + trial.Below(trial.OneIn(8) ? 1024 : 128);
+    const std::uint64_t kind = trial.Below(16);
     Audio block = kind < 10   ? Chord({45 + static_cast<int>(clock / 8000 % 30), 57, 64}, length, clock)
                   : kind < 12 ? Silence(length)
-                              : Noise(random, length);
+                              : Noise(trial.random, length);
     clock += length;
     if (kind == 15) block[0] = NAN;
-    if (!storm->host.Play(block, length, ways[Below(random, 3)])) storm->audioIsWhole = false;
+    if (!storm->host.Play(block, length, ways[trial.Below(3)])) storm->audioIsWhole = false;
     storm->blocks.fetch_add(1, std::memory_order_relaxed);
 }
 
-float AnyValue(Random& random) {
+float AnyValue(Trial& trial) {
     constexpr float odd[] = {0, 1, -1e30F, INFINITY, NAN};
-    return Below(random, 2) == 0 ? odd[Below(random, 5)] : static_cast<float>(Below(random, 1001)) / 1000;
+    return trial.OneIn(2) ? odd[trial.Below(5)] : static_cast<float>(trial.Below(1001)) / 1000;
 }
 
-void UseParameter(Random& random) {
+void UseParameter(Trial& trial) {
     const Host& host = storm->host;
-    const auto index = static_cast<std::int32_t>(Below(random, 100)) - 2;
+    const auto index = static_cast<std::int32_t>(trial.Below(100)) - 2;
     char text[] = "0.5", buffer[256];
-    switch (Below(random, 6)) {
+    switch (trial.Below(6)) {
         case 0: host.Get(index); break;
         case 1: host.Call(effGetParamDisplay, index, 0, buffer); break;
         case 2: host.Call(effString2Parameter, index, 0, text); break;
-        case 3: host.Set(87 + (index + 2) % 9, AnyValue(random)); break;
-        default: host.Set(index, AnyValue(random));
+        case 3: host.Set(87 + (index + 2) % 9, AnyValue(trial)); break;
+        default: host.Set(index, AnyValue(trial));
     }
 }
 
-void Control(Random& random) {
+void Control(Trial& trial) {
     constexpr float rates[] = {44100, 48000, 22050, 96000, 8000, 0, 1234.5F, NAN};
     const Host& host = storm->host;
     char text[256] = "sendVstMidiEvent";
-    switch (Below(random, 10)) {
+    switch (trial.Below(10)) {
         case 0: host.Call(effMainsChanged, 0, 0); break;
         case 1: host.Call(effMainsChanged, 0, 1); break;
-        case 2: host.Call(effSetSampleRate, 0, 0, nullptr, rates[Below(random, 8)]); break;
+        case 2: host.Call(effSetSampleRate, 0, 0, nullptr, rates[trial.Below(8)]); break;
         case 3: host.Call(effCanDo, 0, 0, text); break;
         case 4: {  // each name that is set is of one letter
-            std::string name(Below(random, 60), static_cast<char>('a' + Below(random, 26)));
+            std::string name(trial.Below(60), static_cast<char>('a' + trial.Below(26)));
             host.Call(effSetProgramName, 0, 0, name.data());
             break;
         }
@@ -107,16 +94,16 @@ void Control(Random& random) {
             break;
         }
         case 6: host.Call(effOpen); break;
-        default: host.Call(static_cast<std::int32_t>(45 + Below(random, 40)), 0, 0, text);
+        default: host.Call(static_cast<std::int32_t>(45 + trial.Below(40)), 0, 0, text);
     }
 }
 
 // The user, with a window and its buttons.
-void UseWindow(Random& random, const HostWindow& window, const std::string& take) {
+void UseWindow(Trial& trial, const HostWindow& window, const std::string& take) {
     const Host& host = storm->host;
     auto& object = host.Object<CORVAguivst>();
     static std::vector<unsigned char> levels;
-    switch (Below(random, 30)) {
+    switch (trial.Below(30)) {
         case 0: object.startRecording(); break;
         case 1: object.stopRecording(); break;
         case 2:  // as the save button does it: what records is stopped first
@@ -127,7 +114,7 @@ void UseWindow(Random& random, const HostWindow& window, const std::string& take
         case 4: host.Call(effEditClose); break;
         case 5:
         case 6:
-            object.setParameterFromEditor(static_cast<std::int32_t>(Below(random, 96)), AnyValue(random));
+            object.setParameterFromEditor(static_cast<std::int32_t>(trial.Below(96)), AnyValue(trial));
             break;
         case 7: {  // a name, not the halves of two
             const std::string chord = object.currentChordText();
@@ -135,7 +122,7 @@ void UseWindow(Random& random, const HostWindow& window, const std::string& take
             break;
         }
         case 8: object.buildLevels(levels); break;
-        case 9: object.setHearing({static_cast<Ear>(Below(random, 3)), AnyValue(random), 0}); break;
+        case 9: object.setHearing({static_cast<Ear>(trial.Below(3)), AnyValue(trial), 0}); break;
         default: host.Call(effEditIdle);
     }
 }
@@ -143,12 +130,11 @@ void UseWindow(Random& random, const HostWindow& window, const std::string& take
 // Now and then the host calls back, a few levels deep, and never the editor, which is the user's thread's.
 bool CallBack(const Host::Request&, std::intptr_t&) {
     if (storm->locks) storm->lock.lock(), storm->lock.unlock();
-    if (caller == nullptr || storm->host.effect == nullptr || caller->depth >= 3 ||
-        Below(caller->random, 64) != 0)
+    if (caller == nullptr || storm->host.effect == nullptr || caller->depth >= 3 || !caller->trial.OneIn(64))
         return false;
     ++caller->depth;
-    constexpr void (*calls[])(Random&) = {PlayBlock, UseParameter, Control};
-    calls[Below(caller->random, 3)](caller->random);
+    constexpr void (*calls[])(Trial&) = {PlayBlock, UseParameter, Control};
+    calls[caller->trial.Below(3)](caller->trial);
     --caller->depth;
     return false;
 }
@@ -165,23 +151,23 @@ TEST(Threads, FourThreadsOfAHostCallOneInstanceAtOnce) {
         now.host.answers = CallBack;
         ASSERT_TRUE(now.host.Open(OpenPlugin));
         const TempFolder folder;
-        const auto run = [&](Random random, const std::function<void(Random&)>& act) {
+        const auto run = [&](const Trial& random, const std::function<void(Trial&)>& act) {
             Caller own{random};
             caller = &own;
             while (now.calls < 20000 || now.blocks < 2500) {
                 now.calls.fetch_add(1, std::memory_order_relaxed);
                 std::unique_lock<std::recursive_mutex> held(now.lock, std::defer_lock);
-                if (now.locks && Below(own.random, 2) == 0) held.lock();
-                act(own.random);
+                if (now.locks && own.trial.OneIn(2)) held.lock();
+                act(own.trial);
             }
             caller = nullptr;
         };
         std::vector<std::thread> threads;
-        for (void (*act)(Random&) : {PlayBlock, UseParameter, Control})
-            threads.emplace_back(run, RandomOf(trial), act);
-        threads.emplace_back([&, random = RandomOf(trial)] {
+        for (void (*act)(Trial&) : {PlayBlock, UseParameter, Control})
+            threads.emplace_back(run, trial.Fork(), act);
+        threads.emplace_back([&, random = trial.Fork()] {
             const HostWindow window;
-            run(random, [&](Random& own) { UseWindow(own, window, folder / "take.mid"); });
+            run(random, [&](Trial& own) { UseWindow(own, window, folder / "take.mid"); });
             now.host.Call(effEditClose);
         });
         for (std::thread& thread : threads) thread.join();
@@ -199,13 +185,10 @@ TEST(Threads, DevicesGoOnAndOffAgainstTwoAudioThreads) {
         Devices();
         const bool shared = trial.OneIn(2);
         {
-            Host hosts[2];
+            LinkedHost hosts[2];
             std::atomic<bool> done{false};
             std::vector<std::thread> threads;
-            for (Host& host : hosts) {
-                host.keepsEvents = false;
-                ASSERT_TRUE(host.Open(OpenPlugin));
-            }
+            for (Host& host : hosts) host.keepsEvents = false;
             for (std::size_t i = 0; i < 2; ++i)
                 threads.emplace_back([&, &host = hosts[shared ? 0 : i]] {
                     for (const Audio tone = Chord({57, 64}, 4410); !done;)
@@ -230,13 +213,12 @@ TEST(Threads, DevicesGoOnAndOffAgainstTwoAudioThreads) {
 
 // What a piece on an instance of its own sends to the host, with a take beside it.
 std::vector<Host::Event> EventsOf(std::size_t number) {
-    Random random(static_cast<unsigned>(number + 1));
-    Host host;
-    host.Open(OpenPlugin);
-    host.Set(2, static_cast<float>(Below(random, 100)) / 100);
+    Trial trial("piece", number);
+    LinkedHost host;
+    host.Set(2, static_cast<float>(trial.Below(100)) / 100);
     host.Set(90, static_cast<float>(number % 16) / 15);
-    host.Object<CORVAguivst>().startRecording();
-    host.Play(RandomMusic(random, 44100, 0.4), 1 + Below(random, 1000));
+    host.plugin.startRecording();
+    host.Play(RandomMusic(trial.random, 44100, 0.4), 1 + trial.Below(1000));
     return host.TakenEvents();
 }
 
@@ -296,10 +278,10 @@ TEST(Threads, NoEventMixesTwoSettingsAndATakeStaysPaired) {
             output->Start();
         }
         std::atomic<bool> done{false};
-        std::thread audio([&, random = std::minstd_rand(static_cast<unsigned>(trial.random()))]() mutable {
+        std::thread audio([&, own = trial.Fork()]() mutable {
             for (long frame = 0; frame < 1000 || !done.load(std::memory_order_relaxed); ++frame) {
                 for (int band = lowestBand; band <= highestBand; ++band)
-                    if (random() / 16 % 4 == 0) bands.detector.Set(band, !bands.detector.on[band]);
+                    if (own.OneIn(4)) bands.detector.Set(band, !bands.detector.on[band]);
                 recorder.OnFrame();
             }
         });

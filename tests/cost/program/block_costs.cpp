@@ -3,10 +3,8 @@
 //   block_costs BLOCKS
 #include <valgrind/callgrind.h>
 
-#include "module/plugin_entry.h"
-#include "plugin/gui_plugin.h"
 #include "tests/support/devices.h"
-#include "tests/support/host.h"
+#include "tests/support/linked_host.h"
 #include "tests/support/music.h"
 
 int main(int count, char** words) {
@@ -15,12 +13,12 @@ int main(int count, char** words) {
     const std::size_t blocks = count > 1 ? static_cast<std::size_t>(std::atoll(words[1])) : 0;
     InstalledDevices devices;
     devices.keepsLines = false;
-    Host host(rate);
+    LinkedHost host(rate);
     host.keepsEvents = false;
-    if (!host.Open(OpenPlugin) || blocks == 0) return 1;
+    if (blocks == 0) return 1;
     host.Set(paramPolyphony, 1);
     for (const auto output : {paramOutputToHost, paramDeviceEnabled, paramChordsEnabled}) host.Set(output, 1);
-    host.Object<CORVAguivst>().startRecording();
+    host.plugin.startRecording();
     // A new chord of six notes with three partials each every 100 ms, which is how often a chord is named.
     std::minstd_rand random(1);
     Audio audio(blocks * block, 0.001F);
