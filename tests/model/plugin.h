@@ -282,16 +282,7 @@ private:
         return text;
     }
     static std::string Name(std::int32_t index) {
-        constexpr const char* pitchClasses[] = {"C",  "C#", "D",  "D#", "E", "F",
-                                                "F#", "G",  "G#", "A",  "B", "H"};
-        constexpr const char* first[] = {"Polyphony", "Sensitivity", "Velocity"};
-        constexpr const char* last[] = {"MIDI Instrument", "MIDI Out Device",        "MIDI Out Enabled",
-                                        "MIDI Channel",    "Output to Host Enabled", "Active Page",
-                                        "Chords Enabled",  "Chords Delay",           "Send Program Change"};
-        if (index < 0 || index > 95) return "No name";
-        if (index < 3) return first[index];
-        if (index >= 87) return last[index - 87];
-        return Format("Equalizer bar %s %d", pitchClasses[(index - 3) % 12], (index + 21) / 12);
+        return index < 0 || index > 95 ? "No name" : ParameterName(index);
     }
     static std::string Display(float value, std::int32_t index) {
         constexpr const char* pages[] = {"Main frame", "Equa frame", "Options frame", "About frame"};
