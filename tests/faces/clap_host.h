@@ -8,16 +8,7 @@ class ClapHost : public Face {
 public:
     explicit ClapHost(double newRate, const void* factoryCalls = ClapFactory(CLAP_PLUGIN_FACTORY_ID))
         : rate(newRate) {
-        host = {CLAP_VERSION,
-                this,
-                "tests",
-                "",
-                "",
-                "1",
-                [](const clap_host_t* self, const char* id) { return Of(self).Offered(id); },
-                Ignored,
-                Ignored,
-                Ignored};
+        host = {CLAP_VERSION, this, "tests", "", "", "1", Offered, Ignored, Ignored, Ignored};
         const auto* factory = static_cast<const clap_plugin_factory_t*>(factoryCalls);
         plugin = factory->create_plugin(factory, &host, factory->get_plugin_descriptor(factory, 0)->id);
     }
@@ -34,6 +25,7 @@ public:
     const clap_plugin_params_t& Params() const { return Extension<clap_plugin_params_t>(CLAP_EXT_PARAMS); }
     const clap_plugin_gui_t& Gui() const { return Extension<clap_plugin_gui_t>(CLAP_EXT_GUI); }
 
+    bool Init() override { return plugin->init(plugin); }
     void SetActive(bool active) override {
         if (!active) return plugin->stop_processing(plugin), plugin->deactivate(plugin);
         EXPECT_TRUE(plugin->activate(plugin, rate, 1, 1 << 20));
@@ -94,7 +86,6 @@ public:
     }
     void CloseWindow() override { Gui().destroy(plugin); }
 
-    bool Init() { return plugin->init(plugin); }
     // Hands changed parameters over while nothing is processed.
     void Flush() {
         Params().flush(plugin, &in, &out);
@@ -121,7 +112,8 @@ private:
     static ClapHost& Of(const clap_host_t* self) { return *static_cast<ClapHost*>(self->host_data); }
     static void Ignored(const clap_host_t*) {}
     static double Scale(std::int32_t index) { return index == 87 ? 127 : index == 90 ? 15 : 1; }
-    const void* Offered(const std::string& id) const {
+    static const void* Offered(const clap_host_t* asking, const char* name) {
+        const std::string id = name;
         static const clap_host_timer_support_t timers = {
             [](const clap_host_t* self, std::uint32_t, clap_id* made) {
                 return *made = Of(self).timer = 7, true;
@@ -143,7 +135,7 @@ private:
                                             },
                                             nullptr, nullptr, nullptr};
         if (id == CLAP_EXT_GUI) return &gui;
-        if (id == CLAP_EXT_TIMER_SUPPORT) return hasTimers ? &timers : nullptr;
+        if (id == CLAP_EXT_TIMER_SUPPORT) return Of(asking).hasTimers ? &timers : nullptr;
         if (id == CLAP_EXT_POSIX_FD_SUPPORT) return &descriptors;
         if (id == CLAP_EXT_THREAD_CHECK) return &threads;
         return id == CLAP_EXT_PARAMS ? &params : nullptr;

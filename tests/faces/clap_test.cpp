@@ -3,7 +3,6 @@
 
 #include "parameters/parameters.h"
 #include "tests/faces/clap_host.h"
-#include "tests/support/await.h"
 #include "tests/support/music.h"
 #include "tests/support/parent_window.h"
 

@@ -15,6 +15,7 @@ public:
     Face(const Face&) = delete;
     Face& operator=(const Face&) = delete;
 
+    virtual bool Init() { return true; }
     virtual void SetActive(bool active) = 0;
     virtual void Set(std::int32_t index, float value) = 0;  // before the next block
     virtual float Get(std::int32_t index) = 0;
@@ -59,8 +60,3 @@ protected:
 private:
     std::size_t taken = 0;
 };
-
-std::unique_ptr<Face> MakeVst2(double rate);
-std::unique_ptr<Face> MakeLv2(double rate);
-std::unique_ptr<Face> MakeClap(double rate);
-std::unique_ptr<Face> MakeVst3(double rate);

@@ -89,6 +89,7 @@ public:
         return times;
     }
 
+    LV2_URID_Map map{this, [](void* self, const char* uri) { return Of(self).Urid(uri); }};
     const LV2_Descriptor* const descriptor;
     LV2_Handle handle = nullptr;
     const LV2UI_Descriptor* const ui = WindowDescriptor();
@@ -128,7 +129,6 @@ private:
     std::map<std::string, LV2_URID> urids;
     const LV2_URID chunk = Urid("chunk"), sequenceType = Urid(LV2_ATOM__Sequence),
                    eventType = Urid(LV2_MIDI__MidiEvent);
-    LV2_URID_Map map{this, [](void* self, const char* uri) { return Of(self).Urid(uri); }};
     LV2_Worker_Schedule schedule{this,
                                  [](void* self, std::uint32_t, const void*) { return Of(self).Asked(); }};
     LV2UI_Resize resize{this, [](void* self, int width, int) { return Of(self).hostWidth = width, 0; }};

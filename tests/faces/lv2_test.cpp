@@ -7,7 +7,6 @@
 #include "lv2/uris.h"
 #include "parameters/starting_points.h"
 #include "tests/faces/lv2_host.h"
-#include "tests/support/await.h"
 #include "tests/support/devices.h"
 #include "tests/support/music.h"
 #include "tests/support/parent_window.h"
@@ -53,15 +52,11 @@ TEST(Lv2, ItsPresetsAreTheSettingsToBeginWith) {
     LilvWorld* const world = lilv_world_new();
     LilvNode* const bundle = lilv_new_file_uri(world, nullptr, ORVA_BUNDLE "/");
     lilv_world_load_bundle(world, bundle);
-    std::map<std::string, LV2_URID> urids;
-    LV2_URID_Map map{&urids, [](void* all, const char* uri) {
-                         auto& known = *static_cast<std::map<std::string, LV2_URID>*>(all);
-                         return known.emplace(uri, known.size() + 1).first->second;
-                     }};
+    Lv2Host host;
     for (const Beginning& point : Beginnings()) {
         LilvNode* const name = lilv_new_uri(world, (pluginUri + ("#preset-" + point.title)).c_str());
         lilv_world_load_resource(world, name);
-        LilvState* const state = lilv_state_new_from_world(world, &map, name);
+        LilvState* const state = lilv_state_new_from_world(world, &host.map, name);
         ASSERT_NE(state, nullptr) << point.title;
         EXPECT_EQ(lilv_state_get_label(state), point.title);
         std::map<std::string, float> values, wanted;

@@ -32,6 +32,7 @@ public:
         EXPECT_EQ(callbacks.timer, nullptr) << "a timer is left";
     }
 
+    bool Init() override { return component->initialize(nullptr) == kResultOk; }
     void SetActive(bool active) override {
         ProcessSetup setup = {kRealtime, kSample32, 1 << 20, rate};
         if (active) {
@@ -79,8 +80,6 @@ public:
         view->setFrame(nullptr);
         view = nullptr;
     }
-
-    bool Init() { return component->initialize(nullptr) == kResultOk; }
 
     IPtr<IComponent> component;
     FUnknownPtr<IAudioProcessor> processor;
