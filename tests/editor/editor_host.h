@@ -1,7 +1,6 @@
 #pragma once
 #include "editor/editor_factory.h"
 #include "plugin/gui_plugin_ex.h"
-#include "tests/support/await.h"
 #include "tests/support/host.h"
 #include "tests/support/parent_window.h"
 

@@ -1,6 +1,5 @@
 #include "desktop/file_dialog.h"
 
-#include "tests/support/await.h"
 #include "tests/support/temp_folder.h"
 
 namespace {

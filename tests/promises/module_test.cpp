@@ -6,7 +6,6 @@
 
 #include "module/plugin_entry.h"
 #include "plugin/gui_plugin.h"
-#include "tests/support/await.h"
 #include "tests/support/devices.h"
 #include "tests/support/host.h"
 #include "tests/support/music.h"

@@ -4,7 +4,6 @@
 #include <jack/midiport.h>
 #include <sys/file.h>
 
-#include "tests/support/await.h"
 #include "tests/support/process.h"
 #include "tests/support/temp_folder.h"
 

@@ -1,7 +1,6 @@
 #pragma once
 #include <xcb/xcb.h>
 
-#include "tests/support/await.h"
 #include "tests/support/process.h"
 #include "tests/support/temp_folder.h"
 

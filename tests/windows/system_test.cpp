@@ -4,7 +4,7 @@
 #include "desktop/file_dialog.h"
 #include "desktop/user_store.h"
 #include "notes/stream.h"
-#include "tests/support/await.h"
+#include "tests/support/test.h"
 
 #include <windows.h>
 

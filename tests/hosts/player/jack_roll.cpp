@@ -4,7 +4,7 @@
 #include <jack/transport.h>
 
 #include "tests/host/test_audio.h"
-#include "tests/support/await.h"
+#include "tests/support/test.h"
 
 namespace {
 
