@@ -1,7 +1,7 @@
 // The devices of the ALSA sequencer, through RtMidi, on a sequencer of our own: its functions are found in
 // this program before those of the system's library.
 #include "devices/linux/sequencer_out.h"
-#include "tests/support/test.h"
+#include "tests/devices/open_device.h"
 
 #include <alsa/asoundlib.h>
 
@@ -107,14 +107,6 @@ protected:
         EXPECT_EQ(fake.clients, 0) << "a client was left open";
         EXPECT_EQ(fake.collisions, 0);
     }
-    std::unique_ptr<MidiDevice> Open(const std::string& name) {
-        MidiOpening opening = backend.Open(name);
-        EXPECT_EQ(opening.code, MMSYSERR_NOERROR) << opening.text;
-        return std::move(opening.device);
-    }
-    static std::uint32_t Send(MidiDevice& device, std::uint32_t message) {
-        return device.Send(message, ShortMessageLength(message));
-    }
     FakeSequencer fake;
     SequencerBackend backend{"/dev/null"};  // a node that exists
 };
@@ -123,7 +115,7 @@ TEST_F(SequencerDevices, AreOpenedByNameAndAddressAndPassMessagesOnUnchanged) {
     const NameList all = {"Through:Through 14:0", "Synth:Synth 128:0", "Synth:Synth 128:1"};
     EXPECT_EQ(backend.DeviceNames(), all);
     fake.ports.erase(fake.ports.begin());  // numbers move, the address does not
-    const auto device = Open("Synth:Synth 128:1");
+    const auto device = OpenDevice(backend, "Synth:Synth 128:1");
     EXPECT_EQ(fake.subscribed, "128:1");
     SequencerWords sent = {0x643C90, 0x643D90, 0x7F07B3, 0x0005CF};
     for (const std::uint32_t word : sent) EXPECT_EQ(Send(*device, word), MMSYSERR_NOERROR);
@@ -138,7 +130,7 @@ TEST_F(SequencerDevices, ReportErrorsAsCodes) {
     fake.subscribeResult = -EBUSY;
     EXPECT_EQ(backend.Open("Synth:Synth 128:0").code, MMSYSERR_ALLOCATED);
     fake.subscribeResult = 0;
-    const auto device = Open("Synth:Synth 128:0");
+    const auto device = OpenDevice(backend, "Synth:Synth 128:0");
     fake.outputResult = -EAGAIN;  // the queue is full
     EXPECT_EQ(Send(*device, 0x643C90), MMSYSERR_ERROR);
     fake.inside = fake.outputResult = 0;  // the library does not go on to drain
@@ -150,7 +142,7 @@ TEST_F(SequencerDevices, ReportErrorsAsCodes) {
 TEST_F(SequencerDevices, LetTwoThreadsSendEachInItsOrderAndNeverBothInTheLibrary) {
     std::atomic<std::size_t> refused{0};
     constexpr std::uint32_t messages = 128 * 128;  // each numbered by its data
-    const auto device = Open("Synth:Synth 128:0");
+    const auto device = OpenDevice(backend, "Synth:Synth 128:0");
     const auto play = [&](std::uint32_t status) {
         for (std::uint32_t i = 0; i < messages; ++i)
             if (Send(*device, status | i % 128 << 8 | i / 128 << 16) != MMSYSERR_NOERROR) ++refused;
