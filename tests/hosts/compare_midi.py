@@ -7,7 +7,6 @@ it is known, since the recording is a table of events with their times, it is th
 
     compare_midi.py RECORDED.mid|RECORDED.csv AUDIO.wav BLOCK    (BLOCK in samples; orva-host from $ORVA_BUILD)
 """
-import collections
 import csv
 import io
 import os
@@ -65,19 +64,11 @@ def rendered(audio, block, shifts):
                               for time, on, key in table(file.with_suffix(".csv"))]
 
 
-def per_key(events):
-    keys = collections.defaultdict(list)
-    for time, on, key in events:
-        keys[key].append((time, on))
-    return keys
-
-
 def compare(heard, expected, block):
     """The faults, and the longest that a note came later than it began (s); block in s."""
     faults, lag, end = [], 0.0, max(time for time, _, _ in heard)
-    due_keys, heard_keys = per_key(expected), per_key(heard)
-    for key in sorted({*due_keys, *heard_keys}):
-        events, got = due_keys[key], heard_keys[key]
+    for key in sorted({key for _, _, key in expected + heard}):
+        events, got = ([note[:2] for note in notes if note[2] == key] for notes in (expected, heard))
         due = sum(time + delay(key) + 2 * block < end for time, _ in events)
         if not due <= len(got) <= len(events):
             faults.append(f"key {key}: {len(got)} events, {due} to {len(events)} were due")

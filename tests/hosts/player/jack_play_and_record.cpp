@@ -2,9 +2,12 @@
 // what comes back: MIDI as HEARD.csv, in the columns of orva-host's.
 //
 //   jack_play_and_record AUDIO CLIENT HEARD    CLIENT has the ports in, out and midi; awaits them
+//   jack_play_and_record AUDIO PORT            in time with the transport, which rolls from frame 0
 //   jack_play_and_record                       awaits the server, and no more
 //
-// Exit code 0: the audio came back as it was played, to the last bit.
+// Exit code 0: what was to come back is the audio as it was played, to the last bit.
+#include <jack/transport.h>
+
 #include "tests/host/test_audio.h"
 #include "tests/support/jack_server.h"
 #include "tools/host/take_output.h"
@@ -61,14 +64,43 @@ bool PlayAndRecord(jack_client_t& looker, const std::string& audio, const std::s
     return at == music.end();
 }
 
+void PlayRolling(jack_client_t& looker, const std::string& audio, const std::string& port) {
+    struct Player {
+        const Audio music;
+        jack_client_t& client;
+        jack_port_t* out;
+    } player{ReadAudio(audio), looker,
+             jack_port_register(&looker, "out", JACK_DEFAULT_AUDIO_TYPE, JackPortIsOutput, 0)};
+    const auto play = [](jack_nframes_t frames, void* self) {
+        const auto& [music, client, out] = *static_cast<Player*>(self);
+        auto* const to = static_cast<float*>(jack_port_get_buffer(out, frames));
+        jack_position_t now;
+        const bool rolls = jack_transport_query(&client, &now) == JackTransportRolling;
+        for (jack_nframes_t i = 0; i < frames; ++i)
+            to[i] = rolls && now.frame + i < music.size() ? music[now.frame + i] : 0;
+        return 0;
+    };
+    jack_set_process_callback(&looker, play, &player);
+    jack_activate(&looker);
+    const std::unique_ptr<jack_client_t, decltype(&jack_deactivate)> active(&looker, jack_deactivate);
+    Await(port, [&] { return jack_connect(&looker, "looker:out", port.c_str()) == 0; });
+    jack_transport_locate(&looker, 0);
+    jack_transport_start(&looker);
+    const std::size_t end = player.music.size() + jack_get_sample_rate(&looker);
+    Await(
+        "the recording's end", [&] { return jack_get_current_transport_frame(&looker) >= end; }, 2min);
+    jack_transport_stop(&looker);
+}
+
 }  // namespace
 
 int main(int count, char** words) {
     try {
-        if (count != 1 && count != 4) throw std::runtime_error("usage: [AUDIO CLIENT HEARD]");
+        if (count == 2 || count > 4) throw std::runtime_error("usage: [AUDIO CLIENT HEARD | AUDIO PORT]");
         std::unique_ptr<jack_client_t, decltype(&jack_client_close)> looker(nullptr, jack_client_close);
         Await("the JACK server", [&] { return looker.reset(QuietJackClient("looker")), looker != nullptr; });
-        return count == 1 || PlayAndRecord(*looker, words[1], words[2], words[3]) ? 0 : 1;
+        if (count == 3) PlayRolling(*looker, words[1], words[2]);
+        return count < 4 || PlayAndRecord(*looker, words[1], words[2], words[3]) ? 0 : 1;
     } catch (const std::exception& fault) {
         std::cerr << "jack_play_and_record: " << fault.what() << '\n';
         return 1;
