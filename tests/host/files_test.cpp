@@ -1,12 +1,8 @@
-// The places of files, and how far a run over several has come.
-#include <gmock/gmock.h>
-#include <pty.h>
+// The places of files.
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include "tests/support/temp_folder.h"
 #include "tools/host/output_file.h"
-#include "tools/host/progress.h"
 
 namespace {
 
@@ -42,28 +38,6 @@ TEST(OutputFile, WhatWouldBeLostByMistakeIsRefused) {
     EXPECT_NO_THROW(guard({sound}, true));
     EXPECT_THROW(guard({list}, true), std::invalid_argument);
     EXPECT_THROW(guard({"new.mid", "./new.mid"}, true), std::invalid_argument);
-}
-
-TEST(Progress, IsTheMeanOfAllFilesOnATerminal) {
-    int terminal = -1, side = -1;
-    ASSERT_EQ(openpty(&terminal, &side, nullptr, nullptr, nullptr), 0);
-    setenv("TERM", "xterm", 1);
-    const int before = dup(STDERR_FILENO);
-    dup2(side, STDERR_FILENO);
-    {
-        Progress progress(2);
-        for (const auto& [file, share] : {std::pair{0U, 0.5}, {0U, 1.0}, {1U, 0.5}})
-            progress.Advance(file, share);
-    }
-    dup2(before, STDERR_FILENO);
-    std::string text;  // the terminal hands it over in pieces
-    for (char piece[256]; text.find("\033[K") == std::string::npos;) {
-        const ssize_t count = read(terminal, piece, sizeof piece);
-        ASSERT_GT(count, 0);
-        text.append(piece, static_cast<std::size_t>(count));
-    }
-    EXPECT_THAT(text, testing::ContainsRegex("25%.* 50%.* 75%"));
-    for (const int each : {before, terminal, side}) close(each);
 }
 
 }  // namespace

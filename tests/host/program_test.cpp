@@ -1,4 +1,5 @@
 // The real program, as a shell starts it: what it prints, what it leaves, and with which code it ends.
+#include <gmock/gmock.h>
 #include <sys/stat.h>
 
 #include <nlohmann/json.hpp>
@@ -70,6 +71,14 @@ TEST_F(Program, NamesTheFileAndTheReasonAndGoesOn) {
         ExpectOneLine(ended, reason);
         EXPECT_EQ(Named(ended).count(good), 2U) << name;
     }
+}
+
+TEST_F(Program, ShowsOnATerminalHowFarAllFilesHaveCome) {
+    setenv("TERM", "xterm", 1);
+    const std::string sound = ORVA_RECORDINGS "/bass_line.ogg ";
+    const Arguments words = {ORVA_HOST_PROGRAM " render " + sound + sound + "> /dev/null", folder / "screen"};
+    EXPECT_EQ(Process("script -qec \"$1\" \"$2\" > /dev/null", words).Wait(), 0);
+    EXPECT_THAT(ReadAll(folder / "screen"), testing::ContainsRegex(" 50%.*100%\r\033\\[K"));
 }
 
 // Writers into pipes put a number near a limit of 32 bits where the length belongs.
