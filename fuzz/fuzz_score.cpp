@@ -1,13 +1,6 @@
 // The reader of stored scores on any bytes: it loads, or raises one of its messages or an allocation failure,
 // and what it loaded is sound, comes back the same, took memory in proportion, and is exported as a whole
 // MIDI file, whatever its tempo, meter, bars, layers and levels.
-#include <algorithm>
-#include <cstdio>
-#include <cstdlib>
-#include <memory>
-#include <stdexcept>
-#include <string>
-
 #include "midifile/midi_exporter.h"
 #include "notes/notes.h"
 #include "tests/notes/memory_stream.h"

@@ -1,4 +1,3 @@
-
 #include "delivery/rt_recording.h"
 #include "notes/notes.h"
 #include "tests/support/test.h"

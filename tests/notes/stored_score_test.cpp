@@ -1,4 +1,3 @@
-
 #include "notes/notes.h"
 #include "tests/notes/memory_stream.h"
 #include "tests/support/test.h"

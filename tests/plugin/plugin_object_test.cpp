@@ -91,8 +91,6 @@ TEST_F(PluginObject, ARecordingTakesNotesAgainAfterASuspendBesideBlocks) {
     EXPECT_EQ(dead, 0);
 }
 
-// --- what the plug-in says to its host, and what it asks of it ---
-
 // With the delay of the detection taken off, band 45 is dated 40 + 38 x (1.11565 / 84) / 0.02 = 65.2 ms, in
 // samples 2876, before the end of a frame. In blocks of one frame it begins 441 - 2876 samples after the
 // begin of its block, and the silence that ends it comes at the begin of one. The last three events are sent
@@ -124,8 +122,6 @@ TEST(HostByProduct, OnlyTheKnownOnesGetEarlyEventsAtTheBlocksFirstSample) {
     EXPECT_EQ(played("Maker's Studio", NoteDates::neverEarly), raised);
     EXPECT_TRUE(StorePreferredNoteDates(NoteDates::automatic));
 }
-
-// --- the editor ---
 
 TEST_F(PluginObject, TheEditorHearsOfAHostsChangesAndNotOfItsOwn) {
     Set(paramChannel, 0.5F);
