@@ -12,6 +12,7 @@
 #include "desktop/shell.h"
 #include "desktop/user_store.h"
 #include "tests/support/temp_folder.h"
+#include "tests/support/trial.h"
 
 namespace {
 
@@ -122,15 +123,12 @@ TEST_F(UserStore, ASettingIsAFileForTheUserAloneReadUpTo255Bytes) {
 
 TEST_F(UserStore, AWriteThatFailsLeavesWhatWasThere) {
     ASSERT_TRUE(writeRegistryString("Name", "Ada"));
-    rlimit before = {};
-    getrlimit(RLIMIT_FSIZE, &before);
-    const auto handler = signal(SIGXFSZ, SIG_IGN);
-    const rlimit small = {100, before.rlim_max};
-    setrlimit(RLIMIT_FSIZE, &small);  // bytes that a file may have
-    const bool stored = writeRegistryString("Name", std::string(200, 'x'));
-    setrlimit(RLIMIT_FSIZE, &before);
-    signal(SIGXFSZ, handler);
-    EXPECT_FALSE(stored);
+    InChild([](Trial&) {
+        signal(SIGXFSZ, SIG_IGN);
+        const rlimit small = {100, RLIM_INFINITY};
+        setrlimit(RLIMIT_FSIZE, &small);  // bytes that a file may have
+        EXPECT_FALSE(writeRegistryString("Name", std::string(200, 'x')));
+    });
     EXPECT_EQ(readRegistryString("Name"), "Ada");
     EXPECT_EQ(Files(), 1);
 }
