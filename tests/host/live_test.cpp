@@ -80,8 +80,7 @@ TEST_F(Live, PlaysTheNotesThatRenderFindsPassesTheAudioOnAndLeavesNoNoteSounding
         if (!whole) break;
 
         EXPECT_EQ(synth.Heard(), music.notes);
-        const std::string file = ReadAll(music.folder / "live.mid");
-        EXPECT_EQ(2 * MidiReader({file.begin(), file.end()}).Notes().size(), music.notes.size());
+        EXPECT_EQ(2 * MidiReader(ReadAll(music.folder / "live.mid")).Notes().size(), music.notes.size());
     }
 }
 

@@ -99,9 +99,8 @@ TEST(NoteCleaning, TheGridIsExactInTheMidiFile) {
             take.events.push_back({std::llround(line * sixteenth), {on, C, 100}});
         const auto score = std::make_unique<TNotes>();
         TakeToScore(Cleaned(take, {0, 0, 16, tempo, {3, 2}, 18 * 15 / tempo}), *score);
-        const std::string file = MidiFileBytes(*score);
         unsigned line = 6;
-        for (const MidiEvent& event : Voices(MidiReader({file.begin(), file.end()}).tracks, 1))
+        for (const MidiEvent& event : Voices(MidiReader(MidiFileBytes(*score)).tracks, 1))
             EXPECT_TRUE(event.status >> 4 != 9 || event.tick == 30U * line++);
         EXPECT_EQ(line, 106);
     }

@@ -30,12 +30,11 @@ TEST(Recordings, AreHeardAsTheyWerePlayed) {
     constexpr double tolerance = 0.05;  // s, between a note's onset as written and as heard
     for (const Expected& expected : recordings) {
         const std::string path = std::string(ORVA_RECORDINGS) + "/" + expected.name;
-        const std::string truth = ReadAll(path + ".mid");
         RenderSettings settings;
         settings.ear.ear = expected.ear;
         const Take take = Render(PluginModule(ORVA_MODULE), path + ".ogg", settings, [](double) {});
         std::map<int, std::pair<std::vector<double>, std::vector<double>>> byPitch;  // written, heard: s
-        for (const WrittenNote& note : MidiReader({truth.begin(), truth.end()}, 0, 480).Notes())
+        for (const WrittenNote& note : MidiReader(ReadAll(path + ".mid"), 0, 480).Notes())
             byPitch[note.pitch].first.push_back(note.onset);
         for (const HeardNote& note : PairNotes(take))
             byPitch[note.pitch].second.push_back(Seconds(take, note.begin));

@@ -4,6 +4,7 @@
 #include "notes/notes.h"
 #include "tests/notes/memory_stream.h"
 #include "tests/support/midi_reader.h"
+#include "tests/support/test.h"
 
 namespace {
 
@@ -21,7 +22,7 @@ struct Score {
     MidiTracks Tracks(bool fixFirstBar = true) const {
         MemoryStream stream;
         SaveScore(*notes, stream, fixFirstBar);
-        return MidiReader({stream.bytes.begin(), stream.bytes.end()}).tracks;
+        return MidiReader(stream.bytes).tracks;
     }
     std::unique_ptr<TNotes> notes = std::make_unique<TNotes>();
 };

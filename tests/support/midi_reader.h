@@ -1,5 +1,5 @@
 #pragma once
-#include "tests/support/test.h"
+#include "tests/support/standard.h"
 
 // An event of a MIDI file.
 struct MidiEvent {
@@ -22,7 +22,7 @@ struct WrittenNote {
 // messages of two or three bytes and meta events. Anything else throws.
 class MidiReader {
 public:
-    explicit MidiReader(std::vector<std::uint8_t> file, unsigned format = 1, unsigned division = 120)
+    explicit MidiReader(std::string file, unsigned format = 1, unsigned division = 120)
         : bytes(std::move(file)), ticksPerQuarter(division) {
         ExpectTag("MThd");
         Expect(Number(4) == 6 && Number(2) == format, "header");
@@ -63,7 +63,7 @@ private:
     void ExpectTag(std::string_view tag) {
         for (const char letter : tag) Expect(Byte() == static_cast<std::uint8_t>(letter), "tag");
     }
-    std::uint8_t Byte() { return bytes.at(at++); }
+    std::uint8_t Byte() { return static_cast<std::uint8_t>(bytes.at(at++)); }
     unsigned Number(int size) {  // most significant byte first
         unsigned value = 0;
         while (size-- > 0) value = value << 8 | Byte();
@@ -98,7 +98,7 @@ private:
         return events;
     }
 
-    const std::vector<std::uint8_t> bytes;
+    const std::string bytes;
     std::size_t at = 0;
     const double ticksPerQuarter;
 };
