@@ -19,8 +19,8 @@ double ProcessorSeconds() {
     return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
 }
 
-// All 84 bands on, or none; the window's size in percent. The detector's flags and levels stand still; the
-// picture runs.
+// All 84 bands on and an input level that comes and goes, or silence; the window's size in percent. The
+// detector's flags and levels stand still; the picture runs.
 void Idle(benchmark::State& state) {
     const DisplayServer display;
     EditorHost host;
@@ -37,6 +37,8 @@ void Idle(benchmark::State& state) {
     std::vector<double> columns;
     for ([[maybe_unused]] auto iteration : state) {
         std::this_thread::sleep_for(std::chrono::milliseconds(33));
+        const float sample = state.range(0) != 0 && columns.size() % 2 == 0 ? 0.5F : 0.0F;
+        host.plugin.inputMeter.Measure(&sample, 1);
         const float average = host.plugin.levelAverage;
         const double begin = ProcessorSeconds();
         host.Call(effEditIdle);

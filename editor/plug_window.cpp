@@ -55,7 +55,7 @@ CPlugWindow::CPlugWindow(const CRect& size, guiEditor* itsEditor, CBitmap* backg
     showPage(0);
 }
 
-// The scrolling picture covers its place, and each painting sends the whole background to the display.
+// The scrolling picture covers its place.
 void CPlugWindow::drawBackgroundRect(CDrawContext* context, const CRect& area) {
     CRect within = area;
     within.bound(formArea);
