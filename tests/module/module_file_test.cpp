@@ -24,17 +24,19 @@ std::string Output(const std::string& command) {
     return status == 0 ? text : text + "ended with " + std::to_string(status);
 }
 
+std::vector<std::string> Words(const std::string& command) {
+    std::istringstream printed(Output(command));
+    return {std::istream_iterator<std::string>(printed), {}};
+}
+
 // What a tool for object files prints about the module.
 std::string Shown(const std::string& program) {
     return Output(program + " " ORVA_MODULE_FILE);
 }
 
 TEST(ModuleFile, ExportsTheThreeEntryPointsAndNothingElse) {
-    std::istringstream lines(Shown("nm -D --defined-only"));
-    std::vector<std::string> names;
-    for (std::string address, kind, name; lines >> address >> kind >> name;)
-        names.push_back(kind + " " + name);
-    EXPECT_THAT(names, testing::UnorderedElementsAre("T MAIN", "T VSTPluginMain", "T main"));
+    EXPECT_THAT(Words("nm -D --defined-only " ORVA_MODULE_FILE R"( | awk '{ print $2 ":" $3 }')"),
+                testing::UnorderedElementsAre("T:MAIN", "T:VSTPluginMain", "T:main"));
 }
 
 // Unique symbols would be shared with another plug-in's copy. Nothing of the toolkit's or of ours is looked
@@ -61,13 +63,9 @@ TEST(ModuleFile, SharesNoSymbolAndIsSealed) {
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 
 TEST(ModuleFile, StandsOnTheListedLibrariesAlone) {
-    std::istringstream lines(Shown("readelf -Wd"));
-    std::vector<std::string> needed;
-    for (std::string line; std::getline(lines, line);)
-        if (line.find("(NEEDED)") != std::string::npos) {
-            const std::size_t name = line.find('[') + 1;
-            needed.push_back(line.substr(name, line.find(".so") - name));
-        }
+    const std::vector<std::string> needed =
+        Words("readelf -Wd " ORVA_MODULE_FILE
+              R"( | awk -F '[][]' '/NEEDED/ { sub(/[.]so.*/, "", $2); print $2 }')");
     // clang-format off
     const std::vector<std::string> listed = {  // the languages', the loader, and what is used of the system
         "libc", "libm", "libstdc++", "libgcc_s", "ld-linux-x86-64", "ld-linux-aarch64", "libhwy",
@@ -83,9 +81,8 @@ TEST(ModuleFile, StandsOnTheListedLibrariesAlone) {
 // A plug-in must not change what the host's process is, nor end it, nor write past what it was given, nor
 // leave a destructor to a thread that ends after it.
 TEST(ModuleFile, TakesNothingThatReachesAcrossTheProcess) {
-    std::istringstream lines(Shown("nm -D --undefined-only"));
-    std::vector<std::string> names;  // without their versions
-    for (std::string kind, name; lines >> kind >> name;) names.push_back(name.substr(0, name.find('@')));
+    const std::vector<std::string> names =
+        Words("nm -D --just-symbols --undefined-only --without-symbol-versions " ORVA_MODULE_FILE);
     // clang-format off
     for (const char* const forbidden : {
             "__cxa_thread_atexit", "__cxa_thread_atexit_impl", "setlocale", "uselocale", "signal",
@@ -102,28 +99,24 @@ TEST(ModuleFile, TakesNothingThatReachesAcrossTheProcess) {
 // --- hosts of several kinds ---
 
 // What a process shares among all its parts: the mask of new files, and the floating-point modes.
-std::pair<mode_t, std::fenv_t> State() {
-    std::pair<mode_t, std::fenv_t> state;
-    umask(state.first = umask(0));
+std::string State() {
+    const mode_t mask = umask(0);
+    umask(mask);
     std::feclearexcept(FE_ALL_EXCEPT);
-    std::fegetenv(&state.second);
-    return state;
+    std::fenv_t modes;
+    std::fegetenv(&modes);
+    return std::to_string(mask) + std::string(reinterpret_cast<const char*>(&modes), sizeof modes);
 }
 
 // Loads all of the files, hears a note through each and unloads them, again and again.
 void LiveIn(const std::vector<std::string>& names, int flags) {
     InChild([&](Trial&) {
-        const auto before = State();
-        const auto expectSame = [&before] {
-            const auto now = State();
-            EXPECT_EQ(now.first, before.first);
-            EXPECT_EQ(std::memcmp(&now.second, &before.second, sizeof now.second), 0);
-        };
+        const std::string before = State();
         for (std::uint64_t round = Scaled(25); round > 0; --round) {
             std::set<void*> files, entries;
             for (const std::string& name : names) files.insert(dlopen(name.c_str(), RTLD_NOW | flags));
             ASSERT_EQ(files.count(nullptr), 0U) << dlerror();
-            expectSame();
+            EXPECT_EQ(State(), before);
             for (void* const file : files) {
                 void* const entry = *entries.insert(dlsym(file, "VSTPluginMain")).first;
                 Host host;
@@ -133,7 +126,7 @@ void LiveIn(const std::vector<std::string>& names, int flags) {
             }
             EXPECT_EQ(entries.size(), names.size()) << "a file without an entry of its own";
             for (void* const file : files) dlclose(file);
-            expectSame();
+            EXPECT_EQ(State(), before);
         }
     });
 }
