@@ -32,14 +32,7 @@ public:
     }
     // Until the window shows the same for a while: whatever was on its way has been drawn.
     void Settle() {
-        std::vector<std::uint8_t> before;
-        int same = 0;
-        Await([&] {
-            auto now = Pixels(0, 0, 267, 320);  // all but the picture that never rests
-            same = now == before ? same + 1 : 0;
-            before = std::move(now);
-            return same > 15;
-        });
+        AtRest(16, [&] { return Call(effEditIdle), Pixels(0, 0, 267, 320); });  // all but the moving picture
     }
 
     // The mouse from outside, by the display's own means.

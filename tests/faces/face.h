@@ -45,7 +45,7 @@ public:
     std::vector<Host::Event> events;  // three bytes each, whatever the format sends
     std::int32_t hostWidth = 0;       // that its window asked for
     double scale = 0;                 // of the display, as the host says; 0 for nothing
-    std::size_t space = 1 << 20;      // for events of one block, where the format has such a limit
+    std::size_t space = 1 << 20;      // for events of one block
 
 protected:
     virtual void Run(const float* in, float* out, std::uint32_t frames) = 0;

@@ -104,8 +104,12 @@ protected:
         Connect(portAudioIn, const_cast<float*>(in));
         Connect(portAudioOut, out);
         auto& sequence = *reinterpret_cast<LV2_Atom_Sequence*>(midi.data());
-        sequence.atom = {midiPortBytes, chunk};
+        // 8 bytes of body, and 24 for each event: 16 for its head, 2 or 3 for the message, padded to a
+        // multiple of 8. 23 more are too few for another, and 7 for any body.
+        const auto bytes = static_cast<std::uint32_t>(space == 0 ? 7 : 8 + 24 * space + 23);
+        sequence.atom = {std::min(midiPortBytes, bytes), chunk};
         descriptor->run(handle, frames);
+        if (space == 0) return;
         EXPECT_EQ(sequence.atom.type, sequenceType);
         LV2_ATOM_SEQUENCE_FOREACH(&sequence, event) {
             EXPECT_EQ(event->body.type, eventType);

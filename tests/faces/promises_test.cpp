@@ -165,7 +165,7 @@ TEST_P(Faces, LiveAThousandLivesAndTwoAtATime) {
     EXPECT_EQ(two->events, alone->events);
 }
 
-TEST_P(LaterFaces, GiveAFullHostTheRestInTheNextBlock) {
+TEST_P(Faces, GiveAFullHostTheRestInTheNextBlock) {
     const auto face = Active();
     const Audio chord = Tones({60, 64, 67}, 0.5);
     face->space = 0;

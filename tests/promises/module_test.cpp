@@ -41,20 +41,6 @@ ProcessState StateNow() {
     return state.insert(variables), state;
 }
 
-// Once nothing comes or goes any more: Pango reads its fonts on a thread of its own, which may still begin,
-// or have a file open, when a window has closed.
-ProcessState StateAtRest() {
-    ProcessState last;
-    int same = 0;
-    AwaitThat([&] {
-        ProcessState now = StateNow();
-        same = now == last ? same + 1 : 0;
-        last = std::move(now);
-        return same == 5;
-    });
-    return last;
-}
-
 // From load to unload. With a window, that is opened at each size, drawn, darkened or lightened and closed on
 // the way, again and again.
 void Live(const HostWindow* window) {
@@ -93,7 +79,9 @@ TEST(Module, ManyLivesLeaveTheProcessAsItWas) {
         [](Trial&) {
             static const HostWindow& window = *new HostWindow;  // outlives the check for leaks
             for (int i = 0; i < 3; ++i) Live(&window);
-            const ProcessState before = StateAtRest();
+            // Pango reads its fonts on a thread of its own, which may still begin, or have a file open, when
+            // a window has closed.
+            const ProcessState before = AtRest(5, StateNow);
             const std::int64_t blocks = Allocations::Live();
             for (std::uint64_t life = Scaled(100); life > 0 && !testing::Test::HasFailure(); --life)
                 Live(life % 10 == 0 ? &window : nullptr);

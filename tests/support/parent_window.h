@@ -26,12 +26,11 @@ private:
     Process server;
 };
 
-template <typename T>
-struct XcbFreed {
-    void operator()(T* memory) const { free(memory); }
+struct Freed {
+    void operator()(void* memory) const { free(memory); }
 };
 template <typename T>
-using XcbReply = std::unique_ptr<T, XcbFreed<T>>;
+using XcbReply = std::unique_ptr<T, Freed>;
 
 // What a host has on the display that DISPLAY names: a connection, and a window in which an editor may open,
 // at the display's upper left corner and without a frame.

@@ -13,3 +13,17 @@ bool AwaitThat(Condition condition, std::chrono::seconds limit = std::chrono::se
     }
     return true;
 }
+
+// What a look finds once it has found the same `times` times more, or after a long time.
+template <typename Look>
+auto AtRest(int times, Look look) {
+    auto last = look();
+    int same = 0;
+    AwaitThat([&] {
+        auto now = look();
+        same = now == last ? same + 1 : 0;
+        last = std::move(now);
+        return same == times;
+    });
+    return last;
+}

@@ -7,12 +7,7 @@ void (*Inside::report)(const char* name) = nullptr;
 #include <pthread.h>
 #include <sys/prctl.h>
 
-#include <array>
-#include <atomic>
-#include <cerrno>
-#include <csignal>
-#include <cstdio>
-#include <cstdlib>
+#include "tests/support/standard.h"
 
 #pragma GCC visibility push(default)
 extern "C" {
