@@ -26,8 +26,8 @@ public:
         detector.SetTuningEnabled(false);
         detector.SetBandwidth(0.02F);
         detector.equalizerEnabled = true;
-        detector.handler = &handler;
-        recorder.Attach(detector);
+        detector.handler = &recorder;
+        recorder.Attach(&detector);
         recorder.AddOutput(hostOut);  // which sends the program, before that is switched off below
         for (int bar = 3; bar <= 86; ++bar) values[bar] = 1;
         values[91] = 1;
@@ -144,12 +144,6 @@ public:
     std::vector<std::string> boxes;    // caption and text of each message to the user
     ModelPorts ports;
 
-    struct Handler : INoteHandler {
-        explicit Handler(ModelRecorder& notified) : recorder(notified) {}
-        void Attach(INoteDetector*) override {}
-        void OnFrame() override { recorder.OnFrame(); }
-        ModelRecorder& recorder;
-    };
     TRealTimeTS107 detector;
     ModelRecorder recorder;
     ModelRecording recording;
@@ -307,7 +301,6 @@ private:
     }
 
     const ModelHostKind kind;
-    Handler handler{recorder};
     ModelHostOut hostOut;
     std::unique_ptr<ModelDeviceOut> deviceOut;
     std::uint32_t devicePort = 0;

@@ -19,13 +19,45 @@ struct ModelHostCall {
     }
 };
 
-class ModelOut;
+class ModelRecorder;
+
+class ModelOut {
+public:
+    virtual ~ModelOut() = default;
+    virtual void NoteOn(int band) = 0;
+    virtual void NoteOff(int band) = 0;
+    virtual void Send(std::uint32_t message) = 0;
+    virtual void Start();
+    virtual void Stop() {
+        if (!running) return;
+        Silence();
+        running = false;
+    }
+    virtual void Silence();
+    virtual void Update();
+
+    ModelRecorder* recorder = nullptr;
+    bool running = false, silenced = true;
+};
 
 // What the outputs see of the detector, and the messages that they send.
-class ModelRecorder {
+class ModelRecorder : public INoteHandler {
 public:
-    void Attach(INoteDetector& attached);
-    void OnFrame();
+    void Attach(INoteDetector* attached) override {
+        AllNotesOff();
+        detector = attached;
+        numBands = attached->numBands;
+        frameLength = attached->frameLength;
+        sampleRate = static_cast<std::uint32_t>(attached->sampleRate.load());
+        time = 0;
+        std::fill_n(enabled, numBands, true);
+        BuildMessages();
+    }
+    void OnFrame() override {
+        time += frameLength;
+        for (ModelOut* output : outputs) output->Update();
+        for (int band = 0; band < numBands; ++band) playing[band] = Sounds(band);
+    }
     bool Sounds(int band) const { return detector->bandOn[band] && enabled[band]; }
     std::int32_t DelaySamples(int band) const {
         const float seconds = detector->GetBandDelay(band) * 0.001F;
@@ -34,10 +66,23 @@ public:
     std::uint32_t ProgramMessage() const {
         return static_cast<std::uint32_t>((program & 127) << 8 | 0xC0 | (channel & 15));
     }
-    void AddOutput(ModelOut& output);
-    void RemoveOutput(ModelOut& output);
-    void AllNotesOff();
-    void Broadcast(std::uint32_t message);
+    void AddOutput(ModelOut& output) {
+        if (std::find(outputs.begin(), outputs.end(), &output) != outputs.end()) return;
+        output.recorder = this;
+        if (sendProgramChange) output.Send(ProgramMessage());
+        outputs.push_back(&output);
+    }
+    void RemoveOutput(ModelOut& output) {
+        std::erase(outputs, &output);
+        output.recorder = nullptr;
+    }
+    void AllNotesOff() {
+        for (ModelOut* output : outputs) output->Silence();
+        std::fill_n(playing, numBands, false);
+    }
+    void Broadcast(std::uint32_t message) {
+        for (ModelOut* output : outputs) output->Send(message);
+    }
 
     void SetSendProgramChange(bool on) {
         sendProgramChange = on;
@@ -73,93 +118,41 @@ public:
     std::int64_t minNoteLength = 0, minNoteGap = 0;  // of a recording; samples
 
 private:
-    void BuildMessages();
+    void BuildMessages() {
+        for (int band = 0; band < numBands; ++band) {
+            const int note = transpose - detector->referenceBand + 69 + band;
+            const bool isNote = note >= 0 && note <= 127;
+            const auto low = static_cast<std::uint32_t>(channel & 15) | static_cast<std::uint32_t>(note) << 8;
+            onMessage[band] = isNote ? 0x90 | low | static_cast<std::uint32_t>(velocity & 127) << 16 : 0;
+            offMessage[band] = isNote ? 0x80 | low : 0;
+        }
+    }
+
     std::vector<ModelOut*> outputs;
 };
 
-class ModelOut {
-public:
-    virtual ~ModelOut() = default;
-    virtual void NoteOn(int band) = 0;
-    virtual void NoteOff(int band) = 0;
-    virtual void Send(std::uint32_t message) = 0;
-    virtual void Start() {
-        if (recorder != nullptr && !running)
-            for (int band = 0; band < recorder->numBands; ++band)
-                if (recorder->Sounds(band)) NoteOn(band);
-        running = true;
-    }
-    virtual void Stop() {
-        if (!running) return;
-        Silence();
-        running = false;
-    }
-    virtual void Silence() {
-        if (!running || silenced) return;
+inline void ModelOut::Start() {
+    if (recorder != nullptr && !running)
         for (int band = 0; band < recorder->numBands; ++band)
-            if (recorder->playing[band]) NoteOff(band);
-        silenced = true;
+            if (recorder->Sounds(band)) NoteOn(band);
+    running = true;
+}
+
+inline void ModelOut::Silence() {
+    if (!running || silenced) return;
+    for (int band = 0; band < recorder->numBands; ++band)
+        if (recorder->playing[band]) NoteOff(band);
+    silenced = true;
+}
+
+inline void ModelOut::Update() {
+    if (!running) return;
+    for (int band = 0; band < recorder->numBands; ++band) {
+        const bool now = recorder->Sounds(band), before = recorder->playing[band];
+        if (before && !now) NoteOff(band);
+        if (now && !before) NoteOn(band);
     }
-    virtual void Update() {
-        if (!running) return;
-        for (int band = 0; band < recorder->numBands; ++band) {
-            const bool now = recorder->Sounds(band), before = recorder->playing[band];
-            if (before && !now) NoteOff(band);
-            if (now && !before) NoteOn(band);
-        }
-        silenced = false;
-    }
-
-    ModelRecorder* recorder = nullptr;
-    bool running = false, silenced = true;
-};
-
-inline void ModelRecorder::Attach(INoteDetector& attached) {
-    AllNotesOff();
-    detector = &attached;
-    numBands = attached.numBands;
-    frameLength = attached.frameLength;
-    sampleRate = static_cast<std::uint32_t>(attached.sampleRate.load());
-    time = 0;
-    std::fill_n(enabled, numBands, true);
-    BuildMessages();
-}
-
-inline void ModelRecorder::BuildMessages() {
-    for (int band = 0; band < numBands; ++band) {
-        const int note = transpose - detector->referenceBand + 69 + band;
-        const bool isNote = note >= 0 && note <= 127;
-        const auto low = static_cast<std::uint32_t>(channel & 15) | static_cast<std::uint32_t>(note) << 8;
-        onMessage[band] = isNote ? 0x90 | low | static_cast<std::uint32_t>(velocity & 127) << 16 : 0;
-        offMessage[band] = isNote ? 0x80 | low : 0;
-    }
-}
-
-inline void ModelRecorder::OnFrame() {
-    time += frameLength;
-    for (ModelOut* output : outputs) output->Update();
-    for (int band = 0; band < numBands; ++band) playing[band] = Sounds(band);
-}
-
-inline void ModelRecorder::AddOutput(ModelOut& output) {
-    if (std::find(outputs.begin(), outputs.end(), &output) != outputs.end()) return;
-    output.recorder = this;
-    if (sendProgramChange) output.Send(ProgramMessage());
-    outputs.push_back(&output);
-}
-
-inline void ModelRecorder::RemoveOutput(ModelOut& output) {
-    std::erase(outputs, &output);
-    output.recorder = nullptr;
-}
-
-inline void ModelRecorder::AllNotesOff() {
-    for (ModelOut* output : outputs) output->Silence();
-    std::fill_n(playing, numBands, false);
-}
-
-inline void ModelRecorder::Broadcast(std::uint32_t message) {
-    for (ModelOut* output : outputs) output->Send(message);
+    silenced = false;
 }
 
 // To the host, by way of `calls`.
