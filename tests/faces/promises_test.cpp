@@ -174,7 +174,9 @@ TEST_P(Faces, GiveAFullHostTheRestInTheNextBlock) {
         EXPECT_EQ(face->events.size(), all);
         face->Process(nullptr, nullptr, 64);
     }
-    EXPECT_EQ(face->events.size(), 4U);
+    ASSERT_EQ(face->events.size(), 4U);
+    for (std::size_t i = 0; i < 4; ++i)  // at the begin of its block
+        EXPECT_EQ(face->events[i].at, static_cast<std::int64_t>(chord.size() + 64 * i));
 }
 
 TEST_P(LaterFaces, KeepObjectAndEqualizerAtAnotherRate) {

@@ -12,15 +12,14 @@ namespace {
 // A host's audio thread for as long as this lives.
 class AudioThread {
 public:
-    explicit AudioThread(Host& host)
-        : thread([this, &host] {
+    AudioThread(const Trial& trial, Host& host)
+        : thread([this, &trial, &host] {
               for (std::size_t played = 0; !stop; played += 441, ++blocks)
-                  whole = host.Play(Chord({57, 61, 64}, 441, played)) && whole;
+                  trial.Require(host.Play(Chord({57, 61, 64}, 441, played)), "a block came out changed");
           }) {}
     ~AudioThread() {
         stop = true;
         thread.join();
-        EXPECT_TRUE(whole) << "a block came out changed";
     }
     AudioThread(const AudioThread&) = delete;
     AudioThread& operator=(const AudioThread&) = delete;
@@ -31,7 +30,7 @@ public:
     }
 
 private:
-    std::atomic<bool> stop{false}, whole{true};
+    std::atomic<bool> stop{false};
     std::atomic<long> blocks{0};
     std::thread thread;
 };
@@ -92,7 +91,7 @@ TEST(Window, CallsInAnyOrderKeepOneWindowAtMost) {
         const TempFolder settings;
         setenv("XDG_CONFIG_HOME", settings.path.c_str(), 1);
         std::array<EditorHost, 2> hosts;
-        const AudioThread audio(hosts[0]);
+        const AudioThread audio(trial, hosts[0]);
         xcb_window_t windows[2][2], useless[] = {0, 0, 0}, shown[] = {0, 0};  // which holds the editor
         for (std::size_t i = 0; i < 4; ++i)
             hosts[i / 2].MakeParent(), windows[i / 2][i % 2] = hosts[i / 2].parent;
@@ -137,7 +136,7 @@ TEST(Window, AWindowOrDisplayThatFailsTakesNeitherHostNorAudioWithIt) {
         if (trial.number == noFonts) setenv("FONTCONFIG_FILE", "/dev/null", 1);
         DisplayServer display;
         EditorHost host;
-        const AudioThread audio(host);
+        const AudioThread audio(trial, host);
         const std::string name = getenv("DISPLAY");
         const bool openBefore = trial.number <= displayEnds;
         ASSERT_EQ(openBefore && host.Open(), openBefore);

@@ -34,7 +34,6 @@ thread_local Caller* caller = nullptr;
 struct Storm {
     Host host;
     std::atomic<long> calls{0}, blocks{0};
-    std::atomic<bool> audioIsWhole{true}, textsFit{true};
     bool locks = false;  // the host has a lock of its own, in its callback and around half of its calls
     std::recursive_mutex lock;  // and takes it whichever lock the other thread has
 };
@@ -50,7 +49,7 @@ void PlayBlock(Trial& trial) {
                               : Noise(trial.random, length);
     clock += length;
     if (kind == 15) block[0] = NAN;
-    if (!storm->host.Play(block, length, ways[trial.Below(3)])) storm->audioIsWhole = false;
+    trial.Require(storm->host.Play(block, length, ways[trial.Below(3)]), "a block came out changed");
     storm->blocks.fetch_add(1, std::memory_order_relaxed);
 }
 
@@ -89,8 +88,9 @@ void Control(Trial& trial) {
         case 5: {
             host.Call(effGetProgramName, 0, 0, text);
             const std::string name = text;
-            if (name.size() > 31 || (name != "Default" && name.find_first_not_of(name[0]) != name.npos))
-                storm->textsFit = false;
+            trial.Require(
+                name.size() <= 31 && (name == "Default" || name.find_first_not_of(name[0]) == name.npos),
+                "a program name of two, or too long");
             break;
         }
         case 6: host.Call(effOpen); break;
@@ -118,7 +118,7 @@ void UseWindow(Trial& trial, const HostWindow& window, const std::string& take) 
             break;
         case 7: {  // a name, not the halves of two
             const std::string chord = object.currentChordText();
-            if (!chord.empty() && (chord[0] < 'A' || chord[0] > 'H')) storm->textsFit = false;
+            trial.Require(chord.empty() || (chord[0] >= 'A' && chord[0] <= 'H'), "no chord's name");
             break;
         }
         case 8: object.buildLevels(levels); break;
@@ -171,8 +171,6 @@ TEST(Threads, FourThreadsOfAHostCallOneInstanceAtOnce) {
             now.host.Call(effEditClose);
         });
         for (std::thread& thread : threads) thread.join();
-        EXPECT_TRUE(now.audioIsWhole) << "a block came out changed";
-        EXPECT_TRUE(now.textsFit) << "a program name of two, or too long, or no chord's name";
         now.host.Close();
         EXPECT_EQ(Devices().OpenCount() + Devices().faults, 0);
     });
