@@ -15,7 +15,6 @@ struct Page {
 Page* page = nullptr;  // the child's own
 
 struct Child {
-    pid_t process = -1;
     Page* shared = nullptr;
     std::uint64_t begin = 0, end = 0;
 };
@@ -25,21 +24,21 @@ std::string TestName() {
     return test == nullptr ? "" : std::string(test->test_suite_name()) + "." + test->name();
 }
 
-void Start(Child& child, const Trials& trials, const std::function<void(Trial&)>& body) {
+pid_t Start(Child& child, const Trials& trials, const std::function<void(Trial&)>& body) {
     void* const memory =
         mmap(nullptr, sizeof(Page), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
     if (memory == MAP_FAILED) std::abort();
     child.shared = new (memory) Page;
     std::fflush(nullptr);
-    child.process = fork();
-    if (child.process == -1) std::abort();
-    if (child.process != 0) return;
+    const pid_t process = fork();
+    if (process == -1) std::abort();
+    if (process != 0) return process;
     page = child.shared;
     for (std::uint64_t number = child.begin; number < child.end; ++number) {
         page->current = number;
         alarm(trials.seconds);  // whose signal ends the process
         Trial trial(TestName(), number);
-        body(trial);
+        [&]() noexcept { body(trial); }();  // an exception ends the process
         if (testing::Test::HasFailure()) trial.Fail("see the assertion above");
         ++page->done;
     }
@@ -117,27 +116,25 @@ void RunTrials(const Trials& trials, const std::function<void(Trial&)>& body) {
     std::uint64_t next = only != nullptr ? std::strtoull(only, nullptr, 10) : 0, done = 0;
     const std::uint64_t end = only != nullptr ? next + 1 : trials.fixed ? trials.cases : Scaled(trials.cases);
     const std::size_t most = std::max(1U, std::thread::hardware_concurrency());
-    std::vector<Child> children;
+    std::map<pid_t, Child> children;
     std::string failure;
     while ((next < end && failure.empty()) || !children.empty()) {
         if (next < end && failure.empty() && children.size() < most) {
-            Child child;
-            child.begin = next;
-            child.end = next = std::min(end, next + trials.batch);
-            Start(child, trials, body);
-            children.push_back(child);
+            Child child{nullptr, next, std::min(end, next + trials.batch)};
+            next = child.end;
+            const pid_t process = Start(child, trials, body);
+            children[process] = child;
             continue;
         }
         int status = 0;
         const pid_t ended = waitpid(-1, &status, 0);
         if (ended == -1) std::abort();
-        const auto child = std::find_if(children.begin(), children.end(),
-                                        [=](const Child& each) { return each.process == ended; });
-        if (child == children.end()) continue;
-        done += child->shared->done;
-        if (failure.empty()) failure = Fault(*child, status);
-        munmap(child->shared, sizeof(Page));
-        children.erase(child);
+        if (children.count(ended) == 0) continue;
+        const Child child = children[ended];
+        children.erase(ended);
+        done += child.shared->done;
+        if (failure.empty()) failure = Fault(child, status);
+        munmap(child.shared, sizeof(Page));
     }
     std::printf("[   CASES  ] %llu\n", static_cast<unsigned long long>(done));
     if (!failure.empty()) ADD_FAILURE() << failure;

@@ -1,7 +1,7 @@
 #pragma once
 #include "tests/support/test.h"
 
-// Cases in child processes, whose crash, hang or early exit is a failure of the running test, and the two
+// Cases in child processes, whose crash, exception, hang or early exit is a failure of the test, and the two
 // settings of a run:
 //   ORVA_TEST_SEED   of all that is random; without it a new one for each program, printed
 //   ORVA_TEST_SCALE  a factor on the number of cases, 1 unless set
