@@ -5,6 +5,7 @@
 
 #include "tests/support/host.h"
 #include "tests/support/music.h"
+#include "tests/support/process.h"
 #include "tests/support/temp_folder.h"
 #include "tests/support/trial.h"
 
@@ -12,17 +13,6 @@ namespace {
 
 using testing::IsSubsetOf;
 using testing::Not;
-
-// What a command prints, and its exit code behind that if it is not 0.
-std::string Output(const std::string& command) {
-    std::FILE* const pipe = popen((command + " 2>&1").c_str(), "r");
-    if (pipe == nullptr) return "not started";
-    std::string text;
-    std::array<char, 4096> part{};
-    while (std::fgets(part.data(), part.size(), pipe) != nullptr) text += part.data();
-    const int status = pclose(pipe);
-    return status == 0 ? text : text + "ended with " + std::to_string(status);
-}
 
 std::vector<std::string> Words(const std::string& command) {
     std::istringstream printed(Output(command));

@@ -4,6 +4,7 @@
 #include "tests/support/linked_host.h"
 #include "tests/support/messages.h"
 #include "tests/support/music.h"
+#include "tests/support/process.h"
 #include "tests/support/temp_folder.h"
 #include "tests/support/trial.h"
 
@@ -25,21 +26,18 @@ std::vector<Onset> OnsetsOf(const std::vector<TRecordEvent>& take, double rate) 
     return onsets;
 }
 std::vector<Onset> OnsetsOf(const std::string& path, std::size_t& ends) {
-    std::FILE* const pipe = popen(("midicsv '" + path + "' 2>&1").c_str(), "r");
-    char line[256];
+    EXPECT_EQ(Run({"midicsv", path, path + ".csv"}), 0);
+    std::ifstream file(path + ".csv");
     std::vector<Onset> onsets;
-    while (pipe != nullptr && std::fgets(line, sizeof line, pipe) != nullptr) {
+    for (std::string line; std::getline(file, line);) {
+        std::erase(line, ',');
+        std::istringstream words(line);
         unsigned track = 0, tick = 0, channel = 0, pitch = 0, velocity = 0;
-        char what[8] = {};
-        if (std::sscanf(line, "%u, %u, Note_%7[^_]_c, %u, %u, %u", &track, &tick, what, &channel, &pitch,
-                        &velocity) != 6)
-            continue;
-        if (what == std::string("on"))
-            onsets.emplace_back(channel, pitch, velocity, tick);
-        else
-            ++ends;
+        std::string kind;
+        words >> track >> tick >> kind >> channel >> pitch >> velocity;
+        if (kind == "Note_on_c") onsets.emplace_back(channel, pitch, velocity, tick);
+        if (kind == "Note_off_c") ++ends;
     }
-    EXPECT_EQ(pipe == nullptr ? -1 : pclose(pipe), 0) << "midicsv";
     std::sort(onsets.begin(), onsets.end());
     return onsets;
 }

@@ -54,15 +54,6 @@ public:
     }
     void Set(std::int32_t index, float value) const { effect->setParameter(effect, index, value); }
     float Get(std::int32_t index) const { return effect->getParameter(effect, index); }
-    // What a text call leaves in the 64 bytes that hosts reserve; a failure of the test if it writes beyond.
-    std::string Text(std::int32_t opcode, std::int32_t index = 0) const {
-        char text[96];
-        std::memset(text, '\x7F', sizeof text);
-        Call(opcode, index, 0, text);
-        EXPECT_TRUE(std::all_of(text + 64, text + 96, [](char byte) { return byte == '\x7F'; }))
-            << "opcode " << opcode << " writes beyond 64 bytes";
-        return std::string(text, strnlen(text, 64) == 64 ? 0 : std::strlen(text));
-    }
 
     // One block by the pointers to the samples, in one of the three ways; either may be null.
     template <typename Sample>

@@ -55,3 +55,14 @@ private:
 inline int Run(std::vector<std::string> words) {
     return Process(R"(exec "$@")", std::move(words)).Wait();
 }
+
+// What a command of the shell prints, and its exit code behind that if it is not 0.
+inline std::string Output(const std::string& command) {
+    std::FILE* const pipe = popen((command + " 2>&1").c_str(), "r");
+    if (pipe == nullptr) return "not started";
+    std::string text;
+    std::array<char, 4096> part{};
+    while (std::fgets(part.data(), part.size(), pipe) != nullptr) text += part.data();
+    const int status = pclose(pipe);
+    return status == 0 ? text : text + "ended with " + std::to_string(status);
+}
