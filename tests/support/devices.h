@@ -4,7 +4,7 @@
 #include "tests/support/test.h"
 
 // MIDI devices that write down what they were asked: "open 2" (a device id), then by handle "send 1 90 3c
-// 64", "close 1", "reset 1", "long 1 2" (bytes), "read"; "stale" is a send to a handle that is not open. What
+// 64", "close 1", "reset 1", "long 1 2" (bytes); "stale" is a send to a handle that is not open. What
 // a test wants refused, it says in the maps.
 //
 // Threads: with `keepsLines` cleared, any; the counts are relaxed, so that the double does not order threads
@@ -65,7 +65,7 @@ public:
     }
     SystemVersion GetVersionExA() override { return version; }
     void ReadDevices() override {
-        if (keepsLines) Note("read");
+        if (during) during("read");
     }
 
     Calls Taken() { return std::exchange(calls, {}); }
@@ -80,7 +80,8 @@ public:
     std::vector<std::u16string> names = {u"one", u"two", u"three"};  // 15 at most
     std::map<std::uint32_t, std::uint32_t> refusedOpens;             // device id to code
     std::map<std::uint32_t, std::uint32_t> refusedMessages;          // message to code
-    std::function<void(const std::string&)> during;                  // inside each call that is written down
+    // Inside each call that is written down, and at "read".
+    std::function<void(const std::string&)> during;
     void (*judge)(std::uint32_t message) = nullptr;
     bool keepsLines = true;
     SystemVersion version = {6, 2};

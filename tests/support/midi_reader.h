@@ -34,21 +34,18 @@ public:
 
     // All note-ons by onset, at the tempi that the file gives.
     std::vector<WrittenNote> Notes() const {
-        std::vector<const MidiEvent*> events;
-        for (const std::vector<MidiEvent>& track : tracks)
-            for (const MidiEvent& event : track) events.push_back(&event);
-        std::stable_sort(events.begin(), events.end(),
-                         [](const MidiEvent* a, const MidiEvent* b) { return a->tick < b->tick; });
+        std::vector<MidiEvent> events;
+        for (const auto& track : tracks) events.insert(events.end(), track.begin(), track.end());
+        std::ranges::stable_sort(events, {}, &MidiEvent::tick);
         std::vector<WrittenNote> notes;
         double seconds = 0, perQuarter = 0.5;  // s; 120 quarters a minute until the file says otherwise
         std::uint64_t tick = 0;
-        for (const MidiEvent* const event : events) {
-            seconds += static_cast<double>(event->tick - tick) * perQuarter / ticksPerQuarter;
-            tick = event->tick;
-            const std::vector<std::uint8_t>& data = event->data;
-            if (event->status == 0xFF && data[0] == 0x51)
+        for (const auto& [when, status, data] : events) {
+            seconds += static_cast<double>(when - tick) * perQuarter / ticksPerQuarter;
+            tick = when;
+            if (status == 0xFF && data[0] == 0x51)
                 perQuarter = (data.at(1) * 65536 + data.at(2) * 256 + data.at(3)) / 1e6;
-            else if (event->status >> 4 == 9 && data[1] > 0)
+            else if (status >> 4 == 9 && data[1] > 0)
                 notes.push_back({seconds, data[0]});
         }
         return notes;
@@ -105,8 +102,7 @@ private:
 
 // The events of a track that are no meta events.
 inline std::vector<MidiEvent> Voices(const MidiTracks& tracks, std::size_t track) {
-    std::vector<MidiEvent> voices;
-    for (const MidiEvent& event : tracks.at(track))
-        if (event.status != 0xFF) voices.push_back(event);
+    std::vector<MidiEvent> voices = tracks.at(track);
+    std::erase_if(voices, [](const MidiEvent& event) { return event.status == 0xFF; });
     return voices;
 }
