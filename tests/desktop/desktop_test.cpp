@@ -119,6 +119,8 @@ TEST_F(UserStore, ASettingIsAFileForTheUserAloneReadUpTo255Bytes) {
     struct stat found = {};
     ASSERT_EQ(stat((folder / "Name").c_str(), &found), 0);
     EXPECT_EQ(found.st_mode & 0777U, 0600U);
+    setenv("XDG_CONFIG_HOME", "/dev/null", 1);  // in which no folder can be made
+    EXPECT_FALSE(writeRegistryString("Name", "text"));
 }
 
 TEST_F(UserStore, AWriteThatFailsLeavesWhatWasThere) {

@@ -26,7 +26,7 @@ TEST_F(Pictures, OfTheDocumentsShowTheWindowAtRest) {
         int off = 0;
         for (std::size_t at = 0; at < shown.size(); at += 4)
             off += isOff(at) || isOff(at + 1) || isOff(at + 2);
-        EXPECT_LT(off, 10) << name << ": docs/make-pictures makes them anew";
+        EXPECT_LT(off, 4) << name << ": docs/make-pictures makes them anew";
         host->Call(effEditClose);
     }
 }

@@ -111,6 +111,8 @@ TEST(Clap, EachParameterIsShownAndReadByItsText) {
         EXPECT_STREQ(again, text) << i;
     }
     EXPECT_FALSE(host.Params().get_info(host.plugin, 96, &info));
+    for (const std::int32_t i : {paramInstrument, paramChannel})
+        for (const auto& [at, label] : FindParameter(i)->points()) EXPECT_EQ(ParameterDisplay(i, at), label);
 }
 
 }  // namespace
