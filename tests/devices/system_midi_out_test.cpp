@@ -8,8 +8,8 @@ namespace {
 
 using NameList = std::vector<std::string>;
 
-// A layer, and what it was asked to do; the devices hold it by a thin shell.
-struct Layer {
+// A layer, and what it was asked to do.
+struct Layer : MidiBackend {
     struct Device : MidiDevice {
         explicit Device(Layer& its) : layer(its) {}
         ~Device() override {
@@ -29,19 +29,16 @@ struct Layer {
         }
         Layer& layer;
     };
-    struct Backend : MidiBackend {
-        explicit Backend(Layer& its) : layer(its) {}
-        NameList DeviceNames() override { return layer.names; }
-        MidiOpening Open(const std::string& name) override {
-            layer.opened.push_back(name);
-            if (layer.refusal.code != MMSYSERR_NOERROR)
-                return {nullptr, layer.refusal.code, layer.refusal.text};
-            return {std::make_unique<Device>(layer)};
-        }
-        Layer& layer;
-    };
+    explicit Layer(NameList listed) : names(std::move(listed)) {}
+    NameList DeviceNames() override { return names; }
+    MidiOpening Open(const std::string& name) override {
+        opened.push_back(name);
+        if (refusal != MMSYSERR_NOERROR) return {nullptr, refusal, "refused"};
+        return {std::make_unique<Device>(*this)};
+    }
+
     NameList names, opened;
-    MidiOpening refusal;  // with a code: the answer to every opening
+    std::uint32_t refusal = MMSYSERR_NOERROR;  // the answer to every opening
     int closed = 0;
     bool keeps = true;  // what is sent
     std::vector<std::uint32_t> sent;
@@ -51,11 +48,9 @@ struct Layer {
 
 class SystemDevices : public testing::Test {
 protected:
-    std::vector<std::unique_ptr<MidiBackend>> Layers() {
-        first.names = {"a", "b"}, second.names = {"b", "c"};
+    std::vector<std::unique_ptr<MidiBackend>> Layers() const {
         std::vector<std::unique_ptr<MidiBackend>> layers;
-        for (Layer* const layer : {&first, &second})
-            layers.push_back(std::make_unique<Layer::Backend>(*layer));
+        for (Layer* const layer : {first, second}) layers.emplace_back(layer);
         return layers;
     }
     NameList Names() {  // "-" for a gap
@@ -81,29 +76,29 @@ protected:
     }
     void Close(MidiOutHandle handle) { EXPECT_EQ(devices.midiOutClose(handle), MMSYSERR_NOERROR); }
 
-    Layer first, second;
+    Layer *const first = new Layer({"a", "b"}), *const second = new Layer({"b", "c"});  // the devices' own
     SystemMidiOut devices{Layers()};
 };
 
 TEST_F(SystemDevices, AnIdOpensTheDeviceThatTheListShowedUnderItOrNone) {
     EXPECT_EQ(Names(), (NameList{"a", "b", "b (2)", "c"}));
-    first.names = {"new", "b"};                              // "a" has gone, and what came takes its place
+    first->names = {"new", "b"};                             // "a" has gone, and what came takes its place
     EXPECT_EQ(Names(), (NameList{"a", "b", "b (2)", "c"}));  // read once, and when it is asked for
     Open(0, MMSYSERR_BADDEVICEID);
     const MidiOutHandle handle = Open(2);
-    EXPECT_EQ(second.opened, NameList{"b"});
+    EXPECT_EQ(second->opened, NameList{"b"});
     EXPECT_EQ(Names(), (NameList{"-", "b", "b (2)", "c", "new"}));
-    second.names = {"c"};  // the open device itself has gone, and no other changes its id
+    second->names = {"c"};  // the open device itself has gone, and no other changes its id
     EXPECT_EQ(ReadNames(), (NameList{"-", "b", "-", "c", "new"}));
     EXPECT_EQ(devices.midiOutShortMsg(handle, 0x643C90), MMSYSERR_NOERROR);  // to a device that is no more
     Close(handle);
-    first.names = {"cut \xC3", std::string(4096, 'x')};
+    first->names = {"cut \xC3", std::string(4096, 'x')};
     EXPECT_EQ(ReadNames(), (NameList{"cut \xEF\xBF\xBD", std::string(319, 'x'), "c"}));  // in order again
     Close(Open(1));
-    EXPECT_EQ(first.opened, NameList{std::string(4096, 'x')});  // by its whole name
-    first.refusal = {nullptr, MMSYSERR_ALLOCATED, "in use"};
+    EXPECT_EQ(first->opened, NameList{std::string(4096, 'x')});  // by its whole name
+    first->refusal = MMSYSERR_ALLOCATED;
     Open(0, MMSYSERR_ALLOCATED);
-    EXPECT_EQ(Text(MMSYSERR_ALLOCATED), "in use");  // the layer's own text
+    EXPECT_EQ(Text(MMSYSERR_ALLOCATED), "refused");  // the layer's own text
 }
 
 TEST_F(SystemDevices, AHandleServesUntilItIsClosedAndNeverAgain) {
@@ -119,13 +114,13 @@ TEST_F(SystemDevices, AHandleServesUntilItIsClosedAndNeverAgain) {
     EXPECT_EQ(devices.midiOutShortMsg(next, 0x643C90), MMSYSERR_NOERROR);
     EXPECT_EQ(devices.midiOutShortMsg(next, 0x64903C), MMSYSERR_INVALPARAM);  // no status
     EXPECT_EQ(devices.midiOutLongMsg(next, {bytes, 2}), MMSYSERR_NOERROR);
-    EXPECT_EQ(first.longBytes, 2U);
+    EXPECT_EQ(first->longBytes, 2U);
     EXPECT_EQ(devices.midiOutReset(next), MMSYSERR_NOERROR);
-    ASSERT_EQ(first.sent.size(), 1U + 32U);
-    EXPECT_EQ(first.sent[1], 0x0040B0U);   // sustain pedal, channel 0
-    EXPECT_EQ(first.sent[32], 0x007BBFU);  // all notes off, channel 15
+    ASSERT_EQ(first->sent.size(), 1U + 32U);
+    EXPECT_EQ(first->sent[1], 0x0040B0U);   // sustain pedal, channel 0
+    EXPECT_EQ(first->sent[32], 0x007BBFU);  // all notes off, channel 15
     Close(next);
-    EXPECT_EQ(first.closed, 2);
+    EXPECT_EQ(first->closed, 2);
 }
 
 TEST(ShortMessages, HaveTheLengthOfTheirStatus) {
@@ -143,27 +138,27 @@ TEST(ShortMessages, HaveTheLengthOfTheirStatus) {
 
 // Two threads send to one device while it is opened and closed: each message reaches it while it is open.
 TEST_F(SystemDevices, NoSendReachesADeviceThatIsBeingClosed) {
-    first.keeps = false;
+    first->keeps = false;
     std::atomic<MidiOutHandle> current{0};
     std::atomic<bool> done{false};
     const auto send = [&] {
         while (!done) {
             const std::uint32_t result =
                 devices.midiOutShortMsg(current.load(std::memory_order_relaxed), 0x90);
-            if (result != MMSYSERR_NOERROR && result != MMSYSERR_INVALHANDLE) ++first.faults;
+            if (result != MMSYSERR_NOERROR && result != MMSYSERR_INVALHANDLE) ++first->faults;
         }
     };
     std::thread one(send), two(send);
     for (int round = 0; round < 20; ++round) {
         const MidiOutHandle handle = Open(0);
         current.store(handle, std::memory_order_relaxed);
-        while (first.inside == 0) std::this_thread::yield();
+        while (first->inside == 0) std::this_thread::yield();
         Close(handle);
     }
     done = true;
     one.join();
     two.join();
-    EXPECT_EQ(first.faults, 0);
+    EXPECT_EQ(first->faults, 0);
 }
 
 }  // namespace
