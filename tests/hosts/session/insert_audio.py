@@ -21,11 +21,8 @@ xml.SubElement(root.find("Sources"), "Source", {
 def add_region(parent, number, whole_file):
     xml.SubElement(parent, "Region", {
         "name": audio.stem, "id": number, "type": "audio", "start": "a0", "length": f"a{length}@a0",
-        "sync-position": "a0", "ancestral-start": "a0", "ancestral-length": "a0@a0", "whole-file": whole_file,
-        "opaque": "1", "muted": "0", "locked": "0", "automatic": "0", "import": "0", "external": "0", "hidden": "0",
-        "stretch": "1", "shift": "1", "layering-index": "0", "envelope-active": "0", "default-fade-in": "0",
-        "default-fade-out": "0", "fade-in-active": "0", "fade-out-active": "0", "scale-amplitude": "1",
-        "channels": "1", "source-0": "90001", "master-source-0": "90001"})
+        "whole-file": whole_file, "fade-in-active": "0", "fade-out-active": "0", "channels": "1",
+        "source-0": "90001", "master-source-0": "90001"})
 
 
 add_region(root.find("Regions"), "90002", "1")
