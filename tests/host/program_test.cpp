@@ -19,7 +19,7 @@ protected:
         for (const char* name : {"one/a.wav", "one/b c.wav", "two/a.wav"}) {
             files.push_back(folder / name);
             fs::create_directories(fs::path(files.back()).parent_path());
-            WriteAudio(files.back(), HeldNote(middleC, 44100, 0.3, 1.0, 1.3), 44100);
+            WriteAudio(files.back(), OneNote(middleC, 44100, 0.3, 1.0, 1.3), 44100);
         }
     }
     static void ExpectOneLine(const Ended& ended, const std::string& reason) {
@@ -136,7 +136,7 @@ TEST_F(Program, PassesItsSettingsOnToThePlugIn) {
     // A starting point shuts out what its instrument cannot play: C3 lies below a flute. It is parameter
     // 3 + 48 - 24 that opens its bar, and parameters have the last word.
     const std::string low = folder / "low.wav", C3 = "\"midi\":48";
-    WriteAudio(low, HeldNote(middleC / 2, 44100, 0.3, 1.0, 1.3), 44100);
+    WriteAudio(low, OneNote(middleC / 2, 44100, 0.3, 1.0, 1.3), 44100);
     EXPECT_FALSE(Contains(NotesOf(low, {"--for", "flute"}).dump(), C3));
     EXPECT_TRUE(Contains(NotesOf(low, {"--param", "27=1", "--for", "flute"}).dump(), C3));
     EXPECT_FALSE(Contains(NotesOf(low, {"--preset", ORVA_PRESETS "/Flute.fxp"}).dump(), C3));
@@ -145,14 +145,14 @@ TEST_F(Program, PassesItsSettingsOnToThePlugIn) {
 
     // 46 dB down it lies below the floor of -35 dB; brought nearer to full level it is heard.
     const std::string faint = folder / "faint.wav";
-    Audio soft = HeldNote(middleC, 44100, 0.3, 1.0, 1.3);
+    Audio soft = OneNote(middleC, 44100, 0.3, 1.0, 1.3);
     for (float& sample : soft) sample /= 200;
     WriteAudio(faint, soft, 44100);
     EXPECT_TRUE(NotesOf(faint, {"--ear", "classic"}).empty());
     EXPECT_EQ(NotesOf(faint, {"--ear", "classic", "--level", "auto"}).at(0)["name"], "C4");
 
     // Amplitude 1/4 is power 1/16, whose fourth root is 1/2: the softer note has half the velocity.
-    const Audio loud = HeldNote(middleC, 44100, 0.3, 0.8, 1.5);
+    const Audio loud = OneNote(middleC, 44100, 0.3, 0.8, 1.5);
     Audio both = loud, right;  // right: its left channel is silent
     for (const float sample : loud) both.push_back(sample / 4);
     WriteAudio(folder / "both.wav", both, 44100);

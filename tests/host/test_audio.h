@@ -31,17 +31,12 @@ inline Audio ReadAudio(const std::string& path) {
 
 constexpr double middleC = 261.6256;  // Hz, equal temperament at A 440
 
-// One held note from `begin` to `end`, in seconds of `length`: four partials that fall off by 1/n over faint
-// noise that never sums to zero, since such a block counts as silence and resets the detector.
-inline Audio HeldNote(double hertz, int rate, double begin, double end, double length) {
-    Audio samples(Samples(rate, length)), note(Samples(rate, end) - Samples(rate, begin));
+// One note from `begin` to `end`, in seconds of `length`, over faint noise that never sums to zero, since such
+// a block counts as silence and resets the detector.
+inline Audio OneNote(double hertz, int rate, double begin, double end, double length) {
+    Audio samples(Samples(rate, length));
     std::minstd_rand random(1);
     for (float& sample : samples) sample = 0.0001F * static_cast<float>(5 + random() % 10);
-    for (int partial = 1; partial <= 4; ++partial) AddSine(note, hertz * partial, 0.25 / partial, rate);
-    const double fade = 0.005 * rate;  // samples, so that neither end clicks
-    for (std::size_t i = 0; i < note.size(); ++i)
-        samples[Samples(rate, begin) + i] +=
-            note[i] * static_cast<float>(std::min(
-                          {1.0, static_cast<double>(i) / fade, static_cast<double>(note.size() - i) / fade}));
+    AddStruck(samples, Samples(rate, begin), Samples(rate, end - begin), hertz, rate, 4, 0.25);
     return samples;
 }
