@@ -28,8 +28,6 @@ protected:
         unsetenv("WAYLAND_DISPLAY");
     }
     ~Programs() override {
-        setenv("PATH", pathBefore.c_str(), 1);
-        unsetenv("DISPLAY");
         EXPECT_TRUE(waitpid(-1, nullptr, WNOHANG) == -1 && errno == ECHILD) << "a child, alive or dead";
     }
     // It reports its name, each argument and what it finds of its parent's, each ended by a line of one dot;
@@ -52,7 +50,6 @@ protected:
         return words;
     }
 
-    const std::string pathBefore = std::getenv("PATH");
     const TempFolder folder;
 };
 
