@@ -137,8 +137,7 @@ TEST_F(SequencerDevices, ReportErrorsAsCodes) {
     EXPECT_EQ(Send(*device, 0x643C90), MMSYSERR_NOERROR);
 }
 
-// Neither sender waits: whoever finds nobody sending sends for both, and no message is left behind at the
-// end.
+// Neither sender waits: whoever finds nobody sending sends for both, and no message is left behind.
 TEST_F(SequencerDevices, LetTwoThreadsSendEachInItsOrderAndNeverBothInTheLibrary) {
     std::atomic<std::size_t> refused{0};
     constexpr std::uint32_t messages = 128 * 128;  // each numbered by its data

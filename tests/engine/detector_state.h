@@ -2,9 +2,8 @@
 #include "engine/real_time_detector.h"
 #include "tests/support/standard.h"
 
-// Everything that a detector holds, as bits, so that two detectors can be compared. Works for both detectors,
-// which share their fields' names. The tables of the resonators are not among it: whatever they hold shows in
-// the states at the next block.
+// All that a detector of either kind holds, as bits, but for the tables of the resonators, which show in the
+// states at the next block.
 template <typename Detector>
 std::vector<std::uint64_t> StateOf(Detector& d) {
     std::vector<std::uint64_t> state;

@@ -28,8 +28,7 @@ class SameAsPlain : public testing::TestWithParam<std::tuple<int, DetectorKernel
 
 }  // namespace
 
-// Blocks of any length, as in the plug-in, with tuning, mono, the fewest bands with all on, and 64 bands,
-// which fill whole vectors.
+// With tuning, mono, the fewest bands with all on, and 64 bands, which fill whole vectors.
 TEST_P(SameAsPlain, WholeStateIsTheSameAtEachCutOfTheAudio) {
     const auto& [rate, kernels] = GetParam();
     const Pcm audio = Everything(rate);

@@ -5,8 +5,7 @@
 
 namespace {
 
-// A listener on a recorder whose clock and bands the test sets by hand, which also stands in for the plug-in
-// object.
+// A listener on a recorder whose clock and bands the test sets, in the place of the plug-in object.
 class ChordsListener : public testing::Test, public IChordOwner, protected Bands {
 protected:
     ChordsListener() { recorder.AddOutput(listener); }

@@ -45,8 +45,7 @@ TEST(NoteList, PairsEachNoteOnWithWhateverEndsItFirst) {
     } rows[] = {
         {{{1, {on, 60, 80}}, {2, {on | 1, 60, 70}}, {3, {off, 60, 0}}, {4, {off | 1, 60, 64}}},
          "0:60 1-3 v80; 1:60 2-4 v70; "},
-        // A note-on of velocity 0 is a note-off; a second note-on ends the first; the take's end ends the
-        // rest.
+        // Velocity 0 is a note-off; a second note-on ends the first; the take's end ends the rest.
         {{{1, {on, 60, 80}}, {2, {on, 60, 0}}}, "0:60 1-2 v80; "},
         {{{1, {on, 60, 80}}, {5, {on, 60, 81}}}, "0:60 1-5 v80; 0:60 5-5000 v81; "},
         // Delays differ from band to band, and dates before the start are cut to 0: an end may be dated

@@ -1,6 +1,5 @@
-// The net of whole numbers: every instruction set against the plain definition, and the whole against the
-// program that made its weights. Levels, and the picker, frame by frame, against a simpler model that sees
-// all of a band's outputs at once.
+// The net of whole numbers against its plain definition and the program that made its weights; levels; and
+// the picker, frame by frame, against a simpler model that sees all of a band's outputs at once.
 #include "listening/refined_detector.h"
 
 #include "tests/support/test.h"

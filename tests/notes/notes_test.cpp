@@ -5,8 +5,7 @@
 
 namespace {
 
-// One random change of a score whose times all lie in the 64 ticks from `origin`, so that notes touch,
-// pass and equal each other all the time.
+// One random change of a score whose times lie in the 64 ticks from `origin`, so that notes touch and pass.
 void ChangeAtRandom(TNotes& score, std::uint32_t origin, std::minstd_rand& random) {
     const auto below = [&random](std::uint32_t limit) {
         return static_cast<std::uint32_t>(random()) % limit;

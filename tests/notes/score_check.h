@@ -4,8 +4,7 @@
 
 inline constexpr std::uint32_t lastTick = std::numeric_limits<std::uint32_t>::max();  // of the time line
 
-// Holds a score to its invariants by scanning all notes, the plain way. The result names the first thing
-// that is wrong, or is empty.
+// The first thing that is wrong with a score, by a scan of all notes, or empty.
 inline std::string WhatIsWrong(const TNoteMap& map, const TNoteList& expected) {
     const std::uint32_t m = map.mapIndex;
     if (map.notes.size() != expected.size() || map.points.size() != 2 * expected.size()) return "sizes";

@@ -1,5 +1,4 @@
-// What a host and an editor get from one instance where the walks through random calls do not look: hosts of
-// other makes, the log, what the editor is notified of, chords, and what goes on through a stop.
+// What a host and an editor get from one instance where the walks through random calls do not look.
 #include <unistd.h>
 
 #include "delivery/rt_recording.h"

@@ -1,5 +1,4 @@
-// Our records and numbers against those of headers that were written independently, from hosts and plug-ins
-// in use. They know most of the interface, but not all of it.
+// Our records and numbers against headers that were written independently, and know most of the interface.
 #include "tests/support/test.h"
 #include "vst2/records.h"
 namespace fst {

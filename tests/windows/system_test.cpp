@@ -1,5 +1,4 @@
-// What the program asks of Windows: settings, files and the dialog for a file's name, with texts of any
-// language.
+// What the program asks of Windows: settings, files and the dialog for a file's name, in any language.
 #include "base/file_path.h"
 #include "desktop/file_dialog.h"
 #include "desktop/user_store.h"

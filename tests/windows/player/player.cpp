@@ -1,6 +1,5 @@
 // A small host of the module for Windows.
-// player MODULE SOUND EVENTS BLOCK [device]: plays floats; writes a line an event: sample, then status and
-// data.
+// player MODULE SOUND EVENTS BLOCK [device]: plays floats; writes a line an event: sample, status and data.
 // player MODULE: writes how wide the module's window is to be where a window of the host's is.
 // player MODULE WINDOWS: opens the window so many times, and shows each page in the last: writes "page N",
 // and goes on when there is a file page_N.png in this folder.
