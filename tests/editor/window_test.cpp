@@ -132,7 +132,8 @@ TEST_F(Window, LightsTheKeysThatSoundALampForMidiAndOneForSamplesThatWrap) {
     host->plugin.startRecording();
     Play({69}, 0.5);
     awaitPixel(midiLamp.x, midiLamp.y, palette::note.light);
-    awaitPixel(180, midiLamp.y, palette::grooveHigh.light);  // -24 dB; the tone has -14
+    awaitPixel(180, midiLamp.y, palette::grooveHigh.light);             // -24 dB; the tone has -14
+    EXPECT_EQ(host->Pixel(210, midiLamp.y), palette::grooveLow.light);  // -10 dB
     EXPECT_EQ(host->Pixel(clipLamp.x, clipLamp.y), palette::grooveLow.light);
     awaitPixel(keyOfA440.x, keyOfA440.y, palette::note.light);
     EXPECT_EQ(TakeText(host->plugin.takeSeconds() + 83, host->plugin.takeNotes()), "1:23  1 note");

@@ -65,7 +65,7 @@ TEST(MidiExporter, NotesBecomeEventsOfTheirLayersTrack) {
     Score score;
     score.Add(second, 2 * second, 1, 5);
     score.Add(3 * second, 4 * second, 2, 5);  // the channel has the program
-    score.Add(2 * second, 2 * second + 100, 2, 5, 2)->level = std::numeric_limits<std::int32_t>::max();
+    score.Add(2 * second, 2 * second + 100, 2, 0, 2)->level = std::numeric_limits<std::int32_t>::max();
     score.Add(5 * second, 5 * second + 100, 1, 128, 16)->level = std::numeric_limits<std::int32_t>::min();
     for (const int channel : {0, 17}) score.Add(0, 10, 3, 5, channel);
     score.Add(0, 10, 3)->SetFlag(nfExcludedA);
@@ -88,7 +88,7 @@ TEST(MidiExporter, NotesBecomeEventsOfTheirLayersTrack) {
                                                          {480, 0x80, {69, 0}},
                                                          {1200, 0x9F, {69, 0}},
                                                          {1201, 0x8F, {69, 0}}}));
-    EXPECT_EQ(Voices(tracks, 2), (std::vector<MidiEvent>{{480, 0xC1, {5}},
+    EXPECT_EQ(Voices(tracks, 2), (std::vector<MidiEvent>{{480, 0xC1, {0}},
                                                          {480, 0x91, {69, 127}},
                                                          {481, 0x81, {69, 0}},
                                                          {720, 0x90, {69, 100}},
