@@ -97,7 +97,8 @@ std::uint32_t MidiPortTable::OpenPort(std::uint32_t& port, std::uint32_t index) 
     return MMSYSERR_NOMEM;
 }
 
-// The notes are ended with the lock released: meanwhile the device may find another user, or the table end.
+// The notes are ended with the lock released: meanwhile the device may find another user, who may close it in
+// turn, or the table end.
 void MidiPortTable::ClosePort(std::uint32_t port) {
     std::uint32_t index = 0;
     {
@@ -105,16 +106,18 @@ void MidiPortTable::ClosePort(std::uint32_t port) {
         const TMidiPort* const entry = Usable(port);
         if (entry == nullptr || entry->isFree != 0) return;
         index = entry->deviceIndex;
-        assert(openDevices[index].useCount > 0);
-        if (--openDevices[index].useCount > 0) return FreePort(port);
+        OpenDevice& device = openDevices[index];
+        assert(device.useCount > 0);
+        if (--device.useCount > 0) return FreePort(port);
+        ++device.closing;
     }
     SilencePort(port);
     const Locked hold(lock);
     if (tableClosed != 0) return;
-    const auto device = openDevices.find(index);
-    if (device != openDevices.end() && device->second.useCount == 0) {
-        CloseDevice(device->second.handle);
-        openDevices.erase(device);
+    OpenDevice& device = openDevices[index];
+    if (--device.closing == 0 && device.useCount == 0) {
+        CloseDevice(device.handle);
+        openDevices.erase(index);
     }
     FreePort(port);
 }

@@ -53,6 +53,7 @@ private:
     struct OpenDevice {
         MidiOutHandle handle = 0;
         std::uint32_t useCount = 0;  // ports
+        std::uint32_t closing = 0;   // ports whose notes are being ended, which keep it open
     };
 
     TMidiPort* At(std::uint32_t port) const;      // null: out of range
