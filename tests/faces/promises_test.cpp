@@ -167,7 +167,8 @@ TEST_P(Faces, LiveAThousandLivesAndTwoAtATime) {
 
 TEST_P(Faces, GiveAFullHostTheRestInTheNextBlock) {
     const auto face = Active();
-    const Audio chord = Tones({60, 64, 67}, 0.5);
+    Audio chord = Tones({60, 64, 67}, 0.5);
+    std::fill_n(chord.begin(), 4410, 0.0F);  // so that no event is at the block's own begin
     face->space = 0;
     face->Process(chord.data(), nullptr, static_cast<std::uint32_t>(chord.size()));
     for (std::size_t all = 0; face->space = 1, all < 4; ++all) {  // the program and three notes
@@ -175,8 +176,10 @@ TEST_P(Faces, GiveAFullHostTheRestInTheNextBlock) {
         face->Process(nullptr, nullptr, 64);
     }
     ASSERT_EQ(face->events.size(), 4U);
-    for (std::size_t i = 0; i < 4; ++i)  // at the begin of its block
+    for (std::size_t i = 0; i < 4; ++i) {  // at the begin of its block, and no end before its note
         EXPECT_EQ(face->events[i].at, static_cast<std::int64_t>(chord.size() + 64 * i));
+        EXPECT_EQ(face->events[i].data[0], i == 0 ? '\xC0' : '\x90');
+    }
 }
 
 TEST_P(LaterFaces, KeepObjectAndEqualizerAtAnotherRate) {
