@@ -13,10 +13,15 @@ void Play(Detector& detector, const Pcm& audio) {
     detector.Process(audio.data(), Bytes(audio.size()));
 }
 
-// Chords, sharp by some cents.
-inline Pcm Music(int rate, double seconds, double cents) {
-    std::minstd_rand random(1);
-    return Shorts(RandomMusic(random, rate / std::exp2(cents / 1200), seconds));
+// Chords of three struck notes, a new one every 0.2 s; sharp by `cents`.
+inline Pcm Music(int rate, double seconds, double cents = 0) {
+    static constexpr double chords[][3] = {{24, 31, 40}, {29, 38, 45}, {26, 33, 54}, {12, 43, 47}};
+    Audio mix(Samples(rate, seconds));
+    const std::size_t length = Samples(rate, 0.2);
+    for (std::size_t begin = 0, chord = 0; begin < mix.size(); begin += length, ++chord)
+        for (const double band : chords[chord % 4])
+            AddStruck(mix, begin, length, BandHertz(band + cents / 100), rate, 4, 0.12);
+    return Shorts(mix);
 }
 
 // Loud and quiet, on and off the grid, to the bound of the accumulators and beyond it, where they wrap (at
