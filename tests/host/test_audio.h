@@ -31,8 +31,8 @@ inline Audio ReadAudio(const std::string& path) {
 
 constexpr double middleC = 261.6256;  // Hz, equal temperament at A 440
 
-// One note from `begin` to `end`, in seconds of `length`, over faint noise that never sums to zero, since such
-// a block counts as silence and resets the detector.
+// One note from `begin` to `end`, in seconds of `length`, over faint noise that never sums to zero, since
+// such a block counts as silence and resets the detector.
 inline Audio OneNote(double hertz, int rate, double begin, double end, double length) {
     Audio samples(Samples(rate, length));
     std::minstd_rand random(1);
