@@ -6,7 +6,7 @@ target_compile_definitions(test_host PRIVATE
   ORVA_MODULE="$<TARGET_FILE:orva_vst>"
   ORVA_GOLDEN="${CMAKE_CURRENT_SOURCE_DIR}/host/golden"
   ORVA_PRESETS="${PROJECT_BINARY_DIR}/presets"
-  ORVA_RECORDINGS="${PROJECT_SOURCE_DIR}/recordings")
+  ORVA_RECORDINGS="${PROJECT_SOURCE_DIR}/recordings" ORVA_DOCUMENTS="${PROJECT_SOURCE_DIR}/docs")
 # A JACK server of its own receives notes.
-pkg_check_modules(JACK_TEST REQUIRED IMPORTED_TARGET jack)
+pkg_check_modules(JACK_TEST REQUIRED IMPORTED_TARGET jack cairo)
 target_link_libraries(test_host PRIVATE PkgConfig::JACK_TEST)

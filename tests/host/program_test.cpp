@@ -6,6 +6,7 @@
 
 #include "run_host.h"
 #include "test_audio.h"
+#include "tests/support/picture_file.h"
 
 namespace {
 
@@ -190,6 +191,18 @@ TEST_F(Program, HearsTheFilesOfListsAndOnlyThoseThatAreNotDone) {
     fs::last_write_time(files[2], fs::last_write_time(third) + std::chrono::seconds(1));
     EXPECT_EQ(Named(resume()), (FileNames{files[1], files[2]}));
     EXPECT_TRUE(fs::exists(second));
+}
+
+TEST_F(Program, DrawsTheNotesOverThoseThatWerePlayed) {
+    const std::string music = ORVA_RECORDINGS "/piano_chords";
+    EXPECT_EQ(
+        RunHost({"render", music + ".ogg", "--picture", folder / "notes.png", "--played", music + ".mid"})
+            .code,
+        0);
+    constexpr int letters = 5000;  // which are the system's, and may be other ones
+    EXPECT_LT(PixelsOff(PixelsOf(folder / "notes.png"), PixelsOf(ORVA_DOCUMENTS "/piano_chords.png")),
+              letters)
+        << "docs/make-pictures makes it anew";
 }
 
 }  // namespace
