@@ -196,6 +196,9 @@ TEST_F(Window, TakesTypedValuesAndKeysWhereTheFocusIsAndLeavesOthersToTheHost) {
     Click(equalizerButton);
     type(bar40, "0,25", "Return");
     expect(paramFirstBar + 40, 0.25F);
+    Click(bar40);
+    for (const char* key : {"Right", "Down"}) host->Key(key);  // the next bar, which was whole
+    expect(paramFirstBar + 41, 0.99F);
 }
 
 TEST_F(Window, SaysWhatTheControlUnderAMouseAtRestDoes) {
