@@ -8,9 +8,13 @@
 
 // The window's colours and fonts, all in one place.
 
-// As the windows look now. A view asks when it is made: a change of the variant makes all views anew.
+// As the windows look now, 0xRRGGBB. A view asks when it is made: a change of the variant makes all views
+// anew.
+inline std::uint32_t RgbOf(const Shade& shade) {
+    return CurrentVariant() == Variant::dark ? shade.dark : shade.light;
+}
 inline VSTGUI::CColor ColorOf(const Shade& shade, std::uint8_t alpha = 255) {
-    const std::uint32_t rgb = CurrentVariant() == Variant::dark ? shade.dark : shade.light;
+    const std::uint32_t rgb = RgbOf(shade);
     return {static_cast<std::uint8_t>(rgb >> 16), static_cast<std::uint8_t>(rgb >> 8 & 0xFF),
             static_cast<std::uint8_t>(rgb & 0xFF), alpha};
 }

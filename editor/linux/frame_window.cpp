@@ -67,11 +67,8 @@ std::unique_ptr<FrameWindow> FrameWindow::Open(VSTGUI::CFrame& frame, void* pare
     const auto window = static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(parent));
     if (window == 0) return nullptr;
     const VSTGUI::CRect& size = frame.getViewSize();
-    const VSTGUI::CColor ground = ColorOf(palette::groundTop);
-    auto holder =
-        HolderWindow::Make(DisplayConnection(), window, static_cast<std::uint16_t>(size.getWidth()),
-                           static_cast<std::uint16_t>(size.getHeight()),
-                           std::uint32_t{ground.red} << 16 | std::uint32_t{ground.green} << 8 | ground.blue);
+    auto holder = HolderWindow::Make(DisplayConnection(), window, static_cast<std::uint16_t>(size.getWidth()),
+                                     static_cast<std::uint16_t>(size.getHeight()), RgbOf(palette::groundTop));
     if (!holder) return nullptr;
 
     VSTGUI::X11::FrameConfig config;
