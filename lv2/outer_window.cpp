@@ -2,16 +2,13 @@
 
 #include <xcb/xcb.h>
 
-#include <cstdlib>
 #include <cstring>
+
+#include "base/linux/owned.h"
 
 namespace {
 
 constexpr char title[] = "ORVA Audio To MIDI";
-
-struct Freed {
-    void operator()(void* memory) const { std::free(memory); }
-};
 
 constexpr std::uint32_t smallestSize = 1U << 4, largestSize = 1U << 5;  // flags
 
@@ -51,7 +48,7 @@ bool OuterWindow::Create(std::uint32_t parent, std::uint16_t width, std::uint16_
     const auto made = xcb_create_window_checked(
         connection, screen->root_depth, wanted, parent != 0 ? parent : screen->root, 0, 0, width, height, 0,
         XCB_WINDOW_CLASS_INPUT_OUTPUT, screen->root_visual, mask, values);
-    const std::unique_ptr<xcb_generic_error_t, Freed> error(xcb_request_check(connection, made));
+    const Owned<xcb_generic_error_t> error(xcb_request_check(connection, made));
     if (error || xcb_connection_has_error(connection) != 0) return false;
     id = wanted;
 
@@ -89,15 +86,14 @@ void OuterWindow::Resize(std::uint16_t width, std::uint16_t height) {
 
 // All requests so far have been carried out: an answer to a later one says so.
 bool OuterWindow::Arrived() {
-    const std::unique_ptr<xcb_get_input_focus_reply_t, Freed> answer(
+    const Owned<xcb_get_input_focus_reply_t> answer(
         xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
     return answer != nullptr;
 }
 
 std::uint32_t OuterWindow::Atom(const char* name) {
     const auto asked = xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(std::strlen(name)), name);
-    const std::unique_ptr<xcb_intern_atom_reply_t, Freed> reply(
-        xcb_intern_atom_reply(connection, asked, nullptr));
+    const Owned<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(connection, asked, nullptr));
     return reply ? reply->atom : std::uint32_t{XCB_ATOM_NONE};
 }
 
@@ -108,7 +104,7 @@ void OuterWindow::Show() {
 
 bool OuterWindow::UserHasClosed() {
     bool closed = false;
-    while (const std::unique_ptr<xcb_generic_event_t, Freed> event{xcb_poll_for_event(connection)}) {
+    while (const Owned<xcb_generic_event_t> event{xcb_poll_for_event(connection)}) {
         constexpr unsigned sentByAnother = 0x80;
         const unsigned type = event->response_type & ~sentByAnother;
         if (type == XCB_CLIENT_MESSAGE) {

@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cstdlib>
 #include <memory>
 #include <string_view>
 
+#include "base/linux/owned.h"
 #include "editor/window_size.h"
 
 namespace {
@@ -14,9 +14,6 @@ constexpr double usualDpi = 96;
 
 struct Disconnect {
     void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
-};
-struct Freed {
-    void operator()(void* memory) const { std::free(memory); }
 };
 
 // Of lines like "Xft.dpi:\t192", which desktops write for the programs of the display.
@@ -42,8 +39,7 @@ double DesktopScale() {
     const auto asked = xcb_get_property(connection.get(), 0,
                                         xcb_setup_roots_iterator(xcb_get_setup(connection.get())).data->root,
                                         XCB_ATOM_RESOURCE_MANAGER, XCB_ATOM_STRING, 0, mostWords);
-    const std::unique_ptr<xcb_get_property_reply_t, Freed> reply(
-        xcb_get_property_reply(connection.get(), asked, nullptr));
+    const Owned<xcb_get_property_reply_t> reply(xcb_get_property_reply(connection.get(), asked, nullptr));
     if (!reply) return 1;
     return DpiOf({static_cast<const char*>(xcb_get_property_value(reply.get())),
                   static_cast<std::size_t>(xcb_get_property_value_length(reply.get()))}) /

@@ -6,8 +6,9 @@
 #include <cctype>
 #include <chrono>
 #include <cstdio>
-#include <cstdlib>
 #include <string_view>
+
+#include "base/linux/owned.h"
 
 namespace {
 
@@ -16,12 +17,6 @@ using Clock = std::chrono::steady_clock;
 constexpr std::uint32_t ownVersion = 5;  // of the protocol, XDND
 // For an answer of the window that the pointer is over.
 constexpr auto timeout = std::chrono::seconds(5);
-
-struct Freed {
-    void operator()(void* memory) const { std::free(memory); }
-};
-template <typename Reply>
-using Owned = std::unique_ptr<Reply, Freed>;
 
 // As a list of files is written: what is not plain is a byte's number, and each line ends so.
 std::string UriList(const std::string& path) {

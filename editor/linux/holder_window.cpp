@@ -3,18 +3,12 @@
 #include <xcb/xcb.h>
 #include <xcb/xcb_keysyms.h>
 
-#include <cstdlib>
 #include <string_view>
 #include <vector>
 
+#include "base/linux/owned.h"
+
 namespace {
-
-struct Freed {
-    void operator()(void* memory) const { std::free(memory); }
-};
-
-template <typename Reply>
-using Owned = std::unique_ptr<Reply, Freed>;
 
 // 0 where nobody has made it.
 xcb_atom_t AtomOf(xcb_connection_t* connection, std::string_view name) {
@@ -55,7 +49,7 @@ std::unique_ptr<HolderWindow> HolderWindow::Make(xcb_connection_t* connection, s
     const auto made =
         xcb_create_window_checked(connection, screen->root_depth, id, parent, 0, 0, width, height, 0,
                                   XCB_WINDOW_CLASS_INPUT_OUTPUT, screen->root_visual, mask, values);
-    const std::unique_ptr<xcb_generic_error_t, Freed> error(xcb_request_check(connection, made));
+    const Owned<xcb_generic_error_t> error(xcb_request_check(connection, made));
     if (error || xcb_connection_has_error(connection) != 0) return nullptr;
     xcb_map_window(connection, id);
     xcb_flush(connection);
@@ -106,7 +100,7 @@ bool HolderWindow::Own(std::uint32_t process) const {
 
 void HolderWindow::PassKey(std::uint32_t symbol, std::uint16_t modifiers, bool down) const {
     xcb_key_symbols_t* const symbols = xcb_key_symbols_alloc(connection);
-    const std::unique_ptr<xcb_keycode_t, Freed> codes(xcb_key_symbols_get_keycode(symbols, symbol));
+    const Owned<xcb_keycode_t> codes(xcb_key_symbols_get_keycode(symbols, symbol));
     xcb_key_symbols_free(symbols);
     if (!codes || *codes == XCB_NO_SYMBOL) return;
     xcb_key_press_event_t event = {};  // a release is the same record

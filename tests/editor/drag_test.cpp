@@ -19,7 +19,7 @@ public:
     ~DropTarget() { xcb_disconnect(connection); }
 
     void Answer() {
-        while (const XcbReply<xcb_generic_event_t> event{xcb_poll_for_event(connection)}) {
+        while (const Owned<xcb_generic_event_t> event{xcb_poll_for_event(connection)}) {
             const int type = event->response_type & 0x7F;
             if (type == XCB_SELECTION_NOTIFY) Take();
             if (type != XCB_CLIENT_MESSAGE) continue;
@@ -41,7 +41,7 @@ public:
 
 private:
     xcb_atom_t Atom(std::string_view name) {
-        const XcbReply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
+        const Owned<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
             connection, xcb_intern_atom(connection, 0, std::uint16_t(name.size()), name.data()), nullptr));
         return reply->atom;
     }
@@ -57,7 +57,7 @@ private:
         xcb_send_event(connection, 0, source, 0, reinterpret_cast<const char*>(&message));
     }
     void Take() {
-        const XcbReply<xcb_get_property_reply_t> reply(xcb_get_property_reply(
+        const Owned<xcb_get_property_reply_t> reply(xcb_get_property_reply(
             connection, xcb_get_property(connection, 1, window, Atom("DROPPED"), XCB_ATOM_ANY, 0, 4096),
             nullptr));
         dropped.assign(static_cast<const char*>(xcb_get_property_value(reply.get())),

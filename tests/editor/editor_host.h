@@ -57,7 +57,7 @@ public:
         const std::uint32_t keys = XCB_EVENT_MASK_KEY_PRESS;
         xcb_change_window_attributes(connection, parent, XCB_CW_EVENT_MASK, &keys);
         Sync();
-        const XcbReply<xcb_generic_event_t> event(xcb_poll_for_event(connection));
+        const Owned<xcb_generic_event_t> event(xcb_poll_for_event(connection));
         if (!event || (event->response_type & 0x7F) != XCB_KEY_PRESS) return 0;
         return reinterpret_cast<const xcb_key_press_event_t*>(event.get())->detail;
     }

@@ -121,7 +121,7 @@ protected:
     std::uint32_t SizeHints() const {
         const auto asked = xcb_get_property(desktop.connection, 0, desktop.Children().at(0),
                                             XCB_ATOM_WM_NORMAL_HINTS, XCB_ATOM_ANY, 0, 1);
-        const XcbReply<xcb_get_property_reply_t> reply(
+        const Owned<xcb_get_property_reply_t> reply(
             xcb_get_property_reply(desktop.connection, asked, nullptr));
         return *static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
     }

@@ -1,6 +1,7 @@
 #pragma once
 #include <xcb/xcb.h>
 
+#include "base/linux/owned.h"
 #include "tests/support/process.h"
 #include "tests/support/temp_folder.h"
 
@@ -25,12 +26,6 @@ public:
 private:
     Process server;
 };
-
-struct Freed {
-    void operator()(void* memory) const { free(memory); }
-};
-template <typename T>
-using XcbReply = std::unique_ptr<T, Freed>;
 
 // What a host has on the display that DISPLAY names: a connection, and a window in which an editor may open,
 // at the display's upper left corner and without a frame.
@@ -62,7 +57,7 @@ public:
     }
     // Until the display has done all that it was asked.
     void Sync() const {
-        const XcbReply<xcb_get_input_focus_reply_t> answer(
+        const Owned<xcb_get_input_focus_reply_t> answer(
             xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
     }
     void* Handle() const { return reinterpret_cast<void*>(static_cast<std::uintptr_t>(parent)); }
@@ -70,7 +65,7 @@ public:
     // The windows inside ours, or another; throws where it or the display is gone.
     std::vector<xcb_window_t> Children() const { return Children(parent); }
     std::vector<xcb_window_t> Children(xcb_window_t of) const {
-        const XcbReply<xcb_query_tree_reply_t> reply(
+        const Owned<xcb_query_tree_reply_t> reply(
             xcb_query_tree_reply(connection, xcb_query_tree(connection, of), nullptr));
         if (!reply) throw std::runtime_error("no such window");
         std::vector<xcb_window_t> windows(reply->children_len);
@@ -83,7 +78,7 @@ public:
             xcb_get_image(connection, XCB_IMAGE_FORMAT_Z_PIXMAP, parent, static_cast<std::int16_t>(x),
                           static_cast<std::int16_t>(y), static_cast<std::uint16_t>(width),
                           static_cast<std::uint16_t>(height), ~0U);
-        const XcbReply<xcb_get_image_reply_t> reply(xcb_get_image_reply(connection, asked, nullptr));
+        const Owned<xcb_get_image_reply_t> reply(xcb_get_image_reply(connection, asked, nullptr));
         if (!reply) return {};
         const std::uint8_t* const data = xcb_get_image_data(reply.get());
         return {data, data + xcb_get_image_data_length(reply.get())};
